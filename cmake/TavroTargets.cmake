@@ -1,0 +1,73 @@
+# The functions that make every target of the project:
+#
+#   tavro_library(DEPENDS ...)    the library of the current folder of src/
+#   tavro_model()                 the library of a compiled model, a folder of src/generated/
+#   tavro_executive(name model)   a console executable around one compiled model
+#   tavro_tests(DEPENDS ...)      the test executable of the current folder of tests/
+#
+# An include path is only as wide as the declared dependencies: each library exposes one private
+# directory that holds a single link, named after its folder, to its sources. So
+# #include "model/Atom.h" resolves only in a target that declares a dependency on model.
+
+function(tavro_folder_name result)
+  get_filename_component(name ${CMAKE_CURRENT_SOURCE_DIR} NAME)
+  set(${result} ${name} PARENT_SCOPE)
+endfunction()
+
+function(tavro_library)
+  cmake_parse_arguments(ARG "" "" "DEPENDS;EXCLUDE" ${ARGN})
+  tavro_folder_name(folder)
+  file(GLOB_RECURSE sources CONFIGURE_DEPENDS ${CMAKE_CURRENT_SOURCE_DIR}/*.cpp)
+  foreach(excluded ${ARG_EXCLUDE})
+    list(REMOVE_ITEM sources ${CMAKE_CURRENT_SOURCE_DIR}/${excluded})
+  endforeach()
+  add_library(tavro_${folder} STATIC ${sources})
+  tavro_expose_includes(tavro_${folder} ${folder})
+  foreach(dependency ${ARG_DEPENDS})
+    target_link_libraries(tavro_${folder} PUBLIC tavro_${dependency})
+  endforeach()
+endfunction()
+
+# *path* is what an include of one of its headers begins with.
+function(tavro_expose_includes target path)
+  set(root ${CMAKE_BINARY_DIR}/include/${target})
+  get_filename_component(parent ${root}/${path} DIRECTORY)
+  file(MAKE_DIRECTORY ${parent})
+  file(CREATE_LINK ${CMAKE_CURRENT_SOURCE_DIR} ${root}/${path} SYMBOLIC)
+  target_include_directories(${target} PUBLIC ${root})
+endfunction()
+
+function(tavro_model)
+  tavro_folder_name(model)
+  file(GLOB sources CONFIGURE_DEPENDS ${CMAKE_CURRENT_SOURCE_DIR}/*.cpp)
+  add_library(tavro_${model} STATIC ${sources})
+  tavro_expose_includes(tavro_${model} generated/${model})
+  target_link_libraries(tavro_${model} PUBLIC tavro_hybrid)
+endfunction()
+
+# The lower folders call operations that higher ones implement, so the archives are searched again
+# until nothing is missing.
+function(tavro_link_engine target)
+  target_link_libraries(${target} PRIVATE "-Wl,--start-group" ${ARGN} "-Wl,--end-group")
+endfunction()
+
+function(tavro_executive name model)
+  add_executable(${name} ${CMAKE_SOURCE_DIR}/src/console/main.cpp)
+  tavro_link_engine(${name} tavro_${model} ${TAVRO_ENGINE})
+  set_target_properties(${name} PROPERTIES RUNTIME_OUTPUT_DIRECTORY ${CMAKE_BINARY_DIR}/bin)
+endfunction()
+
+# One executable per folder of tests/, from every *_test.cpp in it: a test file cannot be left out.
+function(tavro_tests)
+  cmake_parse_arguments(ARG "" "" "LINK" ${ARGN})
+  tavro_folder_name(folder)
+  file(GLOB sources CONFIGURE_DEPENDS ${CMAKE_CURRENT_SOURCE_DIR}/*_test.cpp
+       ${CMAKE_CURRENT_SOURCE_DIR}/*_fixture.cpp)
+  add_executable(tests_${folder} ${sources})
+  target_include_directories(tests_${folder} PRIVATE ${CMAKE_SOURCE_DIR}/tests)
+  tavro_link_engine(tests_${folder} ${ARG_LINK})
+  target_link_libraries(tests_${folder} PRIVATE GTest::gtest_main)
+  set_target_properties(tests_${folder} PROPERTIES RUNTIME_OUTPUT_DIRECTORY ${CMAKE_BINARY_DIR}/tests)
+  gtest_discover_tests(tests_${folder} TEST_PREFIX "${folder}." DISCOVERY_TIMEOUT 60
+                       WORKING_DIRECTORY ${CMAKE_CURRENT_BINARY_DIR})
+endfunction()

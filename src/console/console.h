@@ -1,0 +1,62 @@
+// The console: its globals, its line reader, its command table and its loop.
+#pragma once
+
+#include <cstdio>
+#include <string>
+
+struct s_runtime;
+class Scheduler;
+
+// ---- Globals ----
+
+extern int done;        // set by `quit`: the loop ends
+extern char* ligne;     // the current input line, owned by the reader; null at end of input
+extern bool discrete;   // the model has no continuous side
+extern bool disc_init;  // `init` has run for a discrete model, and `disc` has not yet used it
+
+// Paths of the data files. Each begins as the prefix of its directory; modesFile has none.
+extern std::string inputFile, scenarFile, measureFile, displayFile, modesFile;
+extern std::string auxFile;  // base name of the program
+
+// ---- Commands ----
+
+// A handler takes the text after the command word, or null; the loop ignores its result.
+using CommandHandler = int (*)(char const* argument);
+
+struct snCom {
+    char const* name;  // null ends a table
+    CommandHandler func;
+    char const* doc;  // help text without its final full stop
+};
+
+extern snCom const cde[];
+
+// The last record of exactly that name, or null: no abbreviations.
+snCom const* whichCom(snCom const* table, char const* word);
+// Lists the commands that begin with *arg*, or all names when there is none.
+void printHelp(char const* arg);
+
+int snQuit(char const* arg);
+int snHelp(char const* arg);
+int snComment(char const* arg);
+
+// ---- Reading and running ----
+
+// Makes the first, empty line.
+void ligneInit();
+// Reads a line into `ligne` and into the history; null at end of input, after a short sleep.
+char* do_gets(char const* prompt);
+// Removes white space at both ends, in place. Required: the first character is never removed from
+// the end.
+void stripWhite(char* text);
+// Obeys one line.
+void obeyLine(char* line);
+// Obeys lines until `quit`.
+void runConsole();
+
+// ---- Start-up (start.cpp) ----
+
+// Builds the model, reads the command line, and says what it took.
+void startConsole(int argc, char** argv);
+// First values of the continuous conditions.
+void localInit(s_runtime* rt, Scheduler* scheduler);

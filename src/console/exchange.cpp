@@ -1,0 +1,176 @@
+// Opening, reading, writing and closing the data files of a run.
+#include "console/exchange.h"
+
+#include <cmath>
+#include <iostream>
+
+#include "console/console.h"
+#include "console/run.h"
+#include "continuous/exchange.h"
+#include "continuous/sorn-runt.h"
+#include "reasoning/Scheduler.h"
+#include "support/numbers.h"
+
+std::FILE *dataIn = nullptr, *measIn = nullptr, *dataOut = nullptr, *modesOut = nullptr;
+int memFr = 0;
+
+namespace {
+
+// Closes the stream, unless it is standard output; the pointer becomes null either way.
+// Returns whether everything was written.
+bool closeStream(std::FILE*& stream) {
+    bool written = true;
+    if (stream != nullptr && stream != stdout)
+        written = std::fclose(stream) == 0;
+    stream = nullptr;
+    return written;
+}
+
+void closeOutput(std::FILE*& stream, std::string const& path) {
+    bool const failed = stream != nullptr && std::ferror(stream) != 0;
+    bool const closed = closeStream(stream);
+    if (failed || !closed)
+        std::fprintf(stderr, "Can't write file %s\n", path.c_str());
+}
+
+// Opens *path* into *stream*, or gives it *without* when the path is empty. 1 on success.
+int prepare(std::FILE*& stream, std::string const& path, char const* mode, std::FILE* without,
+            char const* okText) {
+    closeStream(stream);
+    stream = path.empty() ? without : std::fopen(path.c_str(), mode);
+    if (stream == nullptr && !path.empty()) {
+        std::fprintf(stderr, "Can't open file %s\n", path.c_str());
+        return 0;
+    }
+    std::cout << okText;
+    return 1;
+}
+
+}  // namespace
+
+int prepareEI() {
+    std::cout << "inputfile : " << inputFile << "\n";
+    return prepare(dataIn, inputFile, "r", nullptr, "input file is ok\n");
+}
+
+int prepareMS() {
+    std::cout << "inputfile : " << measureFile << "\n";
+    return prepare(measIn, measureFile, "r", nullptr, "measure file is ok\n");
+}
+
+int prepareDO() { return prepare(dataOut, displayFile, "w", stdout, "display file is ok\n"); }
+
+int prepareMO() { return prepare(modesOut, modesFile, "w", nullptr, "modes file is ok\n"); }
+
+int prepareSc() {
+    std::cout << "scenarFIle: " << scenarFile << "\n";
+    if (!scenarFile.empty())
+        sMM->loadScenario(scenarFile);
+    return 1;
+}
+
+namespace {
+
+// Reads one value. What is no number leaves the value as it was, and so does the end of the file,
+// about which nothing is said: the last line then stands for every later one.
+bool readValue(std::FILE* stream, std::string const& path, int column, double* value) {
+    double read = *value;
+    int const result = std::fscanf(stream, "%lg", &read);
+    if (result == 1 && std::isfinite(read)) {
+        *value = read;
+        return true;
+    }
+    if (result != EOF)
+        std::fprintf(stderr, "%s: value %d of time %g is not a number, %g stays\n", path.c_str(),
+                     column + 1, simTime, *value);
+    return result == 1;
+}
+
+int readLine(char const* label, std::FILE* stream, std::string const& path, int count,
+             double* values) {
+    if (stream != nullptr) {
+        bool reading = true;
+        for (int i = 0; i < count && reading; ++i)
+            reading = readValue(stream, path, i, &values[i]);
+        [[maybe_unused]] int const skipped = std::fscanf(stream, "%*[^\n]");
+    }
+    std::cout << label;
+    for (int i = 0; i < count; ++i)
+        std::cout << values[i] << " ";
+    std::cout << "\n";
+    return 1;
+}
+
+}  // namespace
+
+int tavro_getInputs(char const*, int count, double* values) {
+    return readLine("inputs: ", dataIn, inputFile, count, values);
+}
+
+int tavro_getMeasures(char const*, int count, double* values) {
+    return readLine("measures: ", measIn, measureFile, count, values);
+}
+
+int tavro_setDisplays(char const*, int count, double const* inf, double const* sup) {
+    if (dataOut == stdout)
+        std::fprintf(dataOut, "Displays: ");
+    for (int i = 0; i < count; ++i)
+        std::fprintf(dataOut, "%g %g ", inf[i], sup[i]);
+    return 1;
+}
+
+// A row before the first is skipped, and so is one behind the table's end.
+void tavro_setRTDisplays(int count, s_runtime* rt, double row) {
+    int const index = truncateToInt(std::ceil(row));
+    if (index < 1 || index > rt->extra.size())
+        return;
+    int const start = (index - 1) * 2 * count;
+    for (int j = 0; j < count; ++j) {
+        rt->extra.set(start + 2 * j, rt->dinfval[static_cast<std::size_t>(j)]);
+        rt->extra.set(start + 2 * j + 1, rt->dsupval[static_cast<std::size_t>(j)]);
+    }
+}
+
+int initDispAll(s_runtime* rt, double rows) {
+    constexpr double largest = 2147483647.0;
+    double const values = static_cast<double>(rt->display.size()) * rows * 2.0;
+    if (!(values < largest))
+        return 0;
+    if (!rt->display.empty())
+        rt->extra.resize(truncateToInt(values));
+    return 1;
+}
+
+// The size of the table is that of the first candidate, for all.
+void writeDispAll(std::FILE* stream, HybMap const& trajectories, int rows) {
+    std::cout << "writing " << trajectories.size() << " trajectories\n";
+    if (trajectories.empty() || stream == nullptr)
+        return;
+    s_runtime const& first = *trajectories.begin()->second->rt;
+    int const width = 2 * static_cast<int>(first.display.size());
+    if (width == 0)
+        return;
+    rows = std::min(rows, first.extra.size() / width);
+    for (int row = 0; row < rows; ++row) {
+        for (auto const& entry : trajectories)
+            for (int k = 0; k < width; ++k)
+                std::fprintf(stream, "%g ", entry.second->rt->extra[row * width + k]);
+        std::fprintf(stream, "\n");
+    }
+}
+
+void closeRunFiles() {
+    closeOutput(dataOut, displayFile);
+    closeStream(dataIn);
+    closeOutput(modesOut, modesFile);
+    closeStream(measIn);
+}
+
+// An outer system could take alarms here; this one leaves them in the runtime.
+int sorn_setAlarms(char const*, int, int const*, int const*, int const*) { return 1; }
+
+int sorn_sendDiagnosis(char const*, char const* text) {
+    if (*text != '\0')
+        std::fprintf(stderr, "Diagnostic Results:\n%s\n", text);
+    return 1;
+}

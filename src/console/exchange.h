@@ -1,0 +1,34 @@
+// The data files of a run: one line per time step in, one line per time step out.
+//
+// Input and measure files hold numbers in the order of the compiled model's lists, the first line for
+// time 0; what follows them on a line is skipped. The display file's first line is written at the
+// start, the others together at the end, for the candidates that are left.
+#pragma once
+
+#include <cstdio>
+#include <memory>
+
+#include "hybrid/exchange.h"
+#include "hybrid/tavro-runt.h"
+
+// Streams are open from `init` to the end of the run; null when there is none.
+extern std::FILE *dataIn, *measIn, *dataOut, *modesOut;
+extern int memFr;  // bytes released of the value arrays
+
+// Each opens the file of a path that is not empty; 1 on success. A file that is open from an
+// earlier, failed `init` is closed first.
+int prepareEI();
+int prepareMS();
+int prepareDO();
+int prepareMO();
+// Loads the scenario; returns 1.
+int prepareSc();
+
+// Writes *count* pairs of bounds; returns 1.
+int tavro_setDisplays(char const* name, int count, double const* inf, double const* sup);
+// Gives the runtime a display table of *rows* rows; 0 when that is more than a table can hold.
+int initDispAll(s_runtime* rt, double rows);
+// Writes the first *rows* rows of every candidate side by side, a line a row.
+void writeDispAll(std::FILE* stream, HybMap const& trajectories, int rows);
+// Closes every stream of the run, and says which file could not be written.
+void closeRunFiles();

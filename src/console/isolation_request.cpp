@@ -1,0 +1,67 @@
+// The hooks through which the engine reads a request for isolation.
+#include "console/isolation_request.h"
+
+#include <algorithm>
+#include <cstdio>
+
+#include "continuous/exchange.h"
+#include "continuous/records.h"
+#include "hybrid/tavro-runt.h"
+
+IsolationRequest tDiag(nullptr);
+
+namespace {
+
+// The position among the measures of the model, or -1.
+int measureOf(std::string const& name) {
+    auto const& measures = tavro_rt->measure;
+    auto const found = std::find_if(measures.begin(), measures.end(),
+                                    [&](s_Variable const* v) { return v->nom == name; });
+    return found == measures.end() ? -1 : static_cast<int>(found - measures.begin());
+}
+
+// The value of one condition; -1, and a message, when it is missing or wrong.
+int readCondition() {
+    std::optional<std::string> const& token = tDiag.token();
+    if (!token) {
+        std::fprintf(stderr, "Not enough condition values !\n");
+        return -1;
+    }
+    int const value = token->starts_with('0') ? 0 : token->starts_with('1') ? 1 : -1;
+    if (value == -1)
+        std::fprintf(stderr, "Wrong condition value !\n");
+    else
+        tDiag.advance();
+    return value;
+}
+
+}  // namespace
+
+int sorn_getMisbs(char const*, int count, int* values) {
+    std::fill(values, values + count, 0);
+    while (tDiag.token() && !isNumeric(*tDiag.token())) {
+        int const index = measureOf(*tDiag.token());
+        if (index < 0 || index >= count) {
+            std::fprintf(stderr, "Variable %s either is not measured or does not exist !\n",
+                         tDiag.token()->c_str());
+            std::fill(values, values + count, 0);
+            tDiag.abandon();
+            return 0;
+        }
+        values[index] = 1;
+        tDiag.advance();
+    }
+    return 1;
+}
+
+// An influence without a condition takes 1 and uses no token.
+int sorn_getConds(char const*, int count, int* values) {
+    for (int i = 0; i < count; ++i) {
+        bool const given = tavro_rt->influ[static_cast<std::size_t>(i)]->cond != nullptr;
+        int const value = given ? readCondition() : 1;
+        if (value == -1)
+            return 0;
+        values[i] = value;
+    }
+    return 1;
+}

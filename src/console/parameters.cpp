@@ -1,0 +1,22 @@
+// Splitting the text after a command into words.
+#include "console/parameters.h"
+
+#include <cctype>
+
+#include "console/console.h"
+
+std::optional<std::string> Parameters::next() {
+    std::size_t const start = rest.find_first_not_of(' ');
+    if (start == std::string::npos)
+        return std::nullopt;
+    std::size_t const end = rest.find(' ', start);
+    std::string word = rest.substr(start, end == std::string::npos ? end : end - start);
+    rest = end == std::string::npos ? "" : rest.substr(end);
+    stripWhite(word.data());
+    word.resize(word.find('\0') == std::string::npos ? word.size() : word.find('\0'));
+    return word;
+}
+
+bool isNumeric(std::string const& word) {
+    return !word.empty() && std::isdigit(static_cast<unsigned char>(word.front())) != 0;
+}

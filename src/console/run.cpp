@@ -1,0 +1,145 @@
+// `init` and the small commands.
+#include "console/run.h"
+
+#include <cstdio>
+#include <cstdlib>
+#include <iostream>
+
+#include "console/console.h"
+#include "console/exchange.h"
+#include "console/parameters.h"
+#include "continuous/sorn-runt.h"
+#include "hybrid/tavro-runt.h"
+#include "support/numbers.h"
+
+double simTime = 0.0;
+double totalTime = 0.0;
+double precision = 0.01;
+int accuTime = 0;
+int simu_multi = 0;
+int guards_int = 1;
+
+namespace {
+
+constexpr double defaultPrecision = 0.01;
+// A misbehaviour is remembered for at most this many cycles: the memory that it takes is set aside.
+constexpr int longestAccumulation = 1000000;
+
+struct InitOptions {
+    int global = 1;
+    bool valid = true;
+};
+
+InitOptions refuse(char const* message) {
+    std::fputs(message, stderr);
+    return {1, false};
+}
+
+// Reads [noglob] [accumulation-time [precision]].
+InitOptions readInitOptions(char const* arg) {
+    InitOptions options;
+    Parameters parameters(arg);
+    std::optional<std::string> word = parameters.next();
+    if (word && !isNumeric(*word)) {
+        if (word->find("noglob") == std::string::npos) {
+            std::fprintf(stderr, "Unknown parameter %s (expecting noglob) !\n", word->c_str());
+            return {1, false};
+        }
+        options.global = 0;
+        word = parameters.next();
+    }
+    if (!word)
+        return options;
+    if (!isNumeric(*word))
+        return refuse("Accumulation time should be a number !\n");
+    accuTime = truncateToInt(std::atof(word->c_str()));
+    if (accuTime > longestAccumulation)
+        return refuse("Accumulation time is too long !\n");
+    if (word = parameters.next(); !word)
+        return options;
+    if (!isNumeric(*word))
+        return refuse("Precision should be a number !\n");
+    precision = std::atof(word->c_str());
+    if (word = parameters.next(); word)
+        std::fprintf(stderr, "Unexpected parameter %s\n", word->c_str());
+    return options;
+}
+
+int initDiscrete() {
+    if (!disc_init) {
+        disc_init = true;
+        tavro_initialize_discrete();
+    }
+    return 0;
+}
+
+void initHybrid(int global) {
+    if (!prepareEI() || !prepareMS() || !prepareDO() || !prepareMO())
+        return;
+    if (tavro_initialize(global, precision, "", accuTime) != 1) {
+        std::fprintf(stderr, "  Initializations failed.\n");
+        return;
+    }
+    prepareSc();
+    std::fprintf(stderr, "  Initializations done.\n");
+    s_runtime const* rt = hybNT->rt.get();
+    tavro_setDisplays(rt->name.c_str(), static_cast<int>(rt->display.size()), rt->dinfval.data(),
+                      rt->dsupval.data());
+}
+
+}  // namespace
+
+int snInit(char const* arg) {
+    if (hybNT != nullptr) {
+        std::cout << "The model has already been inited\n";
+        return 0;
+    }
+    rt_num = 0;
+    simTime = 0.0;
+    precision = defaultPrecision;
+    accuTime = 0;
+    InitOptions const options = readInitOptions(arg);
+    if (!options.valid)
+        return 0;
+    if (discrete)
+        return initDiscrete();
+    initHybrid(options.global);
+    if (dataOut != nullptr)
+        std::fprintf(dataOut, "\n");
+    return 0;
+}
+
+int snDisc(char const*) {
+    std::fprintf(stderr, "The command disc is not built yet.\n");
+    return 0;
+}
+
+int snPrint(char const*) {
+    std::fprintf(stderr, "The command print is not built yet.\n");
+    return 0;
+}
+
+int snGnup(char const* arg) {
+    std::string command = "gnuplot ";
+    if (std::optional<std::string> const script = Parameters(arg).next())
+        command += *script;
+    std::fflush(stdout);
+    if (std::system(command.c_str()) == -1)
+        std::fprintf(stderr, "Gnuplot failed");
+    return 1;
+}
+
+int snSystem(char const* arg) {
+    std::fflush(stdout);
+    if (std::system(arg) == -1) {
+        std::fprintf(stderr, "Shell command failed.\n");
+        return 0;
+    }
+    return 1;
+}
+
+// Required: nothing obeys the lines, and nothing ends the loop but the end of the process.
+int snDebug(char const*) {
+    for (;;)
+        do_gets("debug>");
+}

@@ -1,0 +1,285 @@
+// `simul` and `detect`: the loops over time.
+#include <cctype>
+#include <cstdio>
+#include <cstdlib>
+#include <ctime>
+#include <iostream>
+
+#include "console/exchange.h"
+#include "console/parameters.h"
+#include "console/run.h"
+#include "continuous/sorn-runt.h"
+#include "hybrid/tavro-runt.h"
+#include "reasoning/Scheduler.h"
+#include "support/numbers.h"
+#include "support/process.h"
+
+namespace {
+
+constexpr double ticksPerSecond = 1000000.0;
+
+// What the levels of isolation mean, a line each.
+#define TAVRO_ISOLATION_LEVELS                                                             \
+    "\n\t nofault\n"                                                                       \
+    "\t fault1 ---> NO One-Fault-Exoneration AND    Multiple-Fault-Compensation\n"         \
+    "\t fault2 --->    One-fault-Exoneration AND    Multiple-Fault-Compensation\n"         \
+    "\t fault3 --->    One-fault-Exoneration AND NO Multiple-Fault-Compensation\n\n"
+
+// Memory that a cycle may need on top of its candidates, in bytes.
+constexpr double memoryReserve = 64.0 * 1024.0 * 1024.0;
+
+// Stops a run before its candidates outgrow the memory: the system would otherwise end the process.
+class MemoryWatch {
+public:
+    MemoryWatch() : before(residentMemory()) {}
+
+    // True, with a message, when the next cycle might not fit. Candidates may double in a cycle.
+    bool runsShort() const {
+        double const taken = std::max(0.0, residentMemory() - before);
+        if (availableMemory() >= 2.0 * taken + memoryReserve)
+            return false;
+        std::fprintf(stderr, "Memory runs short with %d candidates: the run stops at time %g.\n",
+                     static_cast<int>(tracked_trajs.size()), simTime - hybNT->rt->Ts);
+        return true;
+    }
+
+private:
+    double before;
+};
+
+void announceTime() {
+    std::fprintf(stderr, "-- time = %g --------------------------\n", simTime);
+}
+
+void readDataLines(s_runtime const* rt) {
+    if (dataIn != nullptr)
+        tavro_getInputs(rt->name.c_str(), static_cast<int>(inps.size()), inps.data());
+    if (measIn != nullptr)
+        tavro_getMeasures(rt->name.c_str(), static_cast<int>(meas.size()), meas.data());
+}
+
+void runCycle(RunOptions const& options, double countdown) {
+    bool nominal = false;
+    if (tavro_doCycle(options, countdown, simTime, nominal) == -1)
+        std::fprintf(stderr, "Tavro cycle failed!\n");
+}
+
+// Makes ready for cycles up to totalTime; false when that is more than a display table can hold.
+bool beginRun() {
+    clearNrt(hybNT->rt.get());
+    if (initDispAll(hybNT->rt.get(), totalTime / hybNT->rt->Ts))
+        return true;
+    std::fprintf(stderr, "Total time is too long !\n");
+    return false;
+}
+
+// Writes the rows of *cycles* cycles, and ends the run.
+void endRun(int cycles) {
+    writeDispAll(dataOut, tracked_trajs, cycles);
+    clearMultiTrajs();
+    sMM->reportUnmetEvents();
+    closeRunFiles();
+    for (auto* values : {&inps, &meas})
+        if (!values->empty()) {
+            values->clear();
+            memFr += static_cast<int>(sizeof(double));
+        }
+}
+
+bool readTotalTime(std::optional<std::string> const& word, char const* missing) {
+    if (!word) {
+        std::fputs(missing, stderr);
+        return false;
+    }
+    if (!isNumeric(*word)) {
+        std::fprintf(stderr, "Total time should be a number !\n");
+        return false;
+    }
+    totalTime = std::atof(word->c_str());
+    return totalTime > 0.0;
+}
+
+// ---- simul ----
+
+// Reads total-time [reset-period] [multi].
+bool readSimulation(char const* arg, RunOptions& options) {
+    Parameters parameters(arg);
+    if (!readTotalTime(parameters.next(), "Missing parameter ! (expecting total time)\n"))
+        return false;
+    std::optional<std::string> word = parameters.next();
+    if (word && isNumeric(*word)) {
+        options.period = std::atof(word->c_str());
+        options.mode = RUN_RESET;
+        if (measIn == nullptr) {
+            std::fprintf(stderr, "Resetting impossible (no measure file) !\n");
+            return false;
+        }
+        word = parameters.next();
+    }
+    options.multi = simu_multi = word && *word == "multi" ? 1 : 0;
+    return true;
+}
+
+// Asks whether to simulate a model with spontaneous transitions along one candidate alone.
+bool acceptsDrift() {
+    if (guards_int != 1 || simu_multi != 0)
+        return true;
+    std::fprintf(stderr,
+                 "Warning the model contains spontaneous transitions jumps on non-measured values: "
+                 "predicted bounds will drift away. Try simulation with 'multi' flag instead.\n"
+                 "Do you want to continue anyway ? (y/n)\n");
+    return std::tolower(std::fgetc(stdin)) != 'n';
+}
+
+// Required: the countdown is not set back, so that the reset comes once, at the time of the period.
+void simulate(RunOptions const& options) {
+    MemoryWatch const memory;
+    double const Ts = hybNT->rt->Ts;
+    double countdown = options.period - Ts;
+    int cycles = 0;
+    for (simTime = Ts; simTime <= totalTime; simTime += Ts, countdown -= Ts) {
+        if (hybNT == nullptr || memory.runsShort())
+            break;
+        announceTime();
+        readDataLines(hybNT->rt.get());
+        runCycle(options, countdown);
+        ++cycles;
+    }
+    endRun(cycles);
+}
+
+// ---- detect ----
+
+constexpr char const* isolationWords[] = {"nofault", "fault1", "fault2", "fault3"};
+
+// The code of the continuous step for an isolation word, or 0 and a message. A word may stand inside
+// a longer one; they are tried in the order of the codes.
+int readIsolation(std::optional<std::string> const& word) {
+    if (!word) {
+        std::fprintf(stderr, "\nExpecting fault isolation parameter:\n" TAVRO_ISOLATION_LEVELS);
+        return 0;
+    }
+    int code = CYCLE_DETECT;
+    for (char const* known : isolationWords) {
+        if (word->find(known) != std::string::npos)
+            return code;
+        ++code;
+    }
+    std::fprintf(stderr, "Unknown parameter %s. Expecting one of" TAVRO_ISOLATION_LEVELS,
+                 word->c_str());
+    return 0;
+}
+
+// Reads total-time isolation threshold [nomerge].
+bool readDetection(char const* arg, RunOptions& options) {
+    Parameters parameters(arg);
+    if (!readTotalTime(parameters.next(), "\nMissing parameter (expecting total time) !\n"))
+        return false;
+    options.isolation = readIsolation(parameters.next());
+    if (options.isolation == 0)
+        return false;
+    std::optional<std::string> const threshold = parameters.next();
+    if (!threshold) {
+        std::fprintf(stderr, "\nExpecting alarm threshold parameter:\n");
+        return false;
+    }
+    if (!isNumeric(*threshold)) {
+        std::fprintf(stderr, "Alarm threshold should be a number !\n");
+        return false;
+    }
+    options.threshold = truncateToInt(std::atof(threshold->c_str()));
+    std::optional<std::string> const merging = parameters.next();
+    bool const nomerge = merging && merging->find("nomerge") != std::string::npos;
+    options.mode = nomerge ? RUN_NOMERGE : RUN_DETECT;
+    return true;
+}
+
+bool canDetect() {
+    if (hybNT == nullptr) {
+        std::fprintf(stderr, "Please initialize first !\n");
+        return false;
+    }
+    if (hybNT->rt == nullptr || hybNT->rt->measure.empty()) {
+        std::fprintf(stderr, "No measure variable: detection impossible !\n");
+        return false;
+    }
+    if (!hybNT->rt->varsInitialised) {
+        std::fprintf(stderr, "Please initialize first !\n");
+        return false;
+    }
+    return true;
+}
+
+std::FILE* openCycleBenchmark() {
+    std::FILE* file = std::fopen("cycbench.bmk", "w");
+    if (file == nullptr) {
+        std::cout << "Cannot create cycle benchmark file...\n" << std::flush;
+        leaveProcess(1);
+    }
+    return file;
+}
+
+void timedCycle(RunOptions const& options, std::FILE* benchmark) {
+    std::clock_t const start = std::clock();
+    runCycle(options, 0.0);
+    double const seconds = static_cast<double>(std::clock() - start) / ticksPerSecond;
+    std::cout << "cycle: " << seconds << " seconds\n";
+    std::fprintf(benchmark, "%i\t%g\n", static_cast<int>(tracked_trajs.size()), seconds);
+}
+
+void detect(RunOptions const& options) {
+    std::FILE* benchmark = openCycleBenchmark();
+    MemoryWatch const memory;
+    double const Ts = hybNT->rt->Ts;
+    int cycles = 0;
+    for (simTime = Ts; simTime <= totalTime; simTime += Ts) {
+        if (hybNT == nullptr || memory.runsShort())
+            break;
+        announceTime();
+        readDataLines(hybNT->rt.get());
+        timedCycle(options, benchmark);
+        ++cycles;
+    }
+    endRun(cycles);
+    std::fclose(benchmark);
+}
+
+}  // namespace
+
+int snSimul(char const* arg) {
+    if (hybNT == nullptr) {
+        std::fprintf(stderr, "Please initialize first !\n");
+        return 0;
+    }
+    if (hybNT->rt == nullptr) {
+        std::fprintf(stderr, "No continuous variable: simulation impossible !\n");
+        return 0;
+    }
+    RunOptions options;
+    if (!readSimulation(arg, options) || !acceptsDrift() || !beginRun()) {
+        simu_multi = 0;
+        return 0;
+    }
+    std::cout << "mode: " << options.mode << "\n";
+    simulate(options);
+    simu_multi = 0;
+    return 0;
+}
+
+int snDetect(char const* arg) {
+    std::cout << "entering detect\n";
+    if (!canDetect())
+        return 0;
+    RunOptions options;
+    if (!readDetection(arg, options))
+        return 0;
+    if (options.isolation > CYCLE_DETECT) {
+        std::fprintf(stderr, "Fault isolation is not built yet: use nofault.\n");
+        return 0;
+    }
+    if (!beginRun())
+        return 0;
+    std::cerr << "mode: " << options.mode << "\n";
+    detect(options);
+    return 1;
+}

@@ -1,0 +1,21 @@
+// What the continuous side and the discrete search expect of the bridge between them.
+//
+// The hybrid side implements these; they work on the four bridge members of a runtime alone.
+#pragma once
+
+#include "continuous/records.h"
+
+// Condition *c* entered the validity space: an event on its atom. Nothing happens when the atom has
+// an event already, under either sign; otherwise c->val becomes *sign*.
+void addBridgeEvent(s_Condition* c, Atom* atom, bool sign, s_runtime* rt);
+// Condition *c* left the space: its atom's event, if there is one, goes, and c->val becomes 0.
+void removeBridgeEvent(s_Condition* c, Atom const* atom, s_runtime* rt);
+
+// A transition fired on the discrete side.
+void addBridgeTrans(Transition* transition, s_runtime* rt);
+// The discrete side settled an atom. Duplicates stay.
+void addBridgeCond(Atom* atom, bool sign, s_runtime* rt);
+
+// Sets the value of a numbered condition, and of every atom condition of the runtime on the same
+// atom: influences conditioned on a mode through an operand of their own take their truth here.
+void setRTCondVal(s_runtime* rt, int index, bool value);

@@ -1,0 +1,93 @@
+// Making, copying and bounds of the values, and the shared objects.
+//
+// The constants and the scratch objects live here, for the whole run. All of them are initialised
+// at compile time, so that initialisers of other files may already use them.
+
+#include "continuous/objets.h"
+
+namespace {
+
+constinit s_Objet const zero = makeReal(0.0);
+constinit s_Objet const un = makeReal(1.0);
+constinit s_Objet const dix = makeReal(10.0);
+constinit s_Objet const whole = makeRange(-DBL_MAX, DBL_MAX, 0, 0);
+
+constinit s_Objet scratch[9];
+
+}  // namespace
+
+constinit s_Objet const* const objZero = &zero;
+constinit s_Objet const* const objUn = &un;
+constinit s_Objet const* const objDix = &dix;
+constinit s_Objet const* const objMax = &whole;
+
+constinit s_Objet* const TMP1 = &scratch[0];
+constinit s_Objet* const TMP2 = &scratch[1];
+constinit s_Objet* const TMP3 = &scratch[2];
+constinit s_Objet* const TMP4 = &scratch[3];
+constinit s_Objet* const TMP5 = &scratch[4];
+constinit s_Objet* const TMPII = &scratch[5];
+constinit s_Objet* const TMPIS = &scratch[6];
+constinit s_Objet* const TMPSI = &scratch[7];
+constinit s_Objet* const TMPSS = &scratch[8];
+
+s_Objet mkObjReal(double value) {
+    return makeReal(value);
+}
+
+s_Objet sn_mkSpObjet(double lo, double hi) {
+    return makeRange(lo, hi, 0, 0);
+}
+
+std::optional<s_Objet> copyObjet(s_Objet const* o) {
+    if (!o)
+        return std::nullopt;
+    s_Objet copy;
+    sn_putObjet(o, &copy);
+    if (o->type == OBJ_UNSET)
+        copy.rng = o->rng;
+    return copy;
+}
+
+void sn_putObjet(s_Objet const* source, s_Objet* destination) {
+    destination->type = source->type;
+    switch (source->type) {
+        case OBJ_REAL:
+            destination->real = source->real;
+            break;
+        case OBJ_RANGE:
+            destination->rng = source->rng;
+            break;
+        case OBJ_WORD:
+            destination->word = source->word;
+            break;
+        default:
+            break;
+    }
+}
+
+double sn_infOf(s_Objet const& o) {
+    if (isReal(o))
+        return o.real;
+    return isRange(o) ? o.rng.inf : 0.0;
+}
+
+double sn_supOf(s_Objet const& o) {
+    if (isReal(o))
+        return o.real;
+    return isRange(o) ? o.rng.sup : 0.0;
+}
+
+void sn_setInf(s_Objet* o, double inf) {
+    if (isReal(*o))
+        o->real = inf;
+    else if (isRange(*o))
+        o->rng.inf = inf;
+}
+
+void sn_setSup(s_Objet* o, double sup) {
+    if (isReal(*o))
+        o->real = sup;
+    else if (isRange(*o))
+        o->rng.sup = sup;
+}

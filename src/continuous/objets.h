@@ -1,0 +1,217 @@
+// The values of the continuous engine: a number, or an interval with open or closed ends.
+//
+// This header owns the record s_Objet, its in-place arithmetic, its relations and set operations,
+// its text forms, and the constant and scratch objects that the whole engine shares. It is not
+// textbook interval arithmetic: several operations keep or lose bracket flags in their own way, and
+// these ways decide when an alarm fires and when a condition holds. What looks wrong and is wanted
+// is marked `Required:` where it is done.
+//
+// Conventions of every operation below:
+//   - The first argument is changed in place, the second is only read; both may be one object.
+//   - An int result is 1 for success or truth and 0 otherwise.
+//   - An operand that is neither a number nor an interval leaves the first argument as it is, and
+//     the answer is 0. Nothing here reports an error.
+//   - Relations are certain: 1 only when it holds for every point of the operands (equality of
+//     intervals: of the sets), so that an answer of 0 means "not known", never "false".
+//   - Bounds are ordinary doubles: no rounding outwards, no care for NaN, overflow is silent.
+//   - A number has no flags to keep: when it turns into an interval and nothing tells the flags,
+//     both ends are open.
+#pragma once
+
+#include <cfloat>
+#include <cstdio>
+#include <optional>
+
+#include "support/nelder.h"
+
+// Truth of the continuous engine: 0 false, 1 true, nothing else.
+using boolVal = int;
+
+// Kinds of s_Objet; they tell which field of the shared storage is alive.
+enum : int {
+    OBJ_UNSET = 0,  // never given a value; its bytes are zero
+    OBJ_REAL = 1,
+    OBJ_RANGE = 2,
+    OBJ_WORD = 3,  // carried by copies, taken by no other operation
+};
+
+// An interval. inf <= sup, but for the outcome of a number minus an interval (sn_subObjet).
+struct range {
+    double inf;               // -DBL_MAX stands for minus infinity
+    double sup;               // DBL_MAX stands for plus infinity
+    unsigned char infClosed;  // 1 when inf belongs to the interval; any other value means open
+    unsigned char supClosed;  // 1 when sup belongs to the interval; any other value means open
+};
+
+// A value, copied freely. It owns nothing, and belongs to the record that holds it. A new one is
+// unset and zero, so that nothing ever reads memory without a value.
+struct s_Objet {
+    constexpr s_Objet() : type(OBJ_UNSET), rng{} {}
+
+    int type;
+    union {
+        double real;  // alive when type is OBJ_REAL
+        range rng;    // alive when type is OBJ_RANGE or OBJ_UNSET
+        int word;     // alive when type is OBJ_WORD
+    };
+};
+
+constexpr bool isReal(s_Objet const& o) {
+    return o.type == OBJ_REAL;
+}
+
+constexpr bool isRange(s_Objet const& o) {
+    return o.type == OBJ_RANGE;
+}
+
+constexpr bool isValue(s_Objet const& o) {
+    return isReal(o) || isRange(o);
+}
+
+constexpr bool isInfClosed(range const& r) {
+    return r.infClosed == 1;
+}
+
+constexpr bool isSupClosed(range const& r) {
+    return r.supClosed == 1;
+}
+
+// ---- Making and copying ----
+
+constexpr s_Objet makeReal(double value) {
+    s_Objet o;
+    o.type = OBJ_REAL;
+    o.real = value;
+    return o;
+}
+
+constexpr s_Objet makeRange(double inf, double sup, unsigned char infClosed,
+                            unsigned char supClosed) {
+    s_Objet o;
+    o.type = OBJ_RANGE;
+    o.rng = range{inf, sup, infClosed, supClosed};
+    return o;
+}
+
+// A new number.
+s_Objet mkObjReal(double value);
+
+// A new interval ]lo, hi[, open at both ends.
+s_Objet sn_mkSpObjet(double lo, double hi);
+
+// A copy of *o, or nothing for null. An unset object is copied with its storage.
+std::optional<s_Objet> copyObjet(s_Objet const* o);
+
+// *destination becomes *source. Of a source that is unset or of unknown type, the type alone is
+// taken over, and the storage of the destination keeps what it held.
+void sn_putObjet(s_Objet const* source, s_Objet* destination);
+
+// ---- Bounds ----
+
+// Lower and upper bound; those of a number are that number twice, those of anything else 0.
+double sn_infOf(s_Objet const& o);
+double sn_supOf(s_Objet const& o);
+
+// Set one bound of an interval, without a look at the other one or at the flags. On a number either
+// of them sets the number. Anything else stays.
+void sn_setInf(s_Objet* o, double inf);
+void sn_setSup(s_Objet* o, double sup);
+
+// ---- Arithmetic: *a becomes *a op *b, or f(*a) ----
+//
+// An interval a keeps its flags; a number that becomes an interval takes the flags of b.
+
+void sn_addObjet(s_Objet* a, s_Objet const* b);
+void sn_subObjet(s_Objet* a, s_Objet const* b);
+void sn_mulObjet(s_Objet* a, s_Objet const* b);
+
+// 0, with *a as it was, when b is the number 0 or an interval that holds or touches 0: such a
+// division is refused, not split in two.
+int sn_divObjet(s_Objet* a, s_Objet const* b);
+
+void sn_minusObjet(s_Objet* a);
+
+// The library function of the number or of each bound. No check of the domain: the logarithm or the
+// root of a negative bound is NaN and stays so.
+void sn_expObjet(s_Objet* a);
+void sn_logObjet(s_Objet* a);
+void sn_sqrtObjet(s_Objet* a);
+
+// The library function of a number (radians). The bounds over an interval are searched by the
+// optimiser, two whole searches each; the flags stay.
+void sn_sinObjet(s_Objet* a);
+void sn_cosObjet(s_Objet* a);
+
+// The costs of these searches: f(x[0]) when p[0] is 0.0, else -f(x[0]), so that a minimum found
+// is the minimum or the maximum of f. *status is set to 0; nothing else is written.
+double sin_cost(int* n, double* x, double* lower, double* upper, double* p, int* q, int* constraint,
+                int* status);
+double cos_cost(int* n, double* x, double* lower, double* upper, double* p, int* q, int* constraint,
+                int* status);
+
+// The costs in use, set by each search over an interval; null before the first one.
+extern Nelder_cost sin_cost_ptr;
+extern Nelder_cost cos_cost_ptr;
+
+// ---- Sets ----
+
+// *a becomes the intersection, a number when it is a single point; 0 when empty, *a then as it was.
+int sn_interObjet(s_Objet* a, s_Objet const* b);
+
+// *a grows to cover *b, up to the flags: see the rules at the definition.
+void sn_uniObjet(s_Objet* a, s_Objet const* b);
+
+// What sn_inSpObjet leaves: nothing (any false), one piece (first) or two (first below second).
+struct SpacePieces {
+    bool any = false;
+    std::optional<s_Objet> first;
+    std::optional<s_Objet> second;
+};
+
+// What remains of the interval b outside a, as open intervals.
+SpacePieces sn_inSpObjet(s_Objet const* a, s_Objet const* b);
+
+// ---- Relations ----
+
+// 1, -1 or 0: the certain sign. An interval that starts at 0 counts as positive and one that ends
+// at 0 as negative, whatever the flag there.
+int sn_sgnObjet(s_Objet const* a);
+
+int sn_eqObjet(s_Objet const* a, s_Objet const* b);
+int sn_diffObjet(s_Objet const* a, s_Objet const* b);
+int sn_ltObjet(s_Objet const* a, s_Objet const* b);
+int sn_geObjet(s_Objet const* a, s_Objet const* b);
+
+// a inside the interval b, and narrower than it: 0 when both bounds are those of b.
+int sn_inObjet(s_Objet const* a, s_Objet const* b);
+
+// ---- Text ----
+//
+// On stderr the form for people, with "-oo" and "+oo" at the ends of the scale and brackets that
+// show the flags; on any other stream the bare data.
+
+void sn_printReal(FILE* stream, double value);
+void sn_printRange(FILE* stream, range const& r);
+void sn_printObjet(FILE* stream, s_Objet const* o);
+
+// ---- Shared objects ----
+
+// Constants, never written.
+extern s_Objet const* const objZero;  // the number 0
+extern s_Objet const* const objUn;    // the number 1
+extern s_Objet const* const objDix;   // the number 10
+extern s_Objet const* const objMax;   // ]-DBL_MAX, DBL_MAX[
+
+// Scratch objects with fixed roles, unset at the start. They are not reentrant: a nested evaluation
+// that overwrites one still in use is a fault of the caller.
+extern s_Objet* const TMP1;  // the sum being formed for one variable
+extern s_Objet* const TMP2;  // the current cause value
+extern s_Objet* const TMP3;  // work object of the dynamic update
+extern s_Objet* const TMP4;  // the result of every expression evaluation
+extern s_Objet* const TMP5;  // the cause value one step older, for second-order influences
+
+// The corner sums of a second-order influence: bound of b1, then bound of b2; I lower, S upper.
+extern s_Objet* const TMPII;
+extern s_Objet* const TMPIS;
+extern s_Objet* const TMPSI;
+extern s_Objet* const TMPSS;

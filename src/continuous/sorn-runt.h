@@ -1,0 +1,188 @@
+// The continuous engine: everything that is done to an s_runtime (records.h).
+//
+// One runtime simulates its system through time: each cycle updates every variable from its causes,
+// takes in inputs and measures, and moves new values to old. One rule runs through all of it: the
+// value of a measured variable that is not in alarm is the measure, not the prediction.
+//
+// The functions are grouped by the file of sorn-runt/ that holds them. Integer results are 1 for
+// success or truth and 0 otherwise unless told. The engine is not reentrant: the scratch objects of
+// objets.h are in use throughout.
+#pragma once
+
+#include <cstdio>
+#include <functional>
+#include <map>
+#include <memory>
+#include <vector>
+
+#include "continuous/records.h"
+
+// ---- Globals of the engine (globals.cpp) ----
+
+extern int env_opti;   // not 0: the bound search is on, for the whole program
+extern int rt_num;     // the identity that the next copy of a runtime takes
+extern std::vector<double> inps, meas;  // the current line of inputs and of measures
+
+// The runtimes of the current split, by identity. It owns every entry but the runtime that was
+// split, which stays its candidate's; the caller of the split empties it.
+extern std::multimap<long, s_runtime*, std::less<long>> nrt;
+
+// Codes of the cycle.
+enum cycleMode {
+    CYCLE_SIMULATE = 0,   // open loop
+    CYCLE_RESET = 1,      // open loop, predictions reset to the measures after the step
+    CYCLE_DETECT = 2,     // closed loop, measures checked by the caller
+    CYCLE_ISOLATE = 3,    // 3, 4, 5: detection and isolation at levels 1, 2, 3
+    CYCLE_DIAGNOSE = 6    // 6, 7, 8: isolation alone, with no step
+};
+
+// ---- Building and copying (records.cpp, copy.cpp) ----
+
+// A new condition with every field zero.
+std::unique_ptr<s_Condition> mkCond();
+// Give a record to the runtime and its slot to the record.
+s_Variable* adoptVariable(s_runtime& rt, std::unique_ptr<s_Variable> variable);
+s_Condition* adoptCondition(s_runtime& rt, std::unique_ptr<s_Condition> condition);
+s_GVar* adoptGVar(s_runtime& rt, std::unique_ptr<s_GVar> gvar);
+s_Expr* adoptExpr(s_runtime& rt, std::unique_ptr<s_Expr> expr);
+s_Influence* adoptInfluence(s_runtime& rt, std::unique_ptr<s_Influence> influence);
+s_CGraph* adoptGraph(s_runtime& rt, std::unique_ptr<s_CGraph> node);
+
+// A deep copy with a new identity; no pointer in common but inval and mesval.
+std::unique_ptr<s_runtime> sn_copyRuntime(s_runtime const* source);
+
+// A copy moved back to *contTime*. The process ends with status 1 when the fault lies outside the
+// discrete window (in steps, *window*) or outside the continuous one.
+std::unique_ptr<s_runtime> sn_copyPartialFaultyRt(s_runtime const* source, int faultCycle,
+                                                  double contTime, double curTime, int window);
+// Moves the histories of *variable* back from time *to* to time *from*.
+void moveHistory(s_runtime* rt, s_Variable* variable, double from, double to);
+
+// The first variable of that name, or null.
+s_Variable* sn_getVarDico(s_runtime const* rt, char const* name);
+// Clears the values for a fresh start: nothing defined, histories and alarms at 0.
+void sn_updateDico(s_runtime* rt);
+int sn_isInput(s_runtime const* rt, s_Variable const* variable);
+int sn_isDisplay(s_runtime const* rt, s_Variable const* variable);
+int sn_isMeasure(s_runtime const* rt, s_Variable const* variable);
+
+// ---- The cycle (cycle.cpp) ----
+
+void sorn_initialize(s_runtime* rt, int global, double precision, char const* diagBuf, int window);
+// One cycle of a candidate. -1 when no activation condition holds: the model is invalid; else the
+// count of failed steps.
+int sorn_doCycle2(s_runtime* rt, int mode);
+void sn_doStepTempo(s_runtime* rt);
+void sn_doStepUntemp(s_runtime* rt);
+void sn_moveAllOld(s_runtime* rt);
+void sn_moveInputs(s_runtime* rt);
+// The result of clipping to the domain.
+int sn_new2OldValue(s_runtime* rt, s_Variable* variable);
+
+// ---- Initial values (initial.cpp) ----
+
+void sn_initVars(s_runtime* rt);
+// Computes the first value of a variable from its causes, recursively.
+void sn_compInitVar(s_runtime* rt, s_Variable* variable);
+
+// ---- Updating from causes (update.cpp) ----
+
+void sn_updateVariable(s_runtime* rt, s_Variable* variable);
+// The cause's value at the influence's delay goes into TMP2; for INF_DYNAMIC2, the one before into
+// TMP5.
+void sn_loadCauseValue(s_runtime* rt, s_Influence* influence);
+// Evaluates the condition, pushes it on the influence's history, and returns it.
+int sn_pushCond(s_Influence* influence, s_runtime* rt);
+void sn_pushExternCond(s_Influence* influence, boolVal value);
+// Counts an influence as active: without a condition, or with one that sn_pushCond finds true.
+bool sn_isActive(s_Influence* influence, s_runtime* rt);
+// Measured, with no alarm on either side: its measure stands for its value.
+bool sn_isTrusted(s_runtime const* rt, s_Variable const* variable);
+
+// ---- Histories (histories.cpp) ----
+
+void sn_fillHisto(s_Variable* variable);
+void sn_fillHistoMes(s_Variable* variable);
+void sn_fillAllHistos(s_runtime* rt);
+void sn_fillAllHistosMes(s_runtime* rt);
+void sn_pushHisto(s_Variable* variable);
+void sn_pushHistoMes(s_Variable* variable);
+
+// ---- Inputs, measures, outputs (exchange.cpp) ----
+
+int sn_enterInputs(s_runtime* rt);
+int sn_enterMeasures(s_runtime* rt);
+// The variant for a model that writes measures straight into the state.
+int sn_enterMeasuresOld(s_runtime* rt);
+int sn_enterMisbs(s_runtime* rt);
+// 2 when every condition is false.
+int sn_enterConds(s_runtime* rt);
+int sn_yieldDisplays(s_runtime* rt);
+// 2 when every condition is false, else 1.
+int sn_yieldConds(s_runtime* rt);
+// Splits, then the same over each runtime of the split.
+int sn_yieldMRTConds(s_runtime* rt);
+
+// ---- Dynamic influences (dynamic.cpp) ----
+
+// Computes the discrete coefficients of every influence from its continuous parameters.
+void sn_evalInfluCoefs(s_runtime* rt, double Ts);
+// The recursion of a dynamic effect. In: the sum over the causes in TMP1 (for interval second-order
+// coefficients, the corner sums in TMPII to TMPSS). Out: the new value in TMP1.
+void sn_evalDynInfl(s_runtime* rt, s_Influence* influence);
+// The same for the initial value.
+void sn_evalInitDynInfl(s_Influence* influence);
+// Adds the contribution of one second-order influence to TMP1, from TMP2 and TMP5; with interval
+// coefficients, makes the corner sums instead.
+void sn_addSecondOrder(s_Influence* influence);
+
+// ---- Bound search (search.cpp) ----
+
+void init_nelder();
+void call_nelder_second(s_Influence* influence, s_runtime* rt, s_Objet* prev1, s_Objet* prev2);
+void call_nelder_obs(s_Variable* variable, s_runtime* rt, s_Objet* prev1, s_Objet* prev2,
+                     s_Objet* result, influType kind, bool useMeasure);
+
+// ---- Conditions (conditions.cpp) and validity spaces (validity.cpp) ----
+
+boolVal sn_evalCond(s_Condition* condition, s_runtime* rt);
+// 1 when the condition covers the current value of its constraint variable.
+int sn_evalCondExpr(s_Condition* condition, s_runtime* rt);
+// First placing of a runtime in its space: 1 when a cover was found for at least one variable, or
+// when there are no constraint variables.
+int sn_initValSpc(s_runtime* rt);
+void sn_fillCondAgenda(s_runtime* rt);
+void sn_setOutOfValSpc(s_runtime* rt, s_Condition* condition);
+void sn_setInValSpc(s_runtime* rt, s_Condition* condition);
+void sn_updateValSpc(s_runtime* rt, s_Condition* out, s_Condition* in);
+int sn_updateCondAgenda(s_runtime* rt, s_GVar* gvar);
+// The conditions that cover the value of *gvar*. The process ends with status 0 when there is none.
+std::vector<s_Condition*> sn_findCondCover(s_GVar* gvar, s_runtime* rt);
+// Splits *rt* into one runtime for each region of its values; the results go into nrt.
+void sn_splitValiditySpc(s_runtime* rt);
+void viewValSpc(s_runtime const* rt);
+void viewCcAgenda(s_runtime const* rt);
+void viewSplitState(s_GVar const* gvar, s_Objet const* current, s_Objet const* filtered);
+
+// ---- Constraints (constraints.cpp) ----
+
+void sn_globalConstraints(s_runtime* rt);
+void sn_fillAgenda(s_runtime* rt);
+int sn_updateAgenda(s_runtime* rt, s_GVar const* gvar);
+// The value of an expression, in TMP4.
+void sn_evalSolFunc(s_runtime* rt, s_Expr const* expr);
+s_Objet* sn_evalExpr(s_runtime* rt, s_Expr const* expr);
+
+// ---- Alarms (alarms.cpp) ----
+
+void sn_setAlarms(s_runtime* rt);
+void sn_resetMs(s_runtime* rt);
+int sn_checkMs(s_runtime* rt, int threshold);
+int sn_yieldAlarms(s_runtime* rt);
+int sn_yieldDiags(s_runtime* rt);
+
+// ---- Printing (print.cpp) ----
+
+void sn_printGVar(std::FILE* stream, s_GVar const* gvar);
+void sn_printExpr(std::FILE* stream, s_Expr const* expr);
+void sn_printCondition(std::FILE* stream, s_Condition const* condition);

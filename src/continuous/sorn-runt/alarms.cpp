@@ -1,0 +1,108 @@
+// Detection: each measure is compared with the prediction for the same instant, and measures that
+// stay outside become alarms.
+//
+// Per measure there is a counter for each side. Required: it goes back to 0 only with a measure
+// that is inside, not with one on the other side, so that a value that swings around its prediction
+// reaches the threshold on each side in turn. What an alarm has set stays until then, too.
+
+#include <cassert>
+#include <cmath>
+
+#include "continuous/exchange.h"
+#include "continuous/sorn-runt.h"
+
+namespace {
+
+// UNDECIDED: on a bound that does not belong to the prediction.
+enum class Verdict { INSIDE, LOW, HIGH, UNDECIDED };
+
+Verdict againstRange(double measure, range const& prediction) {
+    if (measure > prediction.sup)
+        return Verdict::HIGH;
+    return measure < prediction.inf ? Verdict::LOW : Verdict::UNDECIDED;
+}
+
+// The distance is relative to both values, so the two zeros need a rule of their own.
+Verdict againstNumber(double measure, double prediction, double precision) {
+    if (measure == 0.0 && prediction == 0.0)
+        return Verdict::INSIDE;
+    double const distance =
+        std::fabs(measure - prediction) / (std::fabs(measure) + std::fabs(prediction));
+    if (distance < precision)
+        return Verdict::INSIDE;
+    return measure > prediction ? Verdict::HIGH : Verdict::LOW;
+}
+
+Verdict classify(s_Variable const& variable, double precision) {
+    if (sn_inObjet(&variable.mes, &variable.old))
+        return Verdict::INSIDE;
+    double const measure = sn_infOf(variable.mes);
+    if (isRange(variable.old))
+        return againstRange(measure, variable.old.rng);
+    return againstNumber(measure, sn_infOf(variable.old), precision);
+}
+
+void countAlarm(int* alarm, int* misb, int threshold) {
+    if (*alarm < threshold - 1) {
+        ++*alarm;
+        return;
+    }
+    *alarm = threshold;
+    *misb = 1;
+}
+
+void clearAlarms(s_Variable* variable) {
+    variable->lowalarm = variable->highalarm = 0;
+    variable->meslowmisb = variable->meshighmisb = variable->mesmisb = 0;
+}
+
+void check(s_Variable* variable, double precision, int threshold) {
+    Verdict const verdict = classify(*variable, precision);
+    if (verdict == Verdict::INSIDE)
+        return clearAlarms(variable);
+    if (verdict == Verdict::HIGH)
+        countAlarm(&variable->highalarm, &variable->meshighmisb, threshold);
+    else if (verdict == Verdict::LOW)
+        countAlarm(&variable->lowalarm, &variable->meslowmisb, threshold);
+    if (variable->meslowmisb || variable->meshighmisb)
+        variable->mesmisb = 1;
+}
+
+}  // namespace
+
+void sn_setAlarms(s_runtime* rt) {
+    for (s_Variable* measure : rt->measure)
+        measure->lowalarm = 1;
+}
+
+void sn_resetMs(s_runtime* rt) {
+    for (s_Variable* measure : rt->measure)
+        sn_putObjet(&measure->mes, &measure->old);
+}
+
+int sn_checkMs(s_runtime* rt, int threshold) {
+    for (s_Variable* measure : rt->measure)
+        check(measure, rt->precision, threshold);
+    return 1;
+}
+
+int sn_yieldAlarms(s_runtime* rt) {
+    if (rt->measure.empty())
+        return 1;
+    std::size_t const count = rt->measure.size();
+    assert(rt->lowalarm.size() == count && rt->mesmisb.size() == count);
+    for (std::size_t i = 0; i < count; ++i) {
+        s_Variable const& measure = *rt->measure[i];
+        rt->lowalarm[i] = measure.lowalarm;
+        rt->highalarm[i] = measure.highalarm;
+        rt->meslowmisb[i] = measure.meslowmisb;
+        rt->meshighmisb[i] = measure.meshighmisb;
+        rt->mesmisb[i] = measure.mesmisb;
+    }
+    return sorn_setAlarms(rt->name.c_str(), static_cast<int>(count), rt->lowalarm.data(),
+                          rt->highalarm.data(), rt->meslowmisb.data());
+}
+
+int sn_yieldDiags(s_runtime* rt) {
+    return sorn_sendDiagnosis(rt->name.c_str(), rt->diagBuf.c_str());
+}

@@ -1,0 +1,99 @@
+// What enters a runtime from outside, and what it yields.
+#include "continuous/exchange.h"
+
+#include "continuous/sorn-runt.h"
+
+int sn_enterInputs(s_runtime* rt) {
+    if (rt->input.empty())
+        return 1;
+    rt->inval = inps.data();
+    for (std::size_t i = 0; i < rt->input.size(); ++i) {
+        rt->input[i]->new_ = makeReal(rt->inval[i]);
+        rt->input[i]->defined = 1;
+    }
+    return 1;
+}
+
+namespace {
+
+// Pushes the measure histories and puts the new measures into *field* of each variable.
+int enterMeasuresInto(s_runtime* rt, s_Objet s_Variable::*field) {
+    if (rt->measure.empty())
+        return 1;
+    rt->mesval = meas.data();
+    for (std::size_t i = 0; i < rt->measure.size(); ++i) {
+        sn_pushHistoMes(rt->measure[i]);
+        rt->measure[i]->*field = makeReal(rt->mesval[i]);
+    }
+    return 1;
+}
+
+// 2 when the mark that every condition is false survived, else 1.
+int verdict(bool allFalse) { return allFalse ? 2 : 1; }
+
+// Copies the conditions' values out. Returns whether all are false, given that *allFalse* were so far.
+bool yieldCondsOf(s_runtime* rt, bool allFalse) {
+    for (std::size_t i = 0; i < rt->influ.size(); ++i) {
+        s_Condition const* condition = rt->influ[i]->cond;
+        rt->condout[i] = condition != nullptr ? condition->val : 1;
+        if (rt->condout[i] != 0)
+            allFalse = false;
+    }
+    return allFalse;
+}
+
+}  // namespace
+
+int sn_enterMeasures(s_runtime* rt) { return enterMeasuresInto(rt, &s_Variable::mes); }
+
+int sn_enterMeasuresOld(s_runtime* rt) { return enterMeasuresInto(rt, &s_Variable::old); }
+
+int sn_enterMisbs(s_runtime* rt) {
+    if (rt->measure.empty())
+        return 1;
+    int const result = sorn_getMisbs(rt->name.c_str(), static_cast<int>(rt->measure.size()),
+                                     rt->mesmisb.data());
+    for (std::size_t i = 0; i < rt->measure.size(); ++i)
+        rt->measure[i]->mesmisb = rt->mesmisb[i] != 0 ? 1 : 0;
+    return result;
+}
+
+int sn_enterConds(s_runtime* rt) {
+    if (rt->influ.empty())
+        return verdict(true);
+    int const result =
+        sorn_getConds(rt->name.c_str(), static_cast<int>(rt->influ.size()), rt->condin.data());
+    if (result == 0)
+        return 0;
+    bool allFalse = true;
+    for (std::size_t i = 0; i < rt->influ.size(); ++i) {
+        s_Influence* influence = rt->influ[i].get();
+        if (influence->cond == nullptr || rt->condin[i] != 0)
+            allFalse = false;
+        if (influence->cond != nullptr)
+            sn_pushExternCond(influence, rt->condin[i]);
+    }
+    return allFalse ? 2 : result;
+}
+
+int sn_yieldDisplays(s_runtime* rt) {
+    for (std::size_t i = 0; i < rt->display.size(); ++i) {
+        rt->dinfval[i] = sn_infOf(rt->display[i]->old);
+        rt->dsupval[i] = sn_supOf(rt->display[i]->old);
+    }
+    return 1;
+}
+
+int sn_yieldConds(s_runtime* rt) { return verdict(yieldCondsOf(rt, true)); }
+
+int sn_yieldMRTConds(s_runtime* rt) {
+    sn_splitValiditySpc(rt);
+    bool allFalse = true;
+    for (auto const& entry : nrt) {
+        // Required: the mark goes on from runtime to runtime.
+        allFalse = yieldCondsOf(entry.second, allFalse);
+        if (allFalse)
+            return verdict(true);
+    }
+    return verdict(false);
+}

@@ -1,0 +1,78 @@
+// A runtime as it stood at a past time, rebuilt from its histories.
+#include <iostream>
+
+#include "continuous/sorn-runt.h"
+#include "support/numbers.h"
+#include "support/process.h"
+
+namespace {
+
+// Moves each entry *count* places towards the newest; the places left become *zero*. A shift of more
+// than half of the history leaves the entries that neither move nor are moved onto.
+template <typename T>
+void shiftBack(History<T>& history, int count, T const& zero) {
+    if (2 * count <= history.size()) {
+        history.forgetNewest(count, zero);
+        return;
+    }
+    for (int i = count; i < history.size(); ++i) {
+        history.set(i - count, history[i]);
+        history.set(i, zero);
+    }
+}
+
+void shiftBack(std::vector<int>& history, std::size_t count) {
+    for (std::size_t i = count; i < history.size(); ++i) {
+        history[i - count] = history[i];
+        history[i] = 0;
+    }
+}
+
+// Takes what the history holds at *i*, if it reaches that far.
+void takeEntry(History<s_Objet> const& history, int i, s_Objet* into) {
+    if (i < history.size())
+        sn_putObjet(&history[i], into);
+}
+
+void leaveForWindow(char const* which) {
+    std::cout << "The fault isn't in the " << which << " temporal window !\n" << std::flush;
+    leaveProcess(1);
+}
+
+}  // namespace
+
+void moveHistory(s_runtime* rt, s_Variable* variable, double from, double to) {
+    int const distance = truncateToInt(to) - truncateToInt(from);
+    if (distance <= 0)
+        return;
+    if (!variable->isParam) {
+        takeEntry(variable->histo, distance - 1, &variable->new_);
+        takeEntry(variable->histo, distance, &variable->old);
+    }
+    shiftBack(variable->histo, distance + 1, *objZero);
+    if (!sn_isMeasure(rt, variable))
+        return;
+    // Required: measures move by the distance, values by one more.
+    takeEntry(variable->mesHisto, distance - 1, &variable->mes);
+    shiftBack(variable->mesHisto, distance, *objZero);
+    shiftBack(variable->misbHisto, static_cast<std::size_t>(distance));
+    shiftBack(variable->lowHisto, distance, 0);
+    shiftBack(variable->highHisto, distance, 0);
+}
+
+std::unique_ptr<s_runtime> sn_copyPartialFaultyRt(s_runtime const* source, int faultCycle,
+                                                  double contTime, double curTime, int window) {
+    std::unique_ptr<s_runtime> copy = sn_copyRuntime(source);
+    // Required: the test takes the sample period, not the current time.
+    if (copy->Ts - window > faultCycle)
+        leaveForWindow("discrete");
+    if (curTime - copy->twc > contTime) {
+        std::cerr << "discrete fault time: " << faultCycle << "\n"
+                  << "cont_fault_time: " << contTime << " -- stime: " << curTime
+                  << "-- twc: " << copy->twc << "\n";
+        leaveForWindow("continuous");
+    }
+    for (auto const& variable : copy->dico)
+        moveHistory(copy.get(), variable.get(), contTime, curTime);
+    return copy;
+}

@@ -1,0 +1,155 @@
+// Updating a variable from its causes, and what a cause is worth at a delay.
+#include "continuous/sorn-runt.h"
+
+namespace {
+
+// Makes *value* the newest entry; a history of length 0 holds its one entry all the same.
+void pushCondValue(s_Influence* influence, boolVal value) {
+    auto& history = influence->condHisto;
+    if (history.empty())
+        history.resize(1);
+    for (int i = influence->condHistoLn - 1; i >= 1; --i)
+        history[static_cast<std::size_t>(i)] = history[static_cast<std::size_t>(i) - 1];
+    history[0] = value;
+    influence->cond->val = value;
+}
+
+// The entry, or the oldest that there is when the model's delay reaches behind the history, or the
+// value itself when there is no history.
+s_Objet const& entryAt(History<s_Objet> const& history, int i, s_Objet const& without) {
+    if (history.size() == 0)
+        return without;
+    return history[std::min(i, history.size() - 1)];
+}
+
+bool flagAt(History<int> const& history, int i) {
+    return history.size() > 0 && history[std::min(i, history.size() - 1)] != 0;
+}
+
+// At a delay of *hi* cycles the measure was trusted.
+bool wasTrusted(s_runtime const* rt, s_Variable const* cause, int hi) {
+    return sn_isMeasure(rt, cause) && !flagAt(cause->lowHisto, hi - 1) &&
+           !flagAt(cause->highHisto, hi - 1);
+}
+
+// A delay of at least one cycle. Required: over a range of delays, the hull is always taken from
+// the predicted values, also where the measures are trusted.
+void loadDelayed(s_runtime const* rt, s_Influence const* influence, int lo, int hi) {
+    s_Variable const* cause = influence->cause;
+    bool const measured = wasTrusted(rt, cause, hi);
+    History<s_Objet> const& history = measured ? cause->mesHisto : cause->histo;
+    s_Objet const& without = measured ? cause->mes : cause->old;
+    sn_putObjet(&entryAt(history, hi - 1, without), TMP2);
+    if (influence->type == INF_DYNAMIC2)
+        sn_putObjet(&entryAt(history, hi, without), TMP5);
+    for (int i = hi - 2; i >= std::max(lo - 1, 0); --i)
+        sn_uniObjet(TMP2, &entryAt(cause->histo, i, cause->old));
+}
+
+void loadPreviousCycle(s_runtime const* rt, s_Influence const* influence) {
+    s_Variable const* cause = influence->cause;
+    bool const measured = sn_isTrusted(rt, cause);
+    sn_putObjet(measured ? &cause->mes : &cause->old, TMP2);
+    if (influence->type != INF_DYNAMIC2)
+        return;
+    History<s_Objet> const& history = measured ? cause->mesHisto : cause->histo;
+    sn_putObjet(&entryAt(history, 0, measured ? cause->mes : cause->old), TMP5);
+}
+
+void loadThisCycle(s_runtime const* rt, s_Variable const* cause) {
+    if (sn_isTrusted(rt, cause))
+        sn_putObjet(&cause->mes, TMP2);
+    else
+        sn_putObjet(cause->isParam ? &cause->old : &cause->new_, TMP2);
+}
+
+// Adds every active cause times its coefficient to TMP1. Returns the influence looked at last.
+s_Influence* addCauses(s_runtime* rt, s_Variable* variable, s_Objet s_Influence::*coefficient) {
+    s_Influence* last = nullptr;
+    for (s_Influence* influence : variable->graph->causes) {
+        last = influence;
+        if (!sn_isActive(influence, rt))
+            continue;
+        sn_loadCauseValue(rt, influence);
+        sn_mulObjet(TMP2, &(influence->*coefficient));
+        sn_addObjet(TMP1, TMP2);
+    }
+    return last;
+}
+
+void updateIntegral(s_runtime* rt, s_Variable* variable) {
+    addCauses(rt, variable, &s_Influence::b1);
+    sn_addObjet(TMP1, sn_isTrusted(rt, variable) ? &variable->mes : &variable->old);
+}
+
+void updateStatic(s_runtime* rt, s_Variable* variable) {
+    s_Influence const* last = addCauses(rt, variable, &s_Influence::b1);
+    if (env_opti && last->useOpti && sn_isTrusted(rt, variable))
+        call_nelder_obs(variable, rt, &variable->mes, nullptr, TMP1, INF_STATIC, true);
+}
+
+void updateSecondOrder(s_runtime* rt, s_Variable* variable) {
+    s_Influence* last = nullptr;
+    for (s_Influence* influence : variable->graph->causes) {
+        last = influence;
+        if (!sn_isActive(influence, rt))
+            continue;
+        sn_loadCauseValue(rt, influence);
+        sn_addSecondOrder(influence);
+    }
+    sn_evalDynInfl(rt, last);
+}
+
+}  // namespace
+
+bool sn_isTrusted(s_runtime const* rt, s_Variable const* variable) {
+    return variable->lowalarm == 0 && variable->highalarm == 0 && sn_isMeasure(rt, variable);
+}
+
+int sn_pushCond(s_Influence* influence, s_runtime* rt) {
+    pushCondValue(influence, sn_evalCond(influence->cond, rt));
+    return influence->cond->val;
+}
+
+void sn_pushExternCond(s_Influence* influence, boolVal value) { pushCondValue(influence, value); }
+
+bool sn_isActive(s_Influence* influence, s_runtime* rt) {
+    return influence->cond == nullptr || sn_pushCond(influence, rt) != 0;
+}
+
+void sn_loadCauseValue(s_runtime* rt, s_Influence* influence) {
+    // A static link is told one cycle later than it acts: its delay 0 reads this very cycle.
+    int const early = influence->type == INF_STATIC ? 1 : 0;
+    int const lo = influence->delayMin - early;
+    int const hi = influence->delayMax - early;
+    if (hi > 0)
+        loadDelayed(rt, influence, lo, hi);
+    else if (hi == 0)
+        loadPreviousCycle(rt, influence);
+    else if (hi == -1 && influence->type == INF_STATIC)
+        loadThisCycle(rt, influence->cause);
+}
+
+// Inactive causes contribute nothing: with every condition false the sum is 0.
+void sn_updateVariable(s_runtime* rt, s_Variable* variable) {
+    if (variable->graph == nullptr || variable->graph->causes.empty())
+        return;
+    *TMP1 = *objZero;
+    switch (variable->graph->kind) {
+        case INF_INTEGRAL:
+            updateIntegral(rt, variable);
+            break;
+        case INF_DYNAMIC:
+            sn_evalDynInfl(rt, addCauses(rt, variable, &s_Influence::gain));
+            break;
+        case INF_STATIC:
+            updateStatic(rt, variable);
+            break;
+        case INF_DYNAMIC2:
+            updateSecondOrder(rt, variable);
+            break;
+        default:
+            break;
+    }
+    sn_putObjet(TMP1, &variable->new_);
+}

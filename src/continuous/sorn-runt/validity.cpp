@@ -1,0 +1,291 @@
+// Validity spaces: one runtime becomes several where its values lie on both sides of a threshold.
+//
+// A condition constraint (an entry of aC) gives the interval in which its variable must lie. The
+// validity space of a runtime is the set of constraints that hold in it. When a value has grown over
+// the edge of its space, the part inside stays with the runtime and each part outside becomes a copy
+// with its own space; when it has left the space altogether, the space changes and no copy is made.
+//
+// TMP1 holds the narrowed value through one pass and must survive everything called there; only
+// TMP4 may be overwritten.
+#include <iostream>
+#include <queue>
+
+#include "continuous/bridge.h"
+#include "continuous/sorn-runt.h"
+#include "model/Atom.h"
+#include "support/process.h"
+
+namespace {
+
+s_Condition* conditionAt(s_runtime* rt, int index) {
+    return rt->condi[static_cast<std::size_t>(index)];
+}
+
+// Both atoms belong to one discrete variable; a condition without an atom never matches.
+bool sameStateVar(Atom const* a, Atom const* b) {
+    return a != nullptr && b != nullptr && a->getStateVar() == b->getStateVar();
+}
+
+void takeOut(s_runtime* rt, std::vector<s_Condition*> const& conditions) {
+    for (s_Condition* condition : conditions) {
+        sn_setOutOfValSpc(rt, condition);
+        removeBridgeEvent(condition, condition->atom, rt);
+    }
+}
+
+// Of several conditions on one discrete variable only the first enters.
+void bringIn(s_runtime* rt, std::vector<s_Condition*> const& conditions) {
+    for (std::size_t i = 0; i < conditions.size(); ++i) {
+        bool earlier = false;
+        for (std::size_t j = 0; j < i; ++j)
+            earlier = earlier || sameStateVar(conditions[j]->atom, conditions[i]->atom);
+        if (earlier)
+            continue;
+        sn_setInValSpc(rt, conditions[i]);
+        addBridgeEvent(conditions[i], conditions[i]->atom, true, rt);
+    }
+}
+
+template <typename Act>
+void forEachConstraint(s_Condition* condition, Act act) {
+    if (condition->kind == COND_OR || condition->kind == COND_AND) {
+        forEachConstraint(condition->left, act);
+        forEachConstraint(condition->right, act);
+    } else if (condition->kind == COND_NOT || condition->kind == COND_EXPR) {
+        for (int const index : condition->acIdx)
+            act(static_cast<std::size_t>(index));
+    }
+}
+
+// One runtime of a split that is being worked on.
+struct Split {
+    s_runtime* rt;
+    std::queue<s_runtime*>* pending;
+    bool stable = true;
+};
+
+// A copy of the runtime for a piece of the value of constraint *index*'s variable.
+s_runtime* copyForPiece(s_runtime const* rt, s_Objet const& piece, std::size_t index) {
+    s_runtime* copy = sn_copyRuntime(rt).release();
+    s_GVar* gvar = copy->aC[index]->gvar;
+    std::vector<s_Condition*> const left = sn_findCondCover(gvar, copy);
+    sn_putObjet(&piece, &gvar->value);
+    takeOut(copy, left);
+    bringIn(copy, sn_findCondCover(gvar, copy));
+    sn_updateCondAgenda(copy, gvar);
+    return copy;
+}
+
+void sn_splitRt(s_runtime* rt, SpacePieces const& pieces, std::size_t index,
+                std::queue<s_runtime*>* pending) {
+    if (pieces.first)
+        pending->push(copyForPiece(rt, *pieces.first, index));
+    if (pieces.second)
+        pending->push(copyForPiece(rt, *pieces.second, index));
+}
+
+// The value has left the range of constraint *index*, which is in TMP4: another space holds now.
+void sn_emptyIsecValSpc(s_runtime* rt, std::size_t index) {
+    s_GVar* gvar = rt->aC[index]->gvar;
+    sn_putObjet(TMP4, &gvar->value);
+    takeOut(rt, sn_findCondCover(gvar, rt));
+    sn_putObjet(TMP1, &gvar->value);
+    bringIn(rt, sn_findCondCover(gvar, rt));
+}
+
+// Narrows the variable of constraint *index* by every constraint of the agenda on it, in TMP1.
+void narrow(Split& split, std::size_t index) {
+    s_runtime* rt = split.rt;
+    s_GVar const* gvar = rt->aC[index]->gvar;
+    sn_putObjet(&gvar->value, TMP1);
+    bool empty = false;
+    for (std::size_t j = 0; j < rt->aC.size(); ++j) {
+        if (!rt->ccAgenda[j] || rt->aC[j]->gvar != gvar)
+            continue;
+        if (!empty) {
+            sn_evalSolFunc(rt, rt->aC[j]);
+            if (!sn_interObjet(TMP1, TMP4)) {
+                sn_emptyIsecValSpc(rt, index);
+                empty = true;
+                split.stable = false;
+            }
+        }
+        rt->ccAgenda[j] = 0;
+    }
+}
+
+void applyConstraint(Split& split, std::size_t index) {
+    s_runtime* rt = split.rt;
+    s_GVar* gvar = rt->aC[index]->gvar;
+    narrow(split, index);
+    SpacePieces const pieces = sn_inSpObjet(TMP1, &gvar->value);
+    if (!pieces.any)
+        return;
+    s_Objet const narrowed = *TMP1;
+    sn_splitRt(rt, pieces, index, split.pending);
+    gvar->value = narrowed;
+    if (sn_updateCondAgenda(rt, gvar))
+        split.stable = false;
+}
+
+void settle(Split& split) {
+    do {
+        split.stable = true;
+        for (std::size_t i = 0; i < split.rt->aC.size(); ++i)
+            if (split.rt->ccAgenda[i])
+                applyConstraint(split, i);
+    } while (!split.stable);
+}
+
+// Constraint variables take the values that the cycle left.
+void loadValues(s_runtime* rt) {
+    for (s_GVar* gvar : rt->gV) {
+        if (gvar->acIdx.empty())
+            continue;
+        // Required: the predicted value counts also where the measure is trusted.
+        if (gvar->kind == GV_VARIABLE)
+            sn_putObjet(&gvar->var->old, &gvar->value);
+        else if (gvar->kind == GV_INTERMEDIATE)
+            sn_putObjet(objMax, &gvar->value);
+    }
+}
+
+void storeValues(s_runtime* rt) {
+    for (s_GVar const* gvar : rt->gV)
+        if (gvar->kind == GV_VARIABLE) {
+            sn_putObjet(&gvar->value, &gvar->var->old);
+            sn_putObjet(&gvar->value, &gvar->var->new_);
+        }
+}
+
+// The conditions that cover the first values, all entered into the space.
+std::vector<s_Condition*> placeInSpace(s_runtime* rt, int& found) {
+    std::vector<s_Condition*> kept;
+    for (s_GVar* gvar : rt->gV) {
+        if (gvar->var == nullptr || gvar->acIdx.empty())
+            continue;
+        for (s_Condition* condition : sn_findCondCover(gvar, rt)) {
+            kept.push_back(condition);
+            for (int const index : condition->acIdx)
+                rt->valSpc[static_cast<std::size_t>(index)] = 1;
+            found = 1;
+        }
+    }
+    return kept;
+}
+
+bool hasEventOnSameVar(s_runtime const* rt, Atom const* atom) {
+    for (auto const& event : rt->bridgeEvents)
+        if (sameStateVar(event.second, atom))
+            return true;
+    return false;
+}
+
+}  // namespace
+
+std::vector<s_Condition*> sn_findCondCover(s_GVar* gvar, s_runtime* rt) {
+    std::vector<s_Condition*> cover;
+    if (gvar->var == nullptr)
+        return cover;  // an intermediate is no variable of the model, so no condition bounds it
+    for (int const index : gvar->var->varConds)
+        if (sn_evalCondExpr(conditionAt(rt, index), rt))
+            cover.push_back(conditionAt(rt, index));
+    if (cover.empty()) {
+        std::cout << "[findCover -->] returning NULL\n" << std::flush;
+        leaveProcess(0);
+    }
+    return cover;
+}
+
+void sn_fillCondAgenda(s_runtime* rt) {
+    for (std::size_t i = 0; i < rt->valSpc.size(); ++i)
+        if (rt->valSpc[i])
+            rt->ccAgenda[i] = 1;
+}
+
+void sn_setOutOfValSpc(s_runtime* rt, s_Condition* condition) {
+    forEachConstraint(condition, [rt](std::size_t i) { rt->valSpc[i] = rt->ccAgenda[i] = 0; });
+}
+
+void sn_setInValSpc(s_runtime* rt, s_Condition* condition) {
+    forEachConstraint(condition, [rt](std::size_t i) { rt->valSpc[i] = 1; });
+}
+
+void sn_updateValSpc(s_runtime* rt, s_Condition* out, s_Condition* in) {
+    sn_setOutOfValSpc(rt, out);
+    sn_setInValSpc(rt, in);
+}
+
+int sn_updateCondAgenda(s_runtime* rt, s_GVar* gvar) {
+    int result = 0;
+    for (std::size_t position = 1; position < gvar->acIdx.size(); ++position) {
+        std::size_t const index = static_cast<std::size_t>(gvar->acIdx[position]);
+        if (rt->valSpc[index]) {
+            rt->ccAgenda[index] = 1;
+            result = 1;
+        }
+    }
+    return result;
+}
+
+int sn_initValSpc(s_runtime* rt) {
+    if (rt->gV.empty())
+        return 1;
+    int found = 0;
+    std::vector<s_Condition*> const kept = placeInSpace(rt, found);
+    sn_splitValiditySpc(rt);
+    for (auto const& entry : nrt)
+        for (s_Condition const* condition : kept) {
+            s_runtime* target = entry.second;
+            if (!hasEventOnSameVar(target, condition->atom))
+                addBridgeEvent(target->condPool[static_cast<std::size_t>(condition->slot)].get(),
+                               condition->atom, true, target);
+        }
+    return found;
+}
+
+void sn_splitValiditySpc(s_runtime* rt) {
+    std::queue<s_runtime*> pending;
+    pending.push(rt);
+    sn_fillCondAgenda(rt);
+    loadValues(rt);
+    while (!pending.empty()) {
+        Split split{pending.front(), &pending};
+        pending.pop();
+        settle(split);
+        nrt.insert({split.rt->num, split.rt});
+        storeValues(split.rt);
+        sn_yieldDisplays(split.rt);
+    }
+}
+
+void viewValSpc(s_runtime const* rt) {
+    std::cout << "rt " << rt->num << " valSpc => " << std::flush;
+    for (std::size_t i = 0; i < rt->aC.size(); ++i)
+        if (rt->valSpc[i]) {
+            sn_printExpr(stdout, rt->aC[i]);
+            std::cout << " ";
+        }
+}
+
+void viewCcAgenda(s_runtime const* rt) {
+    std::cout << "Cc agenda:\n ";
+    for (std::size_t i = 0; i < rt->aC.size(); ++i) {
+        if (rt->aC[i]->gvar != nullptr) {
+            sn_printGVar(stdout, rt->aC[i]->gvar);
+            std::cout << "\n";
+        }
+        sn_printExpr(stdout, rt->aC[i]);
+        std::cout << " -- " << rt->ccAgenda[i] << "\n";
+    }
+}
+
+void viewSplitState(s_GVar const* gvar, s_Objet const* current, s_Objet const* filtered) {
+    std::cout << "\t\t|variable: ";
+    sn_printGVar(stdout, gvar);
+    std::cout << "\n\t\t|current value: ";
+    sn_printObjet(stdout, current);
+    std::cout << "\n\t\t|filtered value: ";
+    sn_printObjet(stdout, filtered);
+    std::cout << "\n";
+}

@@ -1,0 +1,115 @@
+// The discrete step of all candidates, the check against the measures, and who stays.
+#include <iostream>
+
+#include "continuous/sorn-runt.h"
+#include "hybrid/exchange.h"
+#include "hybrid/tavro-runt.h"
+#include "reasoning/Scheduler.h"
+
+namespace {
+
+// Above this number of candidates that all misbehave, equal ones are merged: a run that nothing
+// explains would double its candidates in every cycle.
+constexpr std::size_t manyCandidates = 100;
+
+// The walk over tracked_trajs in one discrete step.
+struct DiscreteWalk {
+    RunOptions const& options;
+    double time;
+    int limit;  // runtimes up to this identity existed before the step
+    bool& nominal;
+    HybMap::iterator at;
+};
+
+void stepDiscreteSide(hybTrajectory& candidate, double time) {
+    bridgeIncEvents(candidate.rt.get());
+    sMM->doCycle(candidate.traj.get(), candidate.rt.get(), time);
+    bridgeConditions(candidate.rt.get());
+}
+
+bool checkMeasures(s_runtime* rt, int threshold) {
+    sn_checkMs(rt, threshold);
+    sn_yieldAlarms(rt);
+    bool const misb = isMisb(rt);
+    clearRunTime(rt);
+    return misb;
+}
+
+// A mode changed: the candidate is rebuilt from its jumped state, behind its place in the walk for
+// equal keys. Goes on to the entry that follows.
+void rebuildAfterModeChange(DiscreteWalk& walk) {
+    std::unique_ptr<hybTrajectory> candidate = std::move(walk.at->second);
+    tavro_reinitialize(candidate->rt.get(), walk.time, walk.options.mode, walk.options.threshold);
+    clearRunTime(candidate->rt.get());
+    splitRuntime(std::move(candidate), tracked_trajs, 1, walk.options.mode);
+    walk.at = tracked_trajs.erase(walk.at);
+}
+
+// In a simulation every candidate stays where it is. Otherwise nominal ones go into ntrajs, oldest
+// runtimes first, and misbehaving ones into misbtrajs.
+void placeCandidate(DiscreteWalk& walk, bool misb) {
+    if (!misb)
+        walk.nominal = true;
+    if (walk.options.mode <= RUN_RESET)
+        return;
+    std::unique_ptr<hybTrajectory> candidate = std::move(walk.at->second);
+    if (misb) {
+        double const rank = candidate->traj->rank;
+        misbtrajs.emplace(rank, std::move(candidate));
+    } else {
+        double const key = -static_cast<double>(candidate->rt->num);
+        ntrajs.emplace(key, std::move(candidate));
+    }
+}
+
+// One candidate; moves on to the next entry.
+void visit(DiscreteWalk& walk) {
+    hybTrajectory& candidate = *walk.at->second;
+    s_runtime* rt = candidate.rt.get();
+    if (rt->num <= walk.limit)
+        stepDiscreteSide(candidate, walk.time);
+    if (!rt->bridgeTrans.empty()) {
+        rebuildAfterModeChange(walk);
+        return;
+    }
+    placeCandidate(walk, checkMeasures(rt, walk.options.threshold));
+    tavro_setRTDisplays(static_cast<int>(rt->display.size()), rt, walk.time / rt->Ts);
+    ++walk.at;
+}
+
+void keepNominal(RunOptions const& options, double time) {
+    misbtrajs.clear();
+    tracked_trajs = std::move(ntrajs);
+    if (options.mode == RUN_DETECT && tracked_trajs.size() > 1)
+        sn_reduxTrajs(tracked_trajs, time);
+}
+
+// Nothing agrees with the measures: the misbehaving candidates go on being tracked.
+void keepMisbehaving(RunOptions const& options, double time) {
+    std::fprintf(stderr, "all trajs misbehave !\n");
+    tracked_trajs = std::move(misbtrajs);
+    if (options.mode != RUN_DETECT || tracked_trajs.size() <= manyCandidates)
+        return;
+    std::fprintf(stderr, "too many candidates (%d): merging equal ones\n",
+                 static_cast<int>(tracked_trajs.size()));
+    sn_reduxTrajs(tracked_trajs, time);
+}
+
+}  // namespace
+
+void tavroDiscreteCycle(RunOptions const& options, double time, bool& nominal) {
+    ntrajs.clear();
+    nominal = false;
+    DiscreteWalk walk{options, time, rt_num, nominal, tracked_trajs.begin()};
+    while (walk.at != tracked_trajs.end())
+        visit(walk);
+    if (options.mode <= RUN_RESET)
+        return;
+    tracked_trajs.clear();
+    if (nominal)
+        keepNominal(options, time);
+    else
+        keepMisbehaving(options, time);
+    ntrajs.clear();
+    misbtrajs.clear();
+}

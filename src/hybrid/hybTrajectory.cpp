@@ -1,0 +1,16 @@
+// Making candidates.
+#include "hybrid/hybTrajectory.h"
+
+#include "continuous/sorn-runt.h"
+
+hybTrajectory::hybTrajectory(hybTrajectory const* source, int upTo)
+    : traj(std::make_unique<Trajectory>(source->traj.get(), upTo)),
+      rt(sn_copyRuntime(source->rt.get())) {}
+
+hybTrajectory::hybTrajectory(Trajectory const* history, std::unique_ptr<s_runtime> runtime)
+    : traj(std::make_unique<Trajectory>(history, history->getCurrentTime() + 1)),
+      rt(std::move(runtime)) {}
+
+hybTrajectory::hybTrajectory(string_map<Atom*> const* atoms, s_runtime const* runtime)
+    : traj(std::make_unique<Trajectory>(atoms)),
+      rt(runtime != nullptr ? sn_copyRuntime(runtime) : nullptr) {}

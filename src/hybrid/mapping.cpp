@@ -1,0 +1,145 @@
+// Jumps of the continuous state when a mode changes.
+//
+// Mapping functions attached to the transitions that fired give some variables new values; the rest
+// is computed anew. While detecting, the jump may have come now or one cycle ago, so the prediction
+// afterwards covers both.
+#include <algorithm>
+#include <iostream>
+
+#include "continuous/sorn-runt.h"
+#include "hybrid/tavro-runt.h"
+#include "model/Transitionrt.h"
+#include "reasoning/Scheduler.h"
+
+namespace {
+
+// The thresholds of the check after a jump.
+constexpr int thresholdAfterJump = 1;
+
+// Guards are conditions of the model's template; a candidate has its own copy at the same slot.
+bool guardHolds(s_runtime* rt, MapFunc const& function) {
+    if (function.guard == nullptr)
+        return true;
+    return sn_evalCond(rt->condPool[static_cast<std::size_t>(function.guard->slot)].get(), rt) != 0;
+}
+
+// Calls act(variable, expression) for each assignment of the transitions that fired.
+template <typename Act>
+void walkMappingFuncs(s_runtime* rt, bool testGuards, Act act) {
+    for (Transition const* transition : rt->bridgeTrans)
+        for (auto const& function : transition->mapFuncs) {
+            if (testGuards && !guardHolds(rt, *function))
+                continue;
+            for (s_mapfVar const& target : function->vars)
+                if (s_Variable* variable = sn_getVarDico(rt, target.name.c_str()))
+                    act(variable, rt->mapExprs[static_cast<std::size_t>(target.expr)]);
+        }
+}
+
+// Returns whether at least one assignment was made.
+bool applyBounds(s_runtime* rt, bool testGuards) {
+    bool assigned = false;
+    walkMappingFuncs(rt, testGuards, [&](s_Variable* variable, s_Expr const* expr) {
+        s_Objet const value = *sn_evalExpr(rt, expr);
+        applyMFBounds(rt, variable, &value);
+        assigned = true;
+    });
+    return assigned;
+}
+
+void defineTheRest(s_runtime* rt) {
+    for (auto const* list : {&rt->temporal, &rt->untemporal})
+        for (s_Variable* variable : *list)
+            if (!variable->defined)
+                sn_compInitVar(rt, variable);
+}
+
+void takeMeasure(s_runtime* rt, s_Variable* variable) {
+    auto const found = std::find(rt->measure.begin(), rt->measure.end(), variable);
+    if (found != rt->measure.end())
+        variable->mes = makeReal(rt->mesval[found - rt->measure.begin()]);
+}
+
+void becomeNumber(s_Objet* value) { *value = makeReal(sn_infOf(*value)); }
+
+// The smallest interval that covers both, open at both ends.
+s_Objet openHull(s_Objet const& a, s_Objet const& b) {
+    return makeRange(std::min(a.rng.inf, b.rng.inf), std::max(a.rng.sup, b.rng.sup), 0, 0);
+}
+
+// The prediction covers the jump now and the jump one cycle ago, stepped forward in *copy*.
+void coverBothJumps(s_runtime* rt, s_runtime const* copy) {
+    for (auto const& variable : rt->dico) {
+        if (variable->isParam)
+            continue;
+        sn_uniObjet(&variable->new_, &copy->dico[static_cast<std::size_t>(variable->slot)]->new_);
+        sn_putObjet(&variable->new_, &variable->old);
+        sn_fillHisto(variable.get());
+    }
+}
+
+}  // namespace
+
+int tavro_initMappingFuncs(s_runtime* rt) {
+    walkMappingFuncs(rt, true, [rt](s_Variable* variable, s_Expr const* expr) {
+        sn_putObjet(sn_evalExpr(rt, expr), &variable->old);
+        sn_fillHisto(variable);
+        variable->defined = 1;
+    });
+    defineTheRest(rt);
+    int const result = sn_initValSpc(rt);
+    if (result != 1)
+        std::cout << "Error while splitting init state\n";
+    return result;
+}
+
+// For a measured variable a jump changes what the prediction is compared with, not the prediction.
+void applyMFBounds(s_runtime* rt, s_Variable* variable, s_Objet const* value) {
+    bool const measured = sn_isMeasure(rt, variable) == 1;
+    s_Objet* target = measured ? &variable->mes : &variable->old;
+    variable->defined = 1;
+    if (isReal(variable->old)) {
+        becomeNumber(&variable->new_);
+        sn_putObjet(value, target);
+        if (!measured)
+            sn_putObjet(value, &variable->new_);
+    } else if (isRange(variable->old) && isReal(*value)) {
+        sn_putObjet(value, target);
+    } else if (isRange(variable->old) && isRange(*value)) {
+        *target = openHull(variable->old, *value);
+    }
+}
+
+bool tavro_applyMappingFuncs(s_runtime* rt) {
+    bool const assigned = applyBounds(rt, true);
+    defineTheRest(rt);
+    for (s_Variable* measure : rt->measure)
+        takeMeasure(rt, measure);
+    return assigned;
+}
+
+bool tavro_applyMappingFuncs2(s_runtime* rt, double time) {
+    std::unique_ptr<s_runtime> copy =
+        sn_copyPartialFaultyRt(rt, 0, time - 1.0, time, Trajectory::twd);
+    applyBounds(copy.get(), false);
+    sn_doStepTempo(copy.get());
+    sn_doStepUntemp(copy.get());
+    bool const assigned = applyBounds(rt, false);
+    defineTheRest(rt);
+    walkMappingFuncs(rt, false,
+                     [rt](s_Variable* variable, s_Expr const*) { takeMeasure(rt, variable); });
+    coverBothJumps(rt, copy.get());
+    return assigned;
+}
+
+bool tavro_reinitialize(s_runtime* rt, double time, int mode, int threshold) {
+    for (auto const& variable : rt->dico)
+        if (!variable->isParam)
+            variable->defined = 0;
+    bool const assigned =
+        mode <= RUN_RESET ? tavro_applyMappingFuncs(rt) : tavro_applyMappingFuncs2(rt, time);
+    sn_checkMs(rt, assigned ? thresholdAfterJump : threshold);
+    sn_yieldAlarms(rt);
+    sn_yieldDisplays(rt);
+    return isMisb(rt);
+}

@@ -1,0 +1,67 @@
+// Misbehaviour of a candidate, and merging of candidates that have become the same.
+#include <algorithm>
+
+#include "continuous/sorn-runt.h"
+#include "hybrid/tavro-runt.h"
+#include "model/DataManagerrt.h"
+#include "support/numbers.h"
+
+bool isMisb(s_runtime const* rt) {
+    for (std::size_t i = 0; i < rt->measure.size(); ++i)
+        if (rt->meslowmisb[i] || rt->meshighmisb[i])
+            return true;
+    return false;
+}
+
+namespace {
+
+s_Variable const* sameVariable(s_runtime const* rt, s_Variable const* variable) {
+    return rt->dico[static_cast<std::size_t>(variable->slot)].get();
+}
+
+bool overlap(s_Objet const& a, s_Objet const& b) {
+    s_Objet common = a;
+    return sn_interObjet(&common, &b) == 1 || sn_eqObjet(&a, &b) == 1;
+}
+
+bool areTheSame(hybTrajectory& a, hybTrajectory const& b) {
+    return DataManager::compareTrajsStates(a.traj->getLastState(), b.traj->getLastState()) &&
+           intersectObsRt(a.rt.get(), b.rt.get());
+}
+
+}  // namespace
+
+// Required: one overlapping measure is enough, and its union stays whatever the others answer.
+bool intersectObsRt(s_runtime* a, s_runtime const* b) {
+    bool result = false;
+    for (s_Variable* variable : a->measure) {
+        s_Variable const* other = sameVariable(b, variable);
+        if (!overlap(variable->old, other->old))
+            continue;
+        sn_uniObjet(&variable->old, &other->old);
+        variable->defined = 1;
+        result = true;
+    }
+    return result;
+}
+
+void mergeRuntimes(s_runtime* a, s_runtime const* b, double time) {
+    for (auto const& variable : a->dico)
+        sn_uniObjet(&variable->old, &sameVariable(b, variable.get())->old);
+    sn_yieldDisplays(a);
+    // Required: the time counts rows, without a division by the period.
+    double const values = 2.0 * time * static_cast<double>(a->display.size());
+    a->extra.coverPairs(b->extra, truncateToInt(values));
+}
+
+void sn_reduxTrajs(HybMap& trajectories, double time) {
+    for (auto i = trajectories.begin(); i != trajectories.end(); ++i)
+        for (auto j = std::next(i); j != trajectories.end();) {
+            if (!areTheSame(*i->second, *j->second)) {
+                ++j;
+                continue;
+            }
+            mergeRuntimes(i->second->rt.get(), j->second->rt.get(), time);
+            j = trajectories.erase(j);
+        }
+}

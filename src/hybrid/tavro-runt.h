@@ -1,0 +1,105 @@
+// The central driver of a hybrid run.
+//
+// Several candidates are tracked at once. Each step advances all of them: the continuous step, the
+// split of validity spaces, the discrete step, the check against the measures; then it is decided
+// which candidates stay. The functions are grouped by the file that holds them.
+//
+// Invariants between two commands of the console:
+//   1. hybNT is null, or the first of tracked_trajs;
+//   2. every candidate of tracked_trajs has a history and, in a hybrid model, a runtime;
+//   3. nrt is empty.
+#pragma once
+
+#include <functional>
+#include <map>
+#include <memory>
+
+#include "hybrid/hybTrajectory.h"
+
+// Candidates, best first; equal keys keep the order of insertion. Owns them.
+using HybMap = std::multimap<double, std::unique_ptr<hybTrajectory>, std::greater<double>>;
+
+// ---- Globals (globals.cpp) ----
+
+extern s_runtime* tavro_rt;    // the model's own runtime, a template; null in a discrete model
+extern HybMap tracked_trajs;   // the candidates being tracked
+extern HybMap ntrajs;          // candidates being rebuilt within a cycle
+extern HybMap misbtrajs;       // candidates found misbehaving in this cycle
+extern hybTrajectory* hybNT;   // the nominal candidate, borrowed; null: not initialised
+
+// Modes of a run.
+enum runMode {
+    RUN_SIMULATE = 0,
+    RUN_RESET = 1,    // measures may reset the prediction
+    RUN_DETECT = 3,   // equal candidates are merged
+    RUN_NOMERGE = 4
+};
+
+// What a run asks of every cycle.
+struct RunOptions {
+    int mode = RUN_SIMULATE;
+    double period = 0.0;     // of the reset, 0 for none
+    int isolation = 0;       // code of the continuous step when detecting
+    int threshold = 0;       // alarm threshold, in cycles
+    int multi = 0;           // simulation follows every split
+};
+
+// ---- Driver (driver.cpp) ----
+
+// Reads the first data lines and makes the first candidate; returns 1.
+int tavro_initialize(int global, double precision, char const* diagBuf, int accuTime);
+// The same for a discrete model, whose trajectory goes to the registry; returns 0.
+int tavro_initialize_discrete();
+void initNominalTraj(string_map<Atom*> const* atoms, s_runtime const* rt);
+void lockFirstTrajState(Trajectory* traj);
+// One step of all candidates; returns 1. *countdown* to the reset is told by the caller; *nominal*
+// answers whether a candidate agrees with the measures.
+int tavro_doCycle(RunOptions const& options, double countdown, double time, bool& nominal);
+// Forgets what the bridge carries.
+void clearRunTime(s_runtime* rt);
+// Ends a run: every candidate goes, and hybNT is null.
+void clearMultiTrajs();
+
+// ---- Splitting (splitting.cpp) ----
+
+void splitTrajs(RunOptions const& options);
+// Splits the runtime of a candidate, which is consumed; its successors go into *out*.
+void splitRuntime(std::unique_ptr<hybTrajectory> candidate, HybMap& out, int multi, int mode);
+// A candidate for each runtime of nrt, with a copy of the history; empties nrt.
+void createNewTrajs(Trajectory const* history, HybMap& out);
+// Empties nrt, and destroys every runtime in it but *keep*.
+void clearNrt(s_runtime const* keep);
+
+// ---- The discrete step (discrete_cycle.cpp) ----
+
+void tavroDiscreteCycle(RunOptions const& options, double time, bool& nominal);
+
+// ---- Merging and misbehaviour (merging.cpp) ----
+
+bool isMisb(s_runtime const* rt);
+// Merges candidates that have become the same.
+void sn_reduxTrajs(HybMap& trajectories, double time);
+// True when some measured variable overlaps; then a's value covers b's.
+bool intersectObsRt(s_runtime* a, s_runtime const* b);
+void mergeRuntimes(s_runtime* a, s_runtime const* b, double time);
+
+// ---- Bridge (bridge.cpp); see also continuous/bridge.h ----
+
+// Hands the events of the continuous side to the scheduler.
+void bridgeIncEvents(s_runtime* rt);
+// Applies what the discrete step settled to the conditions.
+void bridgeConditions(s_runtime* rt);
+// First values of the conditions from the model's atoms.
+void bridgeActiveAtoms(s_runtime* rt);
+
+// ---- Mapping functions (mapping.cpp) ----
+
+// Returns the result of placing the runtime in its validity space.
+int tavro_initMappingFuncs(s_runtime* rt);
+void applyMFBounds(s_runtime* rt, s_Variable* variable, s_Objet const* value);
+// True when at least one assignment was made. Guards are tested.
+bool tavro_applyMappingFuncs(s_runtime* rt);
+// The form of detection, which also predicts the step before again. Guards are not tested.
+bool tavro_applyMappingFuncs2(s_runtime* rt, double time);
+// The continuous state after a change of mode. Returns isMisb.
+bool tavro_reinitialize(s_runtime* rt, double time, int mode, int threshold);

@@ -1,0 +1,74 @@
+// Construction, labels and printing of atoms.
+#include "model/Atom.h"
+
+#include <iostream>
+
+#include "model/StateVar.h"
+#include "model/labels.h"
+
+Atom::Atom(StateVar* variable, std::string const& domainValue, std::string const& id)
+    : id(id), label(labelUnknown) {
+    if (!variable->inValues(domainValue)) {
+        std::cout << "Atom --> Cannot create the atom : value not in the variable domain\n";
+        return;
+    }
+    var = variable;
+    value = domainValue;
+    linkIndex = var->addAtomToLinks(this);
+}
+
+bool Atom::evalAtom() const {
+    return var != nullptr && var->currentState == value;
+}
+
+std::vector<Atom*> const& Atom::getSiblings() const {
+    static std::vector<Atom*> const none;
+    return var != nullptr ? var->getAtomLinks() : none;
+}
+
+void Atom::labelSiblingsFalse() {
+    for (Atom* sibling : getSiblings())
+        if (sibling != this)
+            sibling->setLabel(labelFalse);
+}
+
+void Atom::set() {
+    if (var == nullptr)
+        return;
+    var->setCurrentState(value);
+    label = labelTrue;
+    labelSiblingsFalse();
+}
+
+void Atom::setLabel(std::string const& newLabel, bool const& exclusive) {
+    label = newLabel;
+    if (exclusive && label == labelTrue)
+        labelSiblingsFalse();
+}
+
+Comp* Atom::getVarComp() const {
+    return var != nullptr ? var->getComp() : nullptr;
+}
+
+std::string Atom::getVarType() const {
+    return var != nullptr ? var->getType() : "";
+}
+
+Atom* Atom::getAtomLink(std::string const& otherId) const {
+    for (Atom* sibling : getSiblings())
+        if (sibling->id == otherId)
+            return sibling;
+    return nullptr;
+}
+
+void Atom::showAtom(bool full) const {
+    if (!full) {
+        std::cout << id;
+        return;
+    }
+    // The degree sign is one Latin-1 byte.
+    std::cout << "--- Atom n\xb0# ---\n"
+              << id << " --> [" << evalAtom() << "]\n"
+              << "label : " << label << "\n"
+              << "propagation number : " << propagationNumber << "\n";
+}

@@ -1,0 +1,98 @@
+// Building, counting and printing of components.
+#include "model/Comprt.h"
+
+#include <iostream>
+
+#include "model/Atom.h"
+#include "model/influencePrinter.h"
+#include "model/labels.h"
+
+Comp::Comp(std::string name) : name(std::move(name)) {}
+
+Comp::~Comp() = default;
+
+StateVar* Comp::getStateVariable(std::string const& fullName) const {
+    for (auto const& variable : stateVariables)
+        if (variable->getName() == fullName)
+            return variable.get();
+    return nullptr;
+}
+
+Atom* Comp::newAtom(char const* key, StateVar* variable, std::string const& value) {
+    symbolicKeys.push_back(std::make_unique<std::string>(key));
+    ownedAtoms.push_back(
+        std::make_unique<Atom>(variable, value, variable->getName() + "=" + value));
+    Atom* atom = ownedAtoms.back().get();
+    atoms[symbolicKeys.back()->c_str()] = atom;
+    return atom;
+}
+
+Transition* Comp::addTransitionToC(std::unique_ptr<Transition> transition) {
+    transitions.push_back(std::move(transition));
+    return transitions.back().get();
+}
+
+void Comp::computeNominalCover() {
+    int count = 0;
+    for (auto const& transition : transitions)
+        if (transition->type == transNominal) {
+            nominalCover += transition->proba;
+            ++count;
+        }
+    nominalCover /= count;
+}
+
+void Comp::countGuard(Transition const& transition) {
+    ++transition.preMode->guards;
+    ++transition.modeVar->guards;
+}
+
+// Required: of k transitions with one guard and probabilities below 1, the first counts k-1, the
+// next k-2 and so on; a lone one counts nothing, and a certain one counts once.
+void Comp::getTransitionsGuards() {
+    for (std::size_t i = 0; i < transitions.size(); ++i) {
+        Transition const& transition = *transitions[i];
+        if (!transition.pre || transition.modeVar == nullptr) {
+            std::cerr << "Transition " << i << " of " << name << " has no mode in its guard.\n";
+            continue;
+        }
+        if (transition.proba == 1.0) {
+            countGuard(transition);
+            continue;
+        }
+        for (std::size_t j = i + 1; j < transitions.size(); ++j)
+            if (transitions[j]->pre && transition.pre->eq(transitions[j]->pre.get()))
+                countGuard(transition);
+    }
+}
+
+namespace {
+
+constexpr char const* starRule = "***************************************************";
+constexpr char const* dashRule = "---------------------------------------------------";
+
+}  // namespace
+
+void Comp::showDiscrete() const {
+    std::cout << starRule << "\nComp : " << name << "\n"
+              << starRule << "\nnominal cover : " << nominalCover << "\nStates : \n";
+    for (auto const& variable : stateVariables) {
+        std::cout << variable->getName() << " - " << variable->getType() << " -\n";
+        variable->showValues();
+        variable->showCurrentState();
+    }
+    std::cout << dashRule << "\nConstraints : \n";
+    for (auto const& formula : constraints)
+        formula->showFormula();
+}
+
+void Comp::showComp() const {
+    showDiscrete();
+    std::cout << dashRule << "\nInfluences : \n";
+    for (s_Influence const* influence : influences)
+        printInfluence(influence);
+    std::cout << dashRule << "\nTransitions : \n";
+    for (auto const& transition : transitions)
+        transition->showTransition();
+    std::cout << starRule << "\n";
+}

@@ -1,0 +1,58 @@
+// Construction, default value and printing of variables.
+#include "model/StateVar.h"
+
+#include <iostream>
+#include <utility>
+
+StateVar::StateVar() = default;
+
+StateVar::StateVar(std::string name) : name(std::move(name)) {}
+
+StateVar::StateVar(std::string name, std::set<std::string> values)
+    : values(std::move(values)), name(std::move(name)) {}
+
+StateVar::StateVar(std::string name, std::set<std::string> values, std::string const& defaultValue)
+    : StateVar(std::move(name), std::move(values)) {
+    setDefault(defaultValue);
+    // Required: a default outside the domain is reported above and stored all the same.
+    currentState = defaultValue;
+}
+
+StateVar::StateVar(std::string name, std::set<std::string> values, std::string const& defaultValue,
+                   Comp* comp)
+    : StateVar(std::move(name), std::move(values), defaultValue) {
+    this->comp = comp;
+}
+
+StateVar::StateVar(std::string name, std::set<std::string> values, std::string const& defaultValue,
+                   Comp* comp, bool observable)
+    : StateVar(std::move(name), std::move(values), defaultValue, comp) {
+    this->observable = observable;
+}
+
+void StateVar::setDefault(std::string const& value) {
+    if (inValues(value))
+        defaultValue = name + "=" + value;
+    else
+        std::cout << "StateVar --> Wrong default value";
+}
+
+int StateVar::addAtomToLinks(Atom* atom) {
+    atomLinks.push_back(atom);
+    return static_cast<int>(atomLinks.size()) - 1;
+}
+
+bool StateVar::matchObs() const {
+    return !observable || observation.empty() || currentState == observation;
+}
+
+void StateVar::showValues() const {
+    std::cout << "\t\t" << name << "\n\t\tType: " << type << "\n\t\tValues: \n\t\t{ ";
+    for (std::string const& value : values)
+        std::cout << value << "  ";
+    std::cout << "}\n\n";
+}
+
+void StateVar::showCurrentState() const {
+    std::cout << name << " --->\t\t " << currentState << "\n";
+}

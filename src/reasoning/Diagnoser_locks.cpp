@@ -1,0 +1,56 @@
+// Locks of elements.
+#include "model/StateVar.h"
+#include "reasoning/Diagnoser.h"
+
+namespace {
+
+// Gives a free element and its siblings their locks; one that is held already keeps its own.
+void lockFree(TrajEl* element, State* state, LockStatus own, LockStatus siblings) {
+    state->locked = true;
+    if (element->lock != LOCK_FREE)
+        return;
+    for (Atom const* atom : element->getStateVar()->getAtomLinks())
+        if (TrajEl* sibling = state->getElt(atom->getId()); sibling != nullptr)
+            sibling->lock = siblings;
+    element->lock = own;
+}
+
+}  // namespace
+
+void Diagnoser::lockTrajEls(TrajEl* element, State* state) {
+    lockFree(element, state, LOCK_TRUE, LOCK_FALSE);
+}
+
+void Diagnoser::lockTrajElsPerm(TrajEl* element, State* state) {
+    lockFree(element, state, LOCK_TRUE_PERM, LOCK_FALSE_PERM);
+}
+
+void Diagnoser::lockTrajElsNegPerm(TrajEl* element, State* state) {
+    element->lock = LOCK_FALSE_PERM;
+    state->locked = true;
+}
+
+void Diagnoser::lockTrajElsPerm(TrajEl* element, State* state, bool negative) {
+    if (negative)
+        lockTrajElsNegPerm(element, state);
+    else
+        lockTrajElsPerm(element, state);
+}
+
+void Diagnoser::unlockState(State* state) {
+    for (auto const& entry : state->elts) {
+        TrajEl* element = entry.second;
+        if (element != nullptr && (element->lock == LOCK_TRUE || element->lock == LOCK_FALSE))
+            element->lock = LOCK_FREE;
+    }
+    state->locked = false;
+}
+
+void Diagnoser::unlockTrajectory(Trajectory* trajectory) {
+    for (auto const& entry : trajectory->states) {
+        entry.second->failCount = 0.0;
+        if (entry.second->locked)
+            unlockState(entry.second);
+    }
+    trajectory->rank = 0.0;
+}

@@ -1,0 +1,110 @@
+// The discrete run control, and the one object of the chain that holds the whole discrete side.
+//
+// It moves discrete trajectories step by step: a command step builds the next nominal state by firing
+// the transitions whose guards hold. In a hybrid run doCycle is called for each candidate, with the
+// events that its continuous side raised.
+#pragma once
+
+#include <cstdio>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "reasoning/Diagnoser.h"
+#include "reasoning/scenario.h"
+
+struct s_runtime;
+
+// Not false once a discrete run has begun: nothing then goes over the bridge.
+extern bool discretemdl;
+
+// A running transition whose effects come at delays.
+struct transitionCM {
+    Transition* trans;
+    int start;      // the step at which it fired
+    Atom* command;  // the command of its guard, asserted as long as it runs
+
+    bool getEnd(int t) const { return trans->nbPosts + start == t; }
+};
+
+// Running transitions by id.
+using PendingTransitions = hash_map<int, transitionCM>;
+
+class Scheduler : public Diagnoser {
+public:
+    // Names the model. The process ends with status 1 when the initialisation fails.
+    explicit Scheduler(std::string const& name);
+    ~Scheduler();
+
+    int initSchD();
+    // Back to the start: time 0, no events, no tracked trajectories.
+    void raz();
+
+    // ---- Scenarios (scheduler/scenarios.cpp) ----
+
+    // Reads a dated file whole.
+    void loadScenario(std::string const& path);
+    // Opens an undated file; false when it cannot be opened.
+    bool openScenario(std::string const& path);
+    // The event of the next line of the open file; null at its end or on an unknown atom.
+    std::unique_ptr<scenarEvent> readFromScenario();
+    // Schedules a command at *time*, or at the first later step where it is independent of all others.
+    void addCommandEvent(Atom* atom, int time);
+    // Moves the next event to the step after *now*; without one, reads the next line into the
+    // current step, or with *late* into the one after. Tells whether there was one.
+    bool organizeCommands(int now, bool late);
+    // Per command, the value "none" of its variable.
+    static std::vector<Atom*> getNoneCommands(std::vector<Atom*> const& commands);
+    // Tells on the error stream which events no step of a hybrid run has met.
+    void reportUnmetEvents() const;
+
+    // ---- Steps (scheduler/steps.cpp) ----
+
+    // The discrete half of a hybrid step.
+    void doCycle(Trajectory* traj, s_runtime* rt, double time);
+    // Builds the next nominal state of a trajectory under *commands*, if any transition fires.
+    void constructNextNominalStateLarge(Trajectory* traj, std::vector<Atom*> commands,
+                                        bool keepUnlocked, PendingTransitions& pending);
+    // Fires a transition from *current* into *next*. Consumes and replaces *next*.
+    void triggerTransition(Transition* transition, State* current, std::unique_ptr<State>& next,
+                           Trajectory* traj, PendingTransitions& pending, int time);
+    void addBridgeConditions(ElementTable const& table);
+    // Fixes the events of the continuous side in the current state.
+    void addContEvents(Trajectory* traj);
+    // Adds an empty state when the last one is locked; returns 1 if it did.
+    int syncPreviousState(Trajectory* traj);
+
+    int time = 0;                 // current discrete step
+    Scenario scenario;
+    SignedAtoms contEvents;       // from the continuous side: atoms to be fixed in the current state
+    std::vector<Atom*> contCommands;  // from the continuous side: atoms that act as commands
+    s_runtime* runtime = nullptr;     // of the candidate being cycled; borrowed
+    double bound = 0.0;               // rank bound of the covering search
+
+    static double simTime;  // continuous time of the running cycle
+
+private:
+    struct NominalStep;
+    void assertPendingCommands(NominalStep& step);
+    bool settleCommands(NominalStep& step);
+    void fireTransitionsOf(Atom const* atom, NominalStep& step);
+    void endPendingTransitions(NominalStep& step);
+    void closeStep(NominalStep& step);
+    SignedElements effectsOf(Transition* transition, StateFormula const* formula, int delay,
+                             State* next, Trajectory* traj, PendingTransitions const& pending,
+                             int time);
+    bool settleNext(SignedElements const& props, std::unique_ptr<State>& next, Trajectory* traj,
+                    int time);
+    bool fireEffect(Transition* transition, StateFormula const* formula, int delay, State* current,
+                    std::unique_ptr<State>& next, Trajectory* traj,
+                    PendingTransitions const& pending, int time);
+    void linkGuard(Transition* transition, State* current, Trajectory* traj, int time);
+    std::vector<Atom*> commandsAt(double time, Trajectory* traj);
+
+    std::string scenarioPath;
+    int scenarioLine = 0;
+    std::unique_ptr<std::FILE, int (*)(std::FILE*)> scenarioFile;
+};
+
+// The one scheduler.
+extern Scheduler* sMM;

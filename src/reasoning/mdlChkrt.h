@@ -1,0 +1,7 @@
+// The layer between the registry and the truth maintenance: the place for checks of a model. It adds
+// nothing yet.
+#pragma once
+
+#include "model/DataManagerrt.h"
+
+class mdlChk : public DataManager {};

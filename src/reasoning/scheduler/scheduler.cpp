@@ -1,0 +1,27 @@
+// Construction and reset of the scheduler.
+#include "reasoning/Scheduler.h"
+
+#include "support/process.h"
+
+bool discretemdl = false;
+Scheduler* sMM = nullptr;
+double Scheduler::simTime = 0.0;
+
+Scheduler::Scheduler(std::string const& name) : scenarioFile(nullptr, &std::fclose) {
+    model_name = name;
+    if (initSchD() != 1)
+        leaveProcess(1);
+}
+
+Scheduler::~Scheduler() = default;
+
+int Scheduler::initSchD() {
+    time = 0;
+    scenario.clear();
+    return 1;
+}
+
+void Scheduler::raz() {
+    tracked_traj.clear();
+    initSchD();
+}

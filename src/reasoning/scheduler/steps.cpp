@@ -1,0 +1,320 @@
+// One nominal step of a discrete trajectory.
+//
+// Commands are asserted in the current state; the transitions that they trigger, and those that the
+// settled elements trigger, fire into the next state. Only the first result of each propagation is
+// followed, and only transitions reachable from what changed are examined, never all of the model.
+#include <iostream>
+
+#include "continuous/bridge.h"
+#include "model/StateVar.h"
+#include "model/labels.h"
+#include "reasoning/Scheduler.h"
+#include "support/process.h"
+
+namespace {
+
+// The effect of a plain transition comes at the next step, not at a delay.
+constexpr int noDelay = -1;
+
+std::unique_ptr<State> exactCopy(State const* state) {
+    auto copy = std::make_unique<State>(state, true);
+    copy->locked = state->locked;
+    return copy;
+}
+
+void reportNoState() {
+    std::cerr << "Error update the current state: no valid state found.\n";
+}
+
+// Of a list of results that is not empty, the first alone is followed.
+std::unique_ptr<ItmsRes> firstOf(ItmsResults& results) { return std::move(results.front()); }
+
+}  // namespace
+
+// What one call of constructNextNominalStateLarge works on.
+struct Scheduler::NominalStep {
+    Trajectory* traj;
+    int t;
+    std::vector<Atom*> commands;
+    bool keepUnlocked;
+    PendingTransitions& pending;
+    std::unique_ptr<State> next;
+    std::unique_ptr<ItmsRes> settled;  // its table: what changed in the current state
+    hash_map<int, bool> seen;          // transitions already examined
+
+    State* current() const { return traj->getState(t); }
+};
+
+void Scheduler::constructNextNominalStateLarge(Trajectory* traj, std::vector<Atom*> commands,
+                                               bool keepUnlocked, PendingTransitions& pending) {
+    int const t = traj->getCurrentTime();
+    NominalStep step{traj, t, std::move(commands), keepUnlocked, pending, nullptr, nullptr, {}};
+    traj->addState(t + 1, std::make_unique<State>());
+    step.next = traj->takeState(t + 1);
+    states_cover[t + 1] = 0.0;
+    std::unique_ptr<State> before = exactCopy(step.current());
+    if (!settleCommands(step)) {
+        traj->putState(t, std::move(before));
+        step.next->clear();
+        closeStep(step);
+        return;
+    }
+    for (Atom const* atom : step.commands)
+        fireTransitionsOf(atom, step);
+    for (auto const& entry : step.settled->already_changed)
+        fireTransitionsOf(entry.second->atom, step);
+    endPendingTransitions(step);
+    closeStep(step);
+}
+
+// A delayed command stays asserted as long as its transition runs.
+void Scheduler::assertPendingCommands(NominalStep& step) {
+    for (auto const& entry : step.pending) {
+        Atom* command = entry.second.command;
+        StateSite const site{step.current(), step.traj, step.t};
+        if (TrajEl* element = getElt(command->getId(), site))
+            lockTrajElsPerm(element, step.current());
+        step.commands.push_back(command);
+    }
+}
+
+// Asserts the commands in the current state, which becomes the first result's. On failure the place
+// of the current state is left empty.
+bool Scheduler::settleCommands(NominalStep& step) {
+    assertPendingCommands(step);
+    SignedElements props;
+    StateSite const site{step.current(), step.traj, step.t};
+    for (Atom const* atom : step.commands) {
+        TrajEl* element = getElt(atom->getId(), site);
+        if (element == nullptr)
+            continue;
+        props.insert({true, element});
+        if (!step.keepUnlocked)
+            lockTrajElsPerm(element, site.state);
+    }
+    std::unique_ptr<State> current = step.traj->takeState(step.t);
+    ItmsResults results = addPropositions(props, current, {true, step.traj->rank}, step.traj,
+                                          step.t, false);
+    if (results.empty()) {
+        reportNoState();
+        return false;
+    }
+    step.settled = firstOf(results);
+    if (!discretemdl)
+        addBridgeConditions(step.settled->already_changed);
+    step.traj->putState(step.t, std::move(step.settled->state));
+    return true;
+}
+
+void Scheduler::fireTransitionsOf(Atom const* atom, NominalStep& step) {
+    for (Transition* transition : atom->getRefTransPre()) {
+        if (transition->type != transNominal || transition->idle ||
+            step.seen.count(transition->id) != 0)
+            continue;
+        step.seen[transition->id] = true;
+        if (evalStateFormula(transition->pre.get(), step.traj, step.t))
+            triggerTransition(transition, step.current(), step.next, step.traj, step.pending,
+                              step.t);
+    }
+}
+
+void Scheduler::endPendingTransitions(NominalStep& step) {
+    std::vector<int> ended;
+    for (auto const& entry : step.pending)
+        if (entry.second.getEnd(step.t)) {
+            entry.second.trans->showTransition();
+            ended.push_back(entry.first);
+        }
+    for (int const id : ended)
+        step.pending.erase(id);
+}
+
+// With nothing in the next state no transition fired, and the trajectory stays where it was.
+void Scheduler::closeStep(NominalStep& step) {
+    bool const fired = !step.next->elts.empty();
+    if (fired) {
+        step.traj->addState(step.t + 1, std::move(step.next));
+        step.traj->setTimeCorr(simTime);
+    } else {
+        step.traj->putState(step.t + 1, std::move(step.next));
+        step.traj->removeLastState();
+    }
+}
+
+// The elements of the effect to be asserted. Commands among the atoms become events instead.
+SignedElements Scheduler::effectsOf(Transition* transition, StateFormula const* formula, int delay,
+                                    State* next, Trajectory* traj,
+                                    PendingTransitions const& pending, int now) {
+    SignedElements props;
+    bool const delayed = delay != noDelay;
+    bool const running = delayed && pending.count(transition->id) != 0;
+    for (Atom* atom : formula->getAllAtoms()) {
+        if (atom->getVarType() == typeCommand) {
+            addCommandEvent(atom, delayed ? now + delay : now + 1);
+            continue;
+        }
+        TrajEl* element = getElt(atom->getId(), {next, traj, now + 1}, false);
+        if (element == nullptr)
+            continue;
+        if (!running) {
+            element->prevTrans = transition;
+            element->index = now;
+        }
+        if (!delayed || element->index + delay == now + 1)
+            props.insert({true, element});
+        else
+            addCommandEvent(atom, now + delay);
+    }
+    return props;
+}
+
+// Asserts the effect in the next state; without a result that state stays as it was.
+bool Scheduler::settleNext(SignedElements const& props, std::unique_ptr<State>& next,
+                           Trajectory* traj, int now) {
+    ItmsResults results =
+        addPropositions(props, next, {true, traj->rank}, traj, now + 1, false);
+    if (results.empty()) {
+        reportNoState();
+        return false;
+    }
+    std::unique_ptr<ItmsRes> const settled = firstOf(results);
+    if (!discretemdl)
+        addBridgeConditions(settled->already_changed);
+    for (auto const& entry : settled->already_changed)
+        if (entry.second->isLabelled(labelFalse))
+            entry.second->prevTrans = nullptr;
+    next = std::move(settled->state);
+    return true;
+}
+
+// The guard's elements in the current state remember what leaves them.
+void Scheduler::linkGuard(Transition* transition, State* current, Trajectory* traj, int now) {
+    for (Atom const* atom : transition->pre->getAllAtoms()) {
+        if (current->getElt(atom->getId()) == nullptr)
+            traj->addComp(atom->getVarComp(), current, now, true, false);
+        if (TrajEl* element = current->getElt(atom->getId()))
+            element->addToNextTrans(transition);
+    }
+}
+
+bool Scheduler::fireEffect(Transition* transition, StateFormula const* formula, int delay,
+                           State* current, std::unique_ptr<State>& next, Trajectory* traj,
+                           PendingTransitions const& pending, int now) {
+    std::unique_ptr<State> before = exactCopy(next.get());
+    SignedElements const props =
+        effectsOf(transition, formula, delay, next.get(), traj, pending, now);
+    if (!settleNext(props, next, traj, now)) {
+        next = std::move(before);
+        return false;
+    }
+    linkGuard(transition, current, traj, now);
+    return true;
+}
+
+void Scheduler::triggerTransition(Transition* transition, State* current,
+                                  std::unique_ptr<State>& next, Trajectory* traj,
+                                  PendingTransitions& pending, int now) {
+    if (!discretemdl)
+        addBridgeTrans(transition, runtime);
+    if (transition->post) {
+        if (fireEffect(transition, transition->post.get(), noDelay, current, next, traj, pending,
+                       now))
+            transition->showMove();
+        else if (!discretemdl)
+            runtime->bridgeTrans.pop_back();  // it did not fire
+        return;
+    }
+    if (!transition->posts)
+        return;
+    for (auto const& [delay, formula] : *transition->posts) {
+        fireEffect(transition, formula, delay, current, next, traj, pending, now);
+        for (Atom* atom : transition->pre->getAllAtoms())
+            if (atom->getVarType() == typeCommand) {
+                pending.erase(transition->id);
+                pending.insert({transition->id, transitionCM{transition, now, atom}});
+            }
+    }
+}
+
+void Scheduler::addBridgeConditions(ElementTable const& table) {
+    for (auto const& entry : table)
+        if (entry.second->atom->bridged)
+            addBridgeCond(entry.second->atom, entry.second->isLabelled(labelTrue), runtime);
+}
+
+int Scheduler::syncPreviousState(Trajectory* traj) {
+    State const* last = traj->getLastState();
+    if (last->elts.empty() || !last->locked)
+        return 0;
+    traj->addState(traj->getCurrentTime() + 1, std::make_unique<State>());
+    traj->setTimeCorr(simTime);
+    return 1;
+}
+
+void Scheduler::addContEvents(Trajectory* traj) {
+    int const t = traj->getCurrentTime();
+    StateSite const site{traj->getState(t), traj, t};
+    SignedElements props;
+    for (auto const& [sign, atom] : contEvents) {
+        TrajEl* element = getElt(atom->getId(), site);
+        if (element == nullptr)
+            continue;
+        if (sign)
+            lockTrajElsPerm(element, site.state);
+        else
+            element->lock = LOCK_FALSE_PERM;
+        props.insert({sign, element});
+    }
+    std::unique_ptr<State> state = traj->takeState(t);
+    ItmsResults results = addPropositions(props, state, {true, traj->rank}, traj, t, false);
+    if (results.empty()) {
+        std::cerr << "Error adding continuous events: no valid state found.\n";
+        leaveProcess(1);
+    }
+    std::unique_ptr<ItmsRes> const settled = firstOf(results);
+    for (auto const& entry : settled->already_changed)
+        if (entry.second->evalTrajEl() && !entry.second->atom->getRefTransPre().empty())
+            contCommands.push_back(entry.second->atom);
+    traj->putState(t, std::move(settled->state));
+    contEvents.clear();
+}
+
+// The commands of this cycle: those of the scenario's event, if it is one of commands, and those of
+// the continuous side, which wait for a later cycle when the event is one of observations. A
+// candidate takes an event once: a copy made in the same step carries that it was taken.
+std::vector<Atom*> Scheduler::commandsAt(double when, Trajectory* traj) {
+    auto const found = scenario.find(when);
+    scenarEvent* event = found == scenario.end() ? nullptr : found->second.get();
+    if (event != nullptr)
+        event->met = true;
+    if (event != nullptr && traj->eventTime == when)
+        event = nullptr;
+    if (event == nullptr)
+        return contCommands;
+    traj->eventTime = when;
+    if (!event->isCommand)
+        return {};
+    std::vector<Atom*> commands = event->atoms;
+    commands.insert(commands.end(), contCommands.begin(), contCommands.end());
+    return commands;
+}
+
+void Scheduler::doCycle(Trajectory* traj, s_runtime* rt, double when) {
+    PendingTransitions pending;
+    simTime = when;
+    runtime = rt;
+    if (!contEvents.empty()) {
+        syncPreviousState(traj);
+        addContEvents(traj);
+    }
+    std::vector<Atom*> const commands = commandsAt(when, traj);
+    if (!commands.empty()) {
+        syncPreviousState(traj);
+        for (Atom const* command : commands)
+            std::cerr << command->getId() << "\n";
+        constructNextNominalStateLarge(traj, commands, false, pending);
+        contCommands.clear();
+    }
+    if (rt != nullptr)
+        rt->tStart = traj->getCurrentTime();
+}

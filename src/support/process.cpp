@@ -1,0 +1,84 @@
+// Exits, standard streams and memory, as Linux tells them.
+#include "support/process.h"
+
+#include <fcntl.h>
+#include <sys/resource.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <cstdlib>
+#include <fstream>
+#include <limits>
+#include <optional>
+#include <string>
+
+void leaveProcess(int status) { std::exit(status); }
+
+void keepStandardStreams() {
+    for (int descriptor = 0; descriptor <= 2; ++descriptor)
+        if (fcntl(descriptor, F_GETFD) == -1) {
+            // The lowest free descriptor is this one, since the lower ones are open by now.
+            [[maybe_unused]] int const opened = open("/dev/null", O_RDWR);
+        }
+}
+
+namespace {
+
+constexpr double unlimited = std::numeric_limits<double>::infinity();
+
+// The first number of a one-number file, such as a control group's limit; none for "max".
+std::optional<double> numberIn(std::string const& path) {
+    std::ifstream file(path);
+    double value = 0.0;
+    if (file >> value)
+        return value;
+    return std::nullopt;
+}
+
+double freeInMachine() {
+    std::ifstream file("/proc/meminfo");
+    std::string field;
+    double kilobytes = 0.0;
+    while (file >> field) {
+        if (field == "MemAvailable:" && file >> kilobytes)
+            return kilobytes * 1024.0;
+    }
+    return unlimited;
+}
+
+double leftBy(std::optional<double> limit, std::optional<double> used) {
+    return limit && used ? std::max(0.0, *limit - *used) : unlimited;
+}
+
+double leftInControlGroup() {
+    std::string const unified = "/sys/fs/cgroup/memory.";
+    std::string const legacy = "/sys/fs/cgroup/memory/memory.";
+    return std::min(
+        leftBy(numberIn(unified + "max"), numberIn(unified + "current")),
+        leftBy(numberIn(legacy + "limit_in_bytes"), numberIn(legacy + "usage_in_bytes")));
+}
+
+// Pages of /proc/self/statm by position: 0 the address space, 1 what is resident.
+double ownPages(int position) {
+    std::ifstream file("/proc/self/statm");
+    double pages = 0.0;
+    for (int i = 0; i <= position; ++i)
+        if (!(file >> pages))
+            return 0.0;
+    return pages * static_cast<double>(sysconf(_SC_PAGESIZE));
+}
+
+double leftInAddressSpace() {
+    rlimit limit{};
+    if (getrlimit(RLIMIT_AS, &limit) != 0 || limit.rlim_cur == RLIM_INFINITY)
+        return unlimited;
+    return std::max(0.0, static_cast<double>(limit.rlim_cur) - ownPages(0));
+}
+
+}  // namespace
+
+double availableMemory() {
+    return std::min({freeInMachine(), leftInControlGroup(), leftInAddressSpace()});
+}
+
+double residentMemory() { return ownPages(1); }

@@ -1,0 +1,215 @@
+// Construction, elements, locks and probabilities of states.
+#include "trajectory/Statert.h"
+
+#include <cassert>
+#include <cstring>
+#include <iostream>
+#include <set>
+
+#include "model/Comprt.h"
+#include "model/StateFormula.h"
+#include "model/StateVar.h"
+#include "model/Transitionrt.h"
+#include "model/labels.h"
+
+unsigned State::state_created = 0;
+unsigned State::state_del = 0;
+
+State::State() { ++state_created; }
+
+State::State(string_map<Atom*> const* atoms) : locked(true) {
+    ++state_created;
+    for (auto const& entry : *atoms) {
+        Atom* atom = entry.second;
+        if (atom == nullptr)
+            continue;
+        auto element = std::make_unique<TrajEl>(atom, nullptr, nullptr, atom->getLabel());
+        element->support = atom->support;
+        enter(atom->getId(), std::move(element));
+    }
+    for (auto const& entry : elts) {
+        Transition* idle = entry.second->atom->idleTrans;
+        if (idle == nullptr || !evalStateFormula(idle->pre.get(), this))
+            continue;
+        entry.second->prevTrans = idle;
+        ++prevTransCount;
+        Comp* comp = entry.second->atom->getVarComp();
+        comps[comp->getName()] = comp;
+    }
+    computePrevTransProb();
+    proba = prevTransProb;
+}
+
+State::State(State const* source, bool full)
+    : failCount(full ? source->failCount : 0.0),
+      cover(full ? source->cover : 0.0),
+      proba(full ? source->proba : 0.0),
+      prevTransProb(full ? source->prevTransProb : 0.0),
+      obsProb(full ? source->obsProb : 1.0),
+      prevTransCount(full ? source->prevTransCount : 0),
+      postProbs(source->postProbs),
+      sortedPostProbs(source->sortedPostProbs),
+      atomPostProbs(source->atomPostProbs),
+      locked(full),
+      observed(full && source->observed),
+      unknown(source->unknown),
+      observations(source->observations) {
+    ++state_created;
+    if (full)
+        comps = source->comps;
+    copyElements(*source, full);
+    checkState();
+}
+
+State::~State() {
+    ++state_del;
+    clear();
+}
+
+void State::copyElements(State const& source, bool full) {
+    for (auto const& [id, element] : source.elts) {
+        if (element == nullptr)
+            continue;
+        auto copy = std::make_unique<TrajEl>(element);
+        if (!full) {
+            copy->lock = LOCK_FREE;
+            copy->prevTrans = nullptr;
+        }
+        enter(id, std::move(copy));
+    }
+    for (auto const& [id, element] : source.elts) {
+        if (element == nullptr)
+            continue;
+        for (TrajEl const* consequence : element->consequences)
+            if (TrajEl* copied = getElt(consequence->getId()))
+                elts[id]->consequences.push_back(copied);
+    }
+}
+
+void State::enter(char const* id, std::unique_ptr<TrajEl> element) {
+    TrajEl*& place = elts[id];
+    if (place != nullptr)
+        replaced.emplace_back(place);
+    place = element.release();
+}
+
+TrajEl* State::getElt(char const* id) const {
+    auto const found = elts.find(id);
+    return found == elts.end() ? nullptr : found->second;
+}
+
+TrajEl* State::addElt(TrajEl const* element, bool const& keep) {
+    auto copy = std::make_unique<TrajEl>(element);
+    if (!keep) {
+        copy->lock = LOCK_FREE;
+        copy->prevTrans = nullptr;
+    }
+    TrajEl* borrowed = copy.get();
+    enter(borrowed->getId(), std::move(copy));
+    return borrowed;
+}
+
+void State::removeElt(char const* id) {
+    auto const found = elts.find(id);
+    if (found == elts.end())
+        return;
+    TrajEl* element = found->second;
+    elts.erase(found);
+    for (auto const& entry : elts)
+        if (entry.second != nullptr)
+            std::erase(entry.second->consequences, element);
+    delete element;
+}
+
+void State::setPrevTrans(char const* id, Transition* transition) {
+    if (TrajEl* element = getElt(id))
+        element->prevTrans = transition;
+}
+
+void State::lockStatePerm() {
+    for (auto const& entry : elts) {
+        TrajEl* element = entry.second;
+        if (element == nullptr || !element->evalTrajEl() || element->lock != LOCK_FREE)
+            continue;
+        for (Atom const* sibling : element->getStateVar()->getAtomLinks())
+            if (TrajEl* other = getElt(sibling->getId()); other != nullptr && other != element)
+                other->lock = LOCK_FALSE_PERM;
+        element->lock = LOCK_TRUE_PERM;
+    }
+    locked = true;
+}
+
+double State::getTransitionPostProb(Transition const* transition) const {
+    auto const found = postProbs.find(transition->id);
+    return found == postProbs.end() ? 0.0 : found->second;
+}
+
+bool State::evalStateFormula(StateFormula const* formula, State const* state) const {
+    bool const conjunction = formula->operat == "and" || formula->operat.empty();
+    if (!conjunction && formula->operat != "or")
+        return false;
+    bool result = conjunction;
+    for (auto const& [sign, atom] : formula->getAtoms()) {
+        TrajEl const* element = state->getElt(atom->getId());
+        bool const holds = (element != nullptr && element->evalTrajEl()) == sign;
+        result = conjunction ? result && holds : result || holds;
+    }
+    return result;
+}
+
+void State::computePrevTransProb() {
+    prevTransProb = 1.0;
+    for (auto const& entry : elts)
+        if (entry.second != nullptr && entry.second->prevTrans != nullptr)
+            prevTransProb *= entry.second->prevTrans->proba;
+}
+
+double State::computePrevTransGuard() const {
+    double product = 1.0;
+    for (auto const& entry : elts)
+        if (entry.second != nullptr && entry.second->prevTrans != nullptr)
+            product *= getTransitionPostProb(entry.second->prevTrans);
+    return product;
+}
+
+double State::computeNextTransGuard() const {
+    double product = 1.0;
+    std::set<int> counted;
+    for (auto const& entry : elts)
+        for (auto const& [id, transition] : entry.second->nextTrans)
+            if (transition != nullptr && counted.insert(id).second)
+                product *= transition->guardProba;
+    return product;
+}
+
+void State::clear() {
+    for (auto const& entry : elts)
+        delete entry.second;
+    elts.clear();
+    replaced.clear();
+}
+
+void State::checkState() const {
+#ifndef NDEBUG
+    for (auto const& [id, element] : elts) {
+        assert(element == nullptr || std::strcmp(id, element->getId()) == 0);
+        if (element != nullptr)
+            for (TrajEl const* consequence : element->consequences)
+                assert(consequence->atom != nullptr);
+    }
+#endif
+}
+
+void State::showState() const {
+    std::cout << "proba : " << proba << "\ncover : " << cover << "\n";
+    for (auto const& [id, element] : elts)
+        if (element != nullptr)
+            std::cout << id << " --" << element->getLabel() << " (" << element->propagationNumber
+                      << ")  -- " << element->lock << "\n";
+}
+
+void State::showFullState() const {
+    for (auto const& entry : elts)
+        if (entry.second != nullptr)
+            entry.second->showTrajEl(true);
+}

@@ -1,0 +1,85 @@
+// Times, probabilities and covers of a trajectory.
+#include <set>
+
+#include "model/Transitionrt.h"
+#include "trajectory/Trajectoryrt.h"
+
+void Trajectory::setTimeCorr(double time) { timeCorr.emplace_back(currentTime, time); }
+
+double Trajectory::getTimeCorr(int step) const {
+    for (auto const& [discrete, continuous] : timeCorr)
+        if (discrete == step)
+            return continuous;
+    return noTime;
+}
+
+int Trajectory::getDiscTimeCorr(double time) const {
+    for (auto const& [discrete, continuous] : timeCorr)
+        if (continuous == time)
+            return discrete;
+    return noStep;
+}
+
+std::vector<Transition*> Trajectory::getStateTransitions(int t) const {
+    std::vector<Transition*> transitions;
+    for (auto const& entry : getState(t)->elts)
+        if (entry.second != nullptr && entry.second->prevTrans != nullptr)
+            transitions.push_back(entry.second->prevTrans);
+    return transitions;
+}
+
+void Trajectory::computePrevTransSetProb(int t) { getState(t)->computePrevTransProb(); }
+
+void Trajectory::computeStateProb(int t) {
+    if (t == 0)
+        return;
+    State* state = getState(t);
+    state->computePrevTransProb();
+    if (State const* before = getState(t - 1))
+        state->proba = state->obsProb * state->prevTransProb * before->proba;
+}
+
+// Required: the walk ends below the number of states, whatever the first step.
+void Trajectory::updateStatesProb() {
+    int t = firstTime;
+    while (t <= currentTime && !getState(t)->locked)
+        ++t;
+    for (; t < static_cast<int>(states.size()); ++t)
+        if (getState(t) != nullptr)
+            computeStateProb(t);
+}
+
+void Trajectory::updateCover(State* state, Transition const* transition) {
+    double const guard = state->computePrevTransGuard();
+    state->cover += state->getTransitionPostProb(transition) * guard;
+}
+
+namespace {
+
+// Required: every id below the largest gets an entry, a null one where there is no transition, so
+// that the maps walked hold nulls afterwards.
+void fillWithNulls(TrajEl::Transitions& transitions) {
+    for (std::size_t k = 0; k < transitions.size(); ++k)
+        transitions[static_cast<int>(k)];
+}
+
+}  // namespace
+
+void Trajectory::updateCover(State* from, State* to, int t, int u, Transition const* transition) {
+    double guard = 1.0;
+    std::set<int> seen;
+    for (auto const& entry : from->elts) {
+        if (entry.second == nullptr)
+            continue;
+        fillWithNulls(entry.second->nextTrans);
+        for (auto const& next : entry.second->nextTrans) {
+            Transition const* leaving = next.second;
+            if (leaving != nullptr && seen.count(leaving->id) == 0 &&
+                getNext(leaving->modeVar, t) == u) {
+                seen.insert(leaving->id);
+                guard *= to->getTransitionPostProb(leaving);
+            }
+        }
+    }
+    to->cover += to->getTransitionPostProb(transition) * guard;
+}

@@ -1,0 +1,248 @@
+// The window of states: adding, replacing, folding and searching.
+#include "trajectory/Trajectoryrt.h"
+
+#include <cassert>
+#include <iostream>
+
+#include "model/Comprt.h"
+#include "model/Transitionrt.h"
+#include "model/labels.h"
+
+int Trajectory::twd = 5;
+unsigned Trajectory::traj_created = 0;
+unsigned Trajectory::traj_del = 0;
+
+Trajectory::Trajectory() { ++traj_created; }
+
+Trajectory::Trajectory(string_map<Atom*> const* atoms) {
+    ++traj_created;
+    states[0] = new State(atoms);
+    setTimeCorr(0.0);
+}
+
+Trajectory::Trajectory(Trajectory const* source, int upTo)
+    : currentTime(upTo - 1),
+      firstTime(source->firstTime),
+      rank(source->rank),
+      proba(source->proba),
+      stepCount(upTo - 1),
+      transByTime(source->transByTime),
+      timeCorr(source->timeCorr),
+      unknown(source->unknown),
+      eventTime(source->eventTime) {
+    ++traj_created;
+    for (auto const& [t, state] : source->states)
+        if (t < upTo && state != nullptr)
+            states[t] = new State(state, true);
+}
+
+Trajectory::~Trajectory() {
+    ++traj_del;
+    for (auto const& entry : states)
+        delete entry.second;
+}
+
+void Trajectory::advanceTo(int t) {
+    if (t != currentTime + 1)
+        return;
+    ++currentTime;
+    ++stepCount;
+}
+
+// The reduction comes before the rank here and after it in addCopyState.
+std::unique_ptr<State> Trajectory::addState(int t, std::unique_ptr<State> state) {
+    advanceTo(t);
+    std::unique_ptr<State> before = takeState(t);
+    State* added = state.release();
+    states[t] = added;
+    if (static_cast<int>(states.size()) > twd)
+        reduceTrajectory();
+    rank += getStateRank(added);
+    if (added->unknown)
+        setUnknown();
+    checkTrajectory();
+    return before;
+}
+
+void Trajectory::addCopyState(int t, State const* source, bool full) {
+    auto copy = std::make_unique<State>(source, full);
+    takeState(t);
+    rank += getStateRank(copy.get());
+    states[t] = copy.release();
+    advanceTo(t);
+    if (source->unknown)
+        setUnknown();
+    if (static_cast<int>(states.size()) > twd)
+        reduceTrajectory();
+    checkTrajectory();
+}
+
+void Trajectory::removeLastState() {
+    takeState(currentTime);
+    --currentTime;
+}
+
+std::unique_ptr<State> Trajectory::takeState(int t) {
+    std::unique_ptr<State> taken(getState(t));
+    states.erase(t);
+    return taken;
+}
+
+void Trajectory::putState(int t, std::unique_ptr<State> state) {
+    assert(getState(t) == nullptr);
+    states[t] = state.release();
+}
+
+void Trajectory::reduceTrajectory() {
+    int const oldest = currentTime - twd;
+    State* next = getState(oldest + 1);
+    for (auto const& [name, comp] : getState(oldest)->comps)
+        if (next->comps.count(name) == 0)
+            addComp(comp, next, oldest + 1, true, false);
+    next->lockStatePerm();
+    ++firstTime;
+    takeState(oldest);
+    if (!timeCorr.empty())
+        timeCorr.erase(timeCorr.begin());
+}
+
+State* Trajectory::getState(int t) const {
+    auto const found = states.find(t);
+    return found == states.end() ? nullptr : found->second;
+}
+
+State* Trajectory::getLastNonEmptyState() const {
+    for (int t = sizeStart(); t >= 0; --t)
+        if (State* state = getState(t); state != nullptr && !state->elts.empty())
+            return state;
+    return nullptr;
+}
+
+TrajEl* Trajectory::searchBack(char const* id, int start, int* found) const {
+    for (int t = start; t >= firstTime; --t) {
+        State const* state = getState(t);
+        TrajEl* element = state != nullptr ? state->getElt(id) : nullptr;
+        if (element == nullptr)
+            continue;
+        if (found != nullptr)
+            *found = t;
+        return element;
+    }
+    std::cout << "Error: atom not found... " << id << "\n";
+    return nullptr;
+}
+
+TrajEl* Trajectory::getElt(int t, char const* id) const {
+    State const* state = getState(t);
+    return state != nullptr ? state->getElt(id) : nullptr;
+}
+
+TrajEl* Trajectory::getElt(char const* id) const { return searchBack(id, sizeStart(), nullptr); }
+
+TrajEl* Trajectory::getElt(char const* id, int& found) const {
+    return searchBack(id, sizeStart(), &found);
+}
+
+TrajEl* Trajectory::getElt(char const* id, int offset) const {
+    return searchBack(id, sizeStart() + offset, nullptr);
+}
+
+TrajEl* Trajectory::getElt(char const* id, int t, int offset) const {
+    return searchBack(id, t + offset, nullptr);
+}
+
+TrajEl* Trajectory::getElt(char const* id, int t, int offset, int& found) const {
+    return searchBack(id, t + offset, &found);
+}
+
+void Trajectory::insertElt(TrajEl* element, int t, bool recurse) {
+    State* state = getState(t);
+    state->addElt(element, false);
+    // Required: the source, not the copy, takes the idle transition.
+    if (element->getVarType() == typeMode && element->evalTrajEl())
+        element->prevTrans = element->atom->idleTrans;
+    if (!recurse)
+        return;
+    for (TrajEl* consequence : element->consequences)
+        if (state->getElt(consequence->getId()) == nullptr)
+            insertElt(consequence, t, false);
+}
+
+int Trajectory::getNext(StateVar const* variable, int t) const {
+    char const* id = variable->getAtomLinks().front()->getId();
+    for (int u = t + 1; u <= currentTime; ++u)
+        if (getElt(u, id) != nullptr)
+            return u;
+    return 0;
+}
+
+namespace {
+
+// A mode that holds goes on by its idle transition, if the model has one.
+void continueIdle(TrajEl* source, TrajEl* copy) {
+    if (source->getVarType() != typeMode || !source->evalTrajEl())
+        return;
+    Transition* idle = source->atom->idleTrans;
+    copy->prevTrans = idle;
+    if (idle != nullptr)
+        source->addToNextTrans(idle);
+}
+
+// Support links inside the component carry over to the copies.
+void carryConsequences(State* state, string_map<TrajEl*> const& sources) {
+    for (auto const& [id, element] : state->elts) {
+        auto const source = sources.find(id);
+        if (element == nullptr || source == sources.end())
+            continue;
+        for (TrajEl const* consequence : source->second->consequences)
+            if (sources.count(consequence->getId()) != 0)
+                element->consequences.push_back(state->getElt(consequence->getId()));
+    }
+}
+
+}  // namespace
+
+void Trajectory::addComp(Comp* comp, State* state, int t, bool idle, bool keepLocks) {
+    std::cout << "[addComp] --> timestep : " << t << " -- " << comp->getName()
+              << (keepLocks ? " (locked)" : "") << "\n";
+    string_map<TrajEl*> found;
+    for (auto const& entry : comp->atoms) {
+        TrajEl* source = getElt(entry.first, t, -1);
+        if (source == nullptr)
+            continue;
+        found[entry.first] = source;
+        bool const keep = keepLocks && source->getVarType() == typeObservable;
+        TrajEl* copy = state->addElt(source, keep);
+        copy->prevTrans = nullptr;
+        if (idle)
+            continueIdle(source, copy);
+    }
+    carryConsequences(state, found);
+    state->comps[comp->getName()] = comp;
+    state->prevTransCount += comp->compSize;
+}
+
+void Trajectory::removeComp(Comp* comp, int t) {
+    State* state = getState(t);
+    for (auto const& entry : comp->atoms)
+        state->removeElt(entry.second->getId());
+    state->comps.erase(comp->getName());
+    state->prevTransCount -= comp->compSize;
+}
+
+double Trajectory::getStateRank(State const* state) const {
+    double rankOfState = 0.0;
+    for (auto const& entry : state->elts)
+        if (entry.second != nullptr && entry.second->prevTrans != nullptr &&
+            entry.second->prevTrans->type == transFail)
+            rankOfState += 1.0;
+    return rankOfState;
+}
+
+void Trajectory::checkTrajectory() const {
+#ifndef NDEBUG
+    assert(static_cast<int>(states.size()) <= twd);
+    for (int t = firstTime; t <= currentTime; ++t)
+        assert(getState(t) != nullptr);
+#endif
+}

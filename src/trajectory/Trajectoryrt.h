@@ -1,0 +1,125 @@
+// One candidate history of the system: a window of states by discrete step, with the transitions
+// that lead from each to the next.
+//
+// Only the newest states are kept: when the window is full, the oldest is folded into the next. A
+// state holds elements only for the components that changed at its step, so the truth of an atom is
+// searched backwards through the window. A trajectory owns its states.
+//
+// Invariants (checked by checkTrajectory in debug builds):
+//   1. the steps of `states` run from firstTime to currentTime with none missing;
+//   2. right after an addition there are at most `twd` of them;
+//   3. the first state of the window holds, or a newer one does, every component of the model.
+#pragma once
+
+#include <map>
+#include <memory>
+#include <optional>
+#include <utility>
+#include <vector>
+
+#include "support/hash_map.h"
+#include "trajectory/Statert.h"
+
+class Trajectory {
+public:
+    using States = hash_map<int, State*>;
+    using TransByTime = std::multimap<int, Transition*>;
+
+    // What the time table answers for a step or a time that it does not hold.
+    static constexpr double noTime = 9999.0;
+    static constexpr int noStep = 9999;
+
+    Trajectory();
+    explicit Trajectory(string_map<Atom*> const* atoms);
+    // A copy of the states before step *upTo*, which must be above the first step kept.
+    Trajectory(Trajectory const* source, int upTo);
+    ~Trajectory();
+    Trajectory(Trajectory const&) = delete;
+    Trajectory& operator=(Trajectory const&) = delete;
+
+    // Takes the state. Returns the state that stood at that step, if any: it is the caller's now.
+    std::unique_ptr<State> addState(int t, std::unique_ptr<State> state);
+    // Destroys the state that stood at that step.
+    void addCopyState(int t, State const* source, bool full);
+    void removeLastState();
+    // Hands a state out and leaves its place empty, to be filled again with putState before any
+    // other operation on that step: neither the rank nor the window changes.
+    std::unique_ptr<State> takeState(int t);
+    void putState(int t, std::unique_ptr<State> state);
+    // Folds the oldest state into the next.
+    void reduceTrajectory();
+
+    int getCurrentTime() const { return currentTime; }
+    // Null outside the window; enters nothing.
+    State* getState(int t) const;
+    State* getLastState() const { return getState(currentTime); }
+    // The newest state below the size of the window that has elements, or null.
+    State* getLastNonEmptyState() const;
+
+    // The element of an atom at or before a start step; null, and a line on standard output, when
+    // the search fails. The forms differ in where they start, and by whether they tell the step.
+    TrajEl* getElt(int t, char const* id) const;  // step t alone, without a search or a message
+    // Required: these start at the number of states minus 1, which is not the newest step once the
+    // window has moved.
+    TrajEl* getElt(char const* id) const;
+    TrajEl* getElt(char const* id, int& found) const;
+    TrajEl* getElt(char const* id, int offset) const;
+    TrajEl* getElt(char const* id, int t, int offset) const;
+    TrajEl* getElt(char const* id, int t, int offset, int& found) const;
+
+    // Copies an element into the state of step t, and with *recurse* its consequences.
+    void insertElt(TrajEl* element, int t, bool recurse);
+    // The first step after t whose state has an element for the variable; 0 when there is none.
+    int getNext(StateVar const* variable, int t) const;
+
+    // Extends a state of step t with the newest elements of a component from before t. With *idle* a
+    // mode that holds goes on by its idle transition; *keepLocks* matters to observables alone.
+    void addComp(Comp* comp, State* state, int t, bool idle, bool keepLocks);
+    void removeComp(Comp* comp, int t);
+    // Failures among the transitions into a state.
+    double getStateRank(State const* state) const;
+
+    // Relates the current step to a continuous time.
+    void setTimeCorr(double time);
+    double getTimeCorr(int step) const;
+    int getDiscTimeCorr(double time) const;
+
+    std::vector<Transition*> getStateTransitions(int t) const;
+    void computePrevTransSetProb(int t);
+    // Nothing for step 0. Without the state before it, only the transitions' product is renewed.
+    void computeStateProb(int t);
+    void updateStatesProb();
+    // Cover of *state* grows by what *transition* takes of it.
+    void updateCover(State* state, Transition const* transition);
+    // The same when the state before, *from* at step t, is not the one right before *to* at step u.
+    void updateCover(State* from, State* to, int t, int u, Transition const* transition);
+
+    bool isUnknown() const { return unknown; }
+    void setUnknown() { unknown = true; }
+    void checkTrajectory() const;
+
+    void showTrajectory(int t) const;
+    void showTrajectoryFull(int t) const;
+    void showTrajectoryTransitions() const;
+    void showTrajectoryLight() const;
+
+    States states;
+    int currentTime = 0;
+    int firstTime = 0;
+    double rank = 0.0;   // failures in all states added, also in those that left the window
+    double proba = 0.0;  // written by the search and the discrete run
+    int stepCount = 0;   // goes up with currentTime, but not down again
+    std::optional<TransByTime> transByTime;  // transitions by step, of a diagnosed history
+    std::vector<std::pair<int, double>> timeCorr;  // discrete step to continuous time
+    bool unknown = false;  // a state with an unknown mode was added
+    double eventTime = -1.0;  // date of the scenario event taken last; -1 for none
+
+    static int twd;  // window size in states
+    static unsigned traj_created;
+    static unsigned traj_del;
+
+private:
+    TrajEl* searchBack(char const* id, int start, int* found) const;
+    int sizeStart() const { return static_cast<int>(states.size()) - 1; }
+    void advanceTo(int t);
+};

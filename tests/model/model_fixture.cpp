@@ -1,0 +1,81 @@
+// The shared pieces of the tests of the discrete model.
+#include "model/model_fixture.h"
+
+#include <iostream>
+
+// Stands in for the printer of the continuous side; it never looks into the record.
+void printInfluence(s_Influence const* influence) {
+    model_fixture::printedInfluences.push_back(influence);
+    std::cout << "<influence>\n";
+}
+
+namespace model_fixture {
+
+std::vector<s_Influence const*> printedInfluences;
+
+std::string walk(SignedAtoms const& bag) {
+    std::string text;
+    for (auto const& [sign, atom] : bag)
+        text += (sign ? "+" : "-") + atom->value;
+    return text;
+}
+
+std::string valuesOf(std::vector<Atom*> const& atoms) {
+    std::string text;
+    for (Atom const* atom : atoms)
+        text += atom->value;
+    return text;
+}
+
+std::unique_ptr<StateFormula> formulaOf(std::vector<Literal> const& literals) {
+    auto formula = std::make_unique<StateFormula>();
+    for (auto const& [sign, atom] : literals)
+        formula->addAtom(atom, sign);
+    return formula;
+}
+
+std::unique_ptr<Transition> move(Atom* from, Atom* to, std::string const& type, double proba,
+                                 bool idle) {
+    return std::make_unique<Transition>(formulaOf({{true, from}}), formulaOf({{true, to}}), type,
+                                        proba, 0.0, idle);
+}
+
+namespace {
+
+void emptyRegistry() {
+    DataManager::active_comps.clear();
+    DataManager::active_atoms.clear();
+    DataManager::active_trans.clear();
+    DataManager::cls.clear();
+    DataManager::states_cover.clear();
+    DataManager::traj_cover = 0.0;
+    DataManager::itms_calls = 0;
+}
+
+DataManager& onlyRegistry() {
+    static auto* const registry = new DataManager;
+    return *registry;
+}
+
+}  // namespace
+
+RegistryTest::RegistryTest() : registry(onlyRegistry()) {
+    emptyRegistry();
+}
+
+RegistryTest::~RegistryTest() {
+    emptyRegistry();
+}
+
+Comp* RegistryTest::component(std::string const& name, std::vector<double> const& guardProbas) {
+    Comp* comp = registry.addComp(std::make_unique<Comp>(name));
+    std::set<std::string> const values = {"only"};
+    ModeVar* mode =
+        comp->addStateVar(std::make_unique<ModeVar>(name + ".mode", values, "only", comp));
+    Atom* only = comp->newAtom("only", mode, "only");
+    for (double const proba : guardProbas)
+        comp->addTransitionToC(move(only, only, transNominal, 0.5))->guardProba = proba;
+    return comp;
+}
+
+}  // namespace model_fixture

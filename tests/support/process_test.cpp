@@ -1,0 +1,184 @@
+// Exits, standard streams and memory of the process, each tried in a child where it would harm.
+#include "support/process.h"
+
+#include <fcntl.h>
+#include <gtest/gtest.h>
+#include <sys/resource.h>
+#include <sys/stat.h>
+#include <sys/sysinfo.h>
+#include <unistd.h>
+
+#include <cstdio>
+#include <cstring>
+#include <filesystem>
+#include <fstream>
+#include <limits>
+#include <memory>
+#include <string>
+
+namespace {
+
+using testing::ExitedWithCode;
+
+constexpr double megabyte = 1024.0 * 1024.0;
+
+TEST(LeaveProcess, EndsWithTheStatus) {
+    EXPECT_EXIT(leaveProcess(0), ExitedWithCode(0), "^$");
+    EXPECT_EXIT(leaveProcess(1), ExitedWithCode(1), "^$");
+    EXPECT_EXIT(leaveProcess(-1), ExitedWithCode(255), "^$");
+    EXPECT_EXIT(leaveProcess(255), ExitedWithCode(255), "^$");
+}
+
+std::string temporary(std::string const& name) {
+    return testing::TempDir() + name + "-" + std::to_string(getpid());
+}
+
+std::string contentOf(std::string const& path) {
+    std::ifstream file(path);
+    return {std::istreambuf_iterator<char>(file), {}};
+}
+
+TEST(LeaveProcess, WritesBufferedFiles) {
+    std::string const path = temporary("left-open");
+    EXPECT_EXIT(
+        {
+            std::FILE* file = std::fopen(path.c_str(), "w");
+            std::fputs("kept", file);
+            leaveProcess(1);
+        },
+        ExitedWithCode(1), "");
+    EXPECT_EQ(contentOf(path), "kept");
+    std::filesystem::remove(path);
+}
+
+TEST(LeaveProcess, ClosesStreamsThatLiveAsLongAsTheProgram) {
+    std::string const path = temporary("static-stream");
+    EXPECT_EXIT(
+        {
+            static std::ofstream stream(path);
+            stream << "kept";
+            leaveProcess(-1);
+        },
+        ExitedWithCode(255), "");
+    EXPECT_EQ(contentOf(path), "kept");
+    std::filesystem::remove(path);
+}
+
+bool isNullDevice(int descriptor) {
+    struct stat here = {};
+    struct stat null = {};
+    return fstat(descriptor, &here) == 0 && stat("/dev/null", &null) == 0 &&
+           S_ISCHR(here.st_mode) && here.st_rdev == null.st_rdev;
+}
+
+// In a child: closes the descriptors, opens the null device in their place, and then a file. Ends
+// with status 0 when the file got a descriptor above the standard ones and each closed one is the
+// null device, for reading and writing.
+[[noreturn]] void tryClosed(std::initializer_list<int> descriptors) {
+    for (int const descriptor : descriptors)
+        close(descriptor);
+    keepStandardStreams();
+    for (int const descriptor : descriptors) {
+        if (!isNullDevice(descriptor))
+            _exit(10 + descriptor);
+        if ((fcntl(descriptor, F_GETFL) & O_ACCMODE) != O_RDWR)
+            _exit(20 + descriptor);
+    }
+    _exit(open("/", O_RDONLY) > 2 ? 0 : 30);
+}
+
+TEST(KeepStandardStreams, OpensTheNullDeviceForClosedOnes) {
+    EXPECT_EXIT(tryClosed({1}), ExitedWithCode(0), "");
+    EXPECT_EXIT(tryClosed({0}), ExitedWithCode(0), "");
+    EXPECT_EXIT(tryClosed({2}), ExitedWithCode(0), "");
+    EXPECT_EXIT(tryClosed({0, 2}), ExitedWithCode(0), "");
+    EXPECT_EXIT(tryClosed({0, 1, 2}), ExitedWithCode(0), "");
+}
+
+// In a child: puts a file of its own in place of each standard stream, so that a replaced one
+// shows.
+[[noreturn]] void tryOpen(std::string const& path) {
+    int const file = open(path.c_str(), O_RDWR | O_CREAT, 0600);
+    for (int descriptor = 0; descriptor <= 2; ++descriptor)
+        dup2(file, descriptor);
+    int const lowestFree = dup(file);
+    close(lowestFree);
+    keepStandardStreams();
+    struct stat expected = {};
+    fstat(file, &expected);
+    for (int descriptor = 0; descriptor <= 2; ++descriptor) {
+        struct stat now = {};
+        if (fstat(descriptor, &now) != 0 || now.st_ino != expected.st_ino)
+            _exit(10 + descriptor);
+    }
+    _exit(dup(file) == lowestFree ? 0 : 30);
+}
+
+TEST(KeepStandardStreams, LeavesOpenOnesAlone) {
+    std::string const path = temporary("standard-streams");
+    EXPECT_EXIT(tryOpen(path), ExitedWithCode(0), "");
+    std::filesystem::remove(path);
+}
+
+TEST(AvailableMemory, IsPositiveAndWithinTheMachine) {
+    struct sysinfo machine = {};
+    ASSERT_EQ(sysinfo(&machine), 0);
+    EXPECT_GT(availableMemory(), 0.0);
+    EXPECT_LE(availableMemory(),
+              static_cast<double>(machine.totalram) * static_cast<double>(machine.mem_unit));
+}
+
+// Bytes of address space or of resident memory, under the given field of /proc/self/status.
+double ownBytes(std::string const& field) {
+    std::ifstream file("/proc/self/status");
+    std::string word;
+    double kilobytes = 0.0;
+    while (file >> word)
+        if (word == field && file >> kilobytes)
+            return kilobytes * 1024.0;
+    return -1.0;
+}
+
+// In a child: leaves *spare* bytes of address space and asks what is available. Ends with status 0
+// when the answer is between *atLeast* and *atMost*.
+[[noreturn]] void tryAddressSpace(double spare, double atLeast, double atMost) {
+    rlimit limit = {};
+    limit.rlim_cur = static_cast<rlim_t>(ownBytes("VmSize:") + spare);
+    limit.rlim_max = RLIM_INFINITY;
+    if (setrlimit(RLIMIT_AS, &limit) != 0)
+        _exit(10);
+    double const available = availableMemory();
+    _exit(available < atLeast ? 20 : available > atMost ? 21 : 0);
+}
+
+// Reading the answer may itself take a little of the space that is left.
+TEST(AvailableMemory, IsWhatTheAddressSpaceLimitLeaves) {
+    EXPECT_EXIT(tryAddressSpace(16 * megabyte, 12 * megabyte, 16 * megabyte), ExitedWithCode(0),
+                "");
+    EXPECT_EXIT(tryAddressSpace(8 * megabyte, 4 * megabyte, 8 * megabyte), ExitedWithCode(0), "");
+}
+
+// A limit below what is taken already leaves nothing, and never a negative number.
+TEST(AvailableMemory, IsZeroBeyondTheLimit) {
+    EXPECT_EXIT(tryAddressSpace(-4096.0, 0.0, 0.0), ExitedWithCode(0), "");
+}
+
+TEST(ResidentMemory, IsWhatTheSystemTells) {
+    double const told = ownBytes("VmRSS:");
+    EXPECT_GT(residentMemory(), 0.0);
+    // The kernel gathers its counters lazily, so the two files differ by some pages.
+    EXPECT_NEAR(residentMemory(), told, 4 * megabyte);
+}
+
+TEST(ResidentMemory, GrowsWithWhatIsTouched) {
+    double const before = residentMemory();
+    std::size_t const size = 64u * 1024u * 1024u;
+    auto const block = std::make_unique<char volatile[]>(size);
+    for (std::size_t i = 0; i < size; i += 1024)
+        block[i] = 1;
+    double const grown = residentMemory() - before;
+    EXPECT_GT(grown, 56 * megabyte);
+    EXPECT_LT(grown, 128 * megabyte);
+}
+
+}  // namespace
