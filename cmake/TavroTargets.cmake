@@ -3,7 +3,8 @@
 #   tavro_library(DEPENDS ...)    the library of the current folder of src/
 #   tavro_model()                 the library of a compiled model, a folder of src/generated/
 #   tavro_executive(name model)   a console executable around one compiled model
-#   tavro_tests(DEPENDS ...)      the test executable of the current folder of tests/
+#   tavro_tests(LINK ...)         the test executable of the current folder of tests/
+#   tavro_benchmarks()            the benchmark executable of the current folder of bench/
 #
 # An include path is only as wide as the declared dependencies: each library exposes one private
 # directory that holds a single link, named after its folder, to its sources. So
@@ -70,7 +71,18 @@ function(tavro_tests)
   target_include_directories(tests_${folder} PRIVATE ${CMAKE_SOURCE_DIR}/tests)
   tavro_link_engine(tests_${folder} ${ARG_LINK})
   target_link_libraries(tests_${folder} PRIVATE GTest::gtest_main)
+  target_precompile_headers(tests_${folder} PRIVATE <gtest/gtest.h>)
   set_target_properties(tests_${folder} PROPERTIES RUNTIME_OUTPUT_DIRECTORY ${CMAKE_BINARY_DIR}/tests)
   gtest_discover_tests(tests_${folder} TEST_PREFIX "${folder}." DISCOVERY_TIMEOUT 60
                        WORKING_DIRECTORY ${CMAKE_CURRENT_BINARY_DIR})
+endfunction()
+
+function(tavro_benchmarks)
+  tavro_folder_name(folder)
+  file(GLOB sources CONFIGURE_DEPENDS ${CMAKE_CURRENT_SOURCE_DIR}/*_bench.cpp)
+  add_executable(bench_${folder} ${sources})
+  target_include_directories(bench_${folder} PRIVATE ${CMAKE_SOURCE_DIR}/bench)
+  tavro_link_engine(bench_${folder} tavro_therm ${TAVRO_ENGINE})
+  target_link_libraries(bench_${folder} PRIVATE benchmark::benchmark_main)
+  set_target_properties(bench_${folder} PROPERTIES RUNTIME_OUTPUT_DIRECTORY ${CMAKE_BINARY_DIR}/bench)
 endfunction()
