@@ -11,8 +11,10 @@
 # Parameters, each given as -v name=value:
 #   steps       number of the last step; the file has one line more (default 240)
 #   seed        1 .. 2147483646, picks the day's disturbances (default 1)
+#   sun         mean of the uncertain term of the rate, 0.05 .. 0.25 (default 0.15)
 #   fault       none, stuck_off, stuck_on, window_open, sensor_bias, sensor_dead, sensor_noise
-#   fault_step  first step at which the fault can strike (default 50); sensor_noise is there from 0
+#   fault_step  first step at which the fault can strike (default 50); a thermostat with 0 can stick
+#               before the first rate; sensor_noise is there from 0
 #   bias        what sensor_bias adds to the measured rate (default 0.5)
 #   noise       sensor_noise adds at most this much, either way, to the measured rate (default 0.02)
 #   open_at, close_at   steps of the window commands, -1 for never (default -1)
@@ -22,7 +24,8 @@
 # Invariants. The same parameters give the same bytes under every awk: the noise comes from a
 # generator in exact integers held in doubles, since rand() differs from one awk to the next. Every
 # step takes exactly one number from the stream "room" whatever the fault, and the sensor has a
-# stream of its own, so a day with a fault is the healthy day of the same seed until the fault acts.
+# stream of its own, so a day with a fault is the healthy day of the same seed and sun until the fault
+# acts.
 # Run it with LC_ALL=C: an awk that follows the locale could write a decimal comma.
 
 BEGIN {
@@ -43,10 +46,11 @@ function start_day() {
   HEATER = 20; OUTSIDE = 4
   LOW = 10; HIGH = 17
   CLOSED = 0.05; OPEN = 0.0002   # exchange coefficients, per step
-  GAIN = 0.15; WOBBLE = 0.05     # uncertain term: the mean, and the most it departs from it
+  WOBBLE = 0.05                  # the most that the uncertain term departs from its mean, sun
 
   x = 4
-  thermostat = "on"              # at 4 the room is below LOW: the heater is on from the start
+  thermostat = "off"
+  switch_thermostat(0)           # at 4 the room is below LOW: it decides before the first rate
   window = "closed"
   start_stream("room", seed)
   # Any other start would do; the product stays below 2^47, exact in a double.
@@ -60,7 +64,7 @@ function advance(k,   before) {
   before = x
   if (k > 0)
     x = x + rate
-  rate = exchange() * (drive() - before) + GAIN + WOBBLE * draw("room")
+  rate = exchange() * (drive() - before) + sun + WOBBLE * draw("room")
 }
 
 function exchange() {
@@ -128,6 +132,10 @@ function read_parameters() {
   fault_step = whole("fault_step", fault_step, 50, 0, 1000000)
   open_at = whole("open_at", open_at, -1, -1, 1000000)
   close_at = whole("close_at", close_at, -1, -1, 1000000)
+  # The model takes the uncertain term to lie within 0 .. 0.3, so the wobble has to fit in there.
+  sun = decimal("sun", sun, 0.15)
+  if (sun < 0.05 || sun > 0.25)
+    refuse("sun", sun)
   bias = decimal("bias", bias, 0.5)
   noise = decimal("noise", noise, 0.02)
   fault = fault == "" ? "none" : fault

@@ -71,6 +71,16 @@ int prepareSc() {
 
 namespace {
 
+// Says why a value was not read.
+void reportUnread(std::FILE* stream, int result, std::string const& path, int column,
+                  double kept) {
+    if (result != EOF)
+        std::fprintf(stderr, "%s: value %d of time %g is not a number, %g stays\n", path.c_str(),
+                     column + 1, simTime, kept);
+    else if (std::ferror(stream) != 0)
+        std::fprintf(stderr, "Can't read file %s\n", path.c_str());
+}
+
 // Reads one value. What is no number leaves the value as it was, and so does the end of the file,
 // about which nothing is said: the last line then stands for every later one.
 bool readValue(std::FILE* stream, std::string const& path, int column, double* value) {
@@ -80,9 +90,7 @@ bool readValue(std::FILE* stream, std::string const& path, int column, double* v
         *value = read;
         return true;
     }
-    if (result != EOF)
-        std::fprintf(stderr, "%s: value %d of time %g is not a number, %g stays\n", path.c_str(),
-                     column + 1, simTime, *value);
+    reportUnread(stream, result, path, column, *value);
     return result == 1;
 }
 

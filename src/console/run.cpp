@@ -10,6 +10,7 @@
 #include "console/parameters.h"
 #include "continuous/sorn-runt.h"
 #include "hybrid/tavro-runt.h"
+#include "reasoning/Scheduler.h"
 #include "support/numbers.h"
 
 double simTime = 0.0;
@@ -110,8 +111,15 @@ int snInit(char const* arg) {
 }
 
 int snDisc(char const*) {
-    std::fprintf(stderr, "The command disc is not built yet.\n");
-    return 0;
+    if (!disc_init) {
+        std::fprintf(stderr, "Should init first !\n");
+        return 1;
+    }
+    std::cout << "inputFile: " << inputFile << "\n";
+    sMM->runSchD(inputFile);
+    disc_init = false;
+    clearMultiTrajs();
+    return 1;
 }
 
 int snPrint(char const*) {

@@ -1,6 +1,7 @@
 // Start-up: the model, the command line, and what the program says of them.
 #include <cstdlib>
 #include <cstring>
+#include <fstream>
 #include <iostream>
 
 #include "console/console.h"
@@ -149,6 +150,9 @@ void buildModel() {
     startinit(sMM);
     std::cout << "model successfully loaded.\n";
     sMM->rtInit();
+    // Without a file of prime implicates nothing is said.
+    if (std::ifstream(model_name + ".pi"))
+        sMM->readPI();
     if (tavro_rt != nullptr)
         localInit(tavro_rt, sMM);
     else

@@ -86,8 +86,6 @@ void sn_setInf(s_Objet* o, double inf) {
 }
 
 void sn_setSup(s_Objet* o, double sup) {
-    if (isReal(*o))
-        o->real = sup;
-    else if (isRange(*o))
+    if (isRange(*o))
         o->rng.sup = sup;
 }

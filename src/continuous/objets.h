@@ -112,8 +112,8 @@ void sn_putObjet(s_Objet const* source, s_Objet* destination);
 double sn_infOf(s_Objet const& o);
 double sn_supOf(s_Objet const& o);
 
-// Set one bound of an interval, without a look at the other one or at the flags. On a number either
-// of them sets the number. Anything else stays.
+// Set one bound of an interval, without a look at the other one or at the flags. A number takes the
+// place of a lower bound: setting inf sets it, setting sup leaves it. Anything else stays.
 void sn_setInf(s_Objet* o, double inf);
 void sn_setSup(s_Objet* o, double sup);
 

@@ -38,7 +38,8 @@ constexpr double HIGH_SIDE = 1.0;
 // a search dimension of width 0. Anything else leaves them.
 void meanCoef(s_Objet const* o, double* start, double* lower, double* upper, int i);
 
-// The response time at 2 and the gain at 3; the arrays have 4 entries.
+// The parameters of a first-order form: the response time at 2, the gain at 3. No search uses them
+// so far, as there is no cost of the first order.
 void mean1stOrderCoefs(s_Influence const* influence, double* start, double* lower, double* upper);
 
 // The entries that are parameters of the rational form. 0, with nothing written, when the influence

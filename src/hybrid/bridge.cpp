@@ -26,6 +26,10 @@ void addBridgeEvent(s_Condition* c, Atom* atom, bool sign, s_runtime* rt) {
 }
 
 void removeBridgeEvent(s_Condition* c, Atom const* atom, s_runtime* rt) {
+    if (atom == nullptr) {
+        c->val = 0;
+        return;
+    }
     auto const found =
         std::find_if(rt->bridgeEvents.begin(), rt->bridgeEvents.end(),
                      [atom](auto const& event) { return event.second == atom; });

@@ -3,9 +3,17 @@
 
 #include "continuous/sorn-runt.h"
 
+namespace {
+
+std::unique_ptr<s_runtime> copyOrNull(s_runtime const* runtime) {
+    return runtime != nullptr ? sn_copyRuntime(runtime) : nullptr;
+}
+
+}  // namespace
+
 hybTrajectory::hybTrajectory(hybTrajectory const* source, int upTo)
     : traj(std::make_unique<Trajectory>(source->traj.get(), upTo)),
-      rt(sn_copyRuntime(source->rt.get())) {}
+      rt(copyOrNull(source->rt.get())) {}
 
 hybTrajectory::hybTrajectory(Trajectory const* history, std::unique_ptr<s_runtime> runtime)
     : traj(std::make_unique<Trajectory>(history, history->getCurrentTime() + 1)),
@@ -13,4 +21,4 @@ hybTrajectory::hybTrajectory(Trajectory const* history, std::unique_ptr<s_runtim
 
 hybTrajectory::hybTrajectory(string_map<Atom*> const* atoms, s_runtime const* runtime)
     : traj(std::make_unique<Trajectory>(atoms)),
-      rt(runtime != nullptr ? sn_copyRuntime(runtime) : nullptr) {}
+      rt(copyOrNull(runtime)) {}

@@ -1,5 +1,5 @@
 // Misbehaviour of a candidate, and merging of candidates that have become the same.
-#include <algorithm>
+#include <cmath>
 
 #include "continuous/sorn-runt.h"
 #include "hybrid/tavro-runt.h"
@@ -51,7 +51,7 @@ void mergeRuntimes(s_runtime* a, s_runtime const* b, double time) {
     sn_yieldDisplays(a);
     // Required: the time counts rows, without a division by the period.
     double const values = 2.0 * time * static_cast<double>(a->display.size());
-    a->extra.coverPairs(b->extra, truncateToInt(values));
+    a->extra.coverPairs(b->extra, truncateToInt(std::ceil(values)));
 }
 
 void sn_reduxTrajs(HybMap& trajectories, double time) {

@@ -1,4 +1,6 @@
 // From the runtimes of a split to candidates.
+#include <cassert>
+
 #include "continuous/sorn-runt.h"
 #include "hybrid/tavro-runt.h"
 
@@ -19,6 +21,7 @@ void createNewTrajs(Trajectory const* history, HybMap& out) {
 }
 
 void splitRuntime(std::unique_ptr<hybTrajectory> candidate, HybMap& out, int multi, int mode) {
+    assert(nrt.empty());
     sn_splitValiditySpc(candidate->rt.get());
     if (mode > RUN_RESET || multi == 1) {
         candidate->rt.release();  // it is in nrt, with its copies

@@ -1,11 +1,51 @@
-// The search for candidate histories. This release holds its locks: what a search, an observation or
-// a command fixes in a state, so that conflict resolution leaves it alone.
+// The search for candidate histories.
+//
+// A candidate is a Trajectory; a conflict is a transition recorded in it that no longer fits the
+// labels of the states around it. The search goes backwards through the steps of a history: a step
+// without a conflict moves on, a step with conflicts is replaced by the successors in which another
+// transition explains them. The rank, the number of "Fail" transitions of a history, is raised by one
+// at a time, so that the simplest explanations come first.
+//
+// Whoever passes a trajectory by unique_ptr gives it away. Trace lines go to the error stream.
 #pragma once
+
+#include <set>
 
 #include "reasoning/itmsrt.h"
 
+// One conflict on one element. Borrows the element.
+struct disConflict {
+    disConflict() = default;
+    // On the effect of a transition.
+    disConflict(TrajEl* element, int position) : disConflict(element, position, true) {}
+    // On the guard of a transition; the mark is the literal's sign.
+    disConflict(TrajEl* element, int position, bool repairable)
+        : position(position), element(element), repairable(repairable) {}
+
+    int position = 0;  // nearest step, at or before the one looked at, that holds the element
+    TrajEl* element = nullptr;
+    bool repairable = false;
+};
+
+// By atom id: of two conflicts on one id, the later one stands.
+using ConflictSet = string_map<disConflict>;
+
+// A transition chosen for expansion.
+struct likelyTransition {
+    Atom* conflictAtom;      // of the element in conflict
+    Atom* currentAtom;       // of the sibling through which the transition was found
+    double posterior;        // its weight in the state at the current step
+    Transition* transition;
+    int startStep;           // the conflict's position
+};
+
+// Observed atoms; the key true means observed true.
+using Observations = SignedAtoms;
+
 class Diagnoser : public itms {
 public:
+    // ---- Locks (diagnoser/locks.cpp) ----
+
     // Temporary: a free element is held at true and its siblings at false.
     static void lockTrajEls(TrajEl* element, State* state);
     // Permanent, the same.
@@ -17,4 +57,56 @@ public:
     static void unlockState(State* state);
     // Releases those of a whole trajectory, and forgets its failures.
     static void unlockTrajectory(Trajectory* trajectory);
+
+    // ---- Conflicts and successors (diagnoser/conflicts.cpp, successors.cpp, construct.cpp) ----
+
+    // The transitions into step t whose effect (*post*) or whose guard no longer holds.
+    static ConflictSet getConflicts(Trajectory* trajectory, int t, bool post);
+    static void viewHashMapConflicts(ConflictSet const& conflicts);
+    // Adds to *finals*, by the probability of their last state, the histories without a conflict
+    // that explain *conflicts* within *rank*. Consumes the trajectory.
+    void immediateSuccessors(ConflictSet const& conflicts, std::unique_ptr<Trajectory> trajectory,
+                             int t, double rank, TrajectoryMap& finals, bool post);
+    // Adds to *successors*, by rank, the copies of the history in which the transition was taken.
+    void constructSuccessors(likelyTransition const& candidate, Trajectory* trajectory, int t,
+                             TrajectoryMap& successors, double rank);
+    // Whether a failure that no command triggers has been expanded already in this search.
+    static bool checkForDeadEnd(Transition const* transition);
+    static void addResult(std::unique_ptr<Trajectory> trajectory, TrajectoryMap& results,
+                          double& sum);
+
+    // ---- Observations and covering (diagnoser/observations.cpp, covering.cpp) ----
+
+    // The consistent outcomes of inserting observations at step t, by obsProb. The trajectory stays.
+    TrajectoryMap observationResults(Observations const& observations, Trajectory* trajectory, int t,
+                                     double rank, bool observing);
+    // The histories of least rank, from *fromRank* to *toRank*, that explain the observations at the
+    // trajectory's current time, by probability. Consumes the trajectory. *reached* answers the rank
+    // that the search came to.
+    TrajectoryMap coverTrack3(std::unique_ptr<Trajectory> trajectory, double fromRank,
+                              double toRank, Observations const& observations, double& reached);
+
+    // Failures without a command that have been expanded in this search; compared by identity.
+    static std::set<Transition const*> redux_diag;
+
+private:
+    struct Selection;
+    void selectTransitions(Selection& selection, ConflictSet const& conflicts);
+    bool tryConflict(Selection& selection, disConflict const& conflict);
+    char const* refusal(Selection const& selection, disConflict const& conflict,
+                        TrajEl const* through, Transition const* transition);
+    char const* guardRefusal(Selection const& selection, disConflict const& conflict,
+                             Transition const* transition);
+    bool tryTransition(Selection& selection, disConflict const& conflict, TrajEl const* through,
+                       Transition* transition);
+    void recurse(std::unique_ptr<Trajectory> successor, Selection const& selection,
+                 TrajectoryMap& finals);
+    ItmsResults settleGuard(likelyTransition const& candidate, Trajectory* trajectory,
+                            std::unique_ptr<State> state, double rank);
+    ItmsResults settleEffect(likelyTransition const& candidate, Trajectory* trajectory, int t,
+                             std::unique_ptr<State> state, double rank);
+
+    struct Round;
+    bool exploreRound(Round& round, TrajectoryMap& results);
+    bool stepBack(Round& round, std::unique_ptr<Trajectory>& current, TrajectoryMap& results);
 };

@@ -37,7 +37,8 @@ public:
     ~Scheduler();
 
     int initSchD();
-    // Back to the start: time 0, no events, no tracked trajectories.
+    // Back to the start: time 0, no events of a scenario or of the continuous side, no tracked
+    // trajectories.
     void raz();
 
     // ---- Scenarios (scheduler/scenarios.cpp) ----
@@ -58,6 +59,12 @@ public:
     // Tells on the error stream which events no step of a hybrid run has met.
     void reportUnmetEvents() const;
 
+    // ---- The discrete run (scheduler/run.cpp) ----
+
+    // Runs the undated scenario of *path* over the tracked trajectories; returns 1.
+    int runSchD(std::string const& path);
+    void run2();
+
     // ---- Steps (scheduler/steps.cpp) ----
 
     // The discrete half of a hybrid step.
@@ -65,7 +72,8 @@ public:
     // Builds the next nominal state of a trajectory under *commands*, if any transition fires.
     void constructNextNominalStateLarge(Trajectory* traj, std::vector<Atom*> commands,
                                         bool keepUnlocked, PendingTransitions& pending);
-    // Fires a transition from *current* into *next*. Consumes and replaces *next*.
+    // Fires a transition from *current* into *next*, which is replaced. An effect that no state can
+    // hold is told, and then nothing has fired: *next* is as it was.
     void triggerTransition(Transition* transition, State* current, std::unique_ptr<State>& next,
                            Trajectory* traj, PendingTransitions& pending, int time);
     void addBridgeConditions(ElementTable const& table);
@@ -84,6 +92,16 @@ public:
     static double simTime;  // continuous time of the running cycle
 
 private:
+    struct ElapsedTime;
+    void lockFirstStates();
+    void announceStep(scenarEvent const& event) const;
+    void commandStep(scenarEvent const& event, PendingTransitions& pending);
+    bool observationStep(scenarEvent const& event);
+    TrajectoryMap explainedBy(Observations const& observations, ElapsedTime const& elapsed,
+                              double& sum);
+    void keepSurvivors(TrajectoryMap survivors, double sum);
+    void normalizeAfterCommand(double sum);
+
     struct NominalStep;
     void assertPendingCommands(NominalStep& step);
     bool settleCommands(NominalStep& step);
@@ -98,6 +116,8 @@ private:
     bool fireEffect(Transition* transition, StateFormula const* formula, int delay, State* current,
                     std::unique_ptr<State>& next, Trajectory* traj,
                     PendingTransitions const& pending, int time);
+    bool fireDelayedEffects(Transition* transition, State* current, std::unique_ptr<State>& next,
+                            Trajectory* traj, PendingTransitions& pending, int time);
     void linkGuard(Transition* transition, State* current, Trajectory* traj, int time);
     std::vector<Atom*> commandsAt(double time, Trajectory* traj);
 

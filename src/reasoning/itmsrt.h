@@ -82,9 +82,21 @@ public:
 
     // ---- Tables (tables.cpp) ----
 
+    // Membership by identity; of texts, by content.
+    using DataManager::inVector;
+    static bool inVector(TrajEl const* element, std::vector<TrajEl*> const* elements);
+    static bool inVector(Transition const* transition,
+                         std::vector<Transition*> const* transitions);
+    static bool inVector(char const* text, std::vector<char const*> const* texts);
+    static bool inVectorStateVar(StateVar const* variable,
+                                 std::vector<StateVar*> const* variables);
+    static bool inVectorClause(Clause const* clause, std::vector<Clause*> const* clauses);
+    // Ignores the key.
     static bool inMultimap(Atom const* atom, SignedAtoms const& atoms);
     // The same keys, with the elements of *state*.
     static ElementTable copyState(ElementTable const& table, State const* state);
+    // The variables of the elements, by name.
+    static string_map<StateVar*> getStateVars(std::vector<TrajEl*> const* elements);
 
     // ---- Labels and supports (labels.cpp) ----
 

@@ -18,6 +18,7 @@ class Dynamic : public testing::Test {
 protected:
     Dynamic() {
         y = plant.add("y", obj("8"));
+        y->new_ = obj("1000");
         y->histo.set(0, obj("3"));
         y->histo.set(1, obj("100"));
         u = plant.add("u", obj("0"));

@@ -135,12 +135,12 @@ TEST(ObjetsBounds, SettingOneLeavesTheRestOfAnInterval) {
     EXPECT_EQ(text(o), "[5, 9[");
 }
 
-TEST(ObjetsBounds, SettingEitherSetsANumber) {
+TEST(ObjetsBounds, OnlyTheLowerOneSetsANumber) {
     s_Objet o = obj("7");
     sn_setInf(&o, 5);
     EXPECT_EQ(text(o), "5");
     sn_setSup(&o, 9);
-    EXPECT_EQ(text(o), "9");
+    EXPECT_EQ(text(o), "5");
 }
 
 TEST(ObjetsBounds, SettingLeavesOtherKinds) {

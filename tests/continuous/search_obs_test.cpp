@@ -71,6 +71,14 @@ TEST_F(SearchStatic, AResultWithoutTheMeasureIsDropped) {
     expectNear(a->new_, 2, 2);
 }
 
+TEST_F(SearchStatic, AResultThatTouchesTheMeasureIsTaken) {
+    plant.measure(v, 3);
+    a->new_ = obj("1");
+    b->new_ = obj("2");
+    call();
+    EXPECT_EQ(text(result), "3");
+}
+
 TEST_F(SearchStatic, TheMeasureOfTheEffectIsTaken) {
     plant.measure(a, 77);
     plant.measure(v, 3);
@@ -163,14 +171,20 @@ TEST_F(SearchStatic, TheDelayTellsWhichValueIsNarrowed) {
     }
 }
 
-// The value of the oldest entry stands for those behind the history; it is not narrowed.
-TEST_F(SearchStatic, ADelayBehindTheHistoryNarrowsNothing) {
+// The oldest of the four entries stands for those behind the history; it is not narrowed. Nor is
+// there a place for a delay below that of this very cycle, which loads nothing.
+TEST_F(SearchStatic, ADelayOutsideTheHistoryNarrowsNothing) {
     plant.measure(v, 3);
-    fromA->delayMin = fromA->delayMax = 9;
-    call();
-    for (int i = 0; i < a->histo.size(); ++i)
-        EXPECT_EQ(text(a->histo[i]), "[0, 2]");
-    expectNear(b->new_, 1, 5.0 / 3);
+    for (int delay : {6, 9, -1}) {
+        fromA->delayMin = fromA->delayMax = delay;
+        b->new_ = *TMP2 = closed(0, 2);
+        call();
+        for (int i = 0; i < a->histo.size(); ++i)
+            EXPECT_EQ(text(a->histo[i]), "[0, 2]");
+        EXPECT_EQ(text(a->old), "[0, 2]");
+        EXPECT_EQ(text(a->new_), "[0, 2]");
+        EXPECT_NE(text(b->new_), "[0, 2]");
+    }
 }
 
 TEST_F(SearchStatic, OtherCandidatesKeepTheirHistory) {

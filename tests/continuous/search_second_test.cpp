@@ -1,10 +1,9 @@
 // The bounds of a second-order effect by search.
 
 #include <gtest/gtest.h>
-#include <unistd.h>
 
 #include <algorithm>
-#include <cstdio>
+#include <cstdlib>
 #include <filesystem>
 #include <fstream>
 
@@ -126,8 +125,8 @@ TEST_F(SearchSecond, WithoutAHistoryTheRecursionNarrowsTheValueAlone) {
 class EmptyDirectory {
 public:
     EmptyDirectory() : before(std::filesystem::current_path()) {
-        char name[] = "/tmp/search_testXXXXXX";
-        directory = mkdtemp(name);
+        std::string name = testing::TempDir() + "search_testXXXXXX";
+        directory = mkdtemp(name.data());
         std::filesystem::current_path(directory);
     }
     ~EmptyDirectory() {

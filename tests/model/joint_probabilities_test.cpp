@@ -43,13 +43,14 @@ TEST_F(JointProbabilities, OfOneComponentAreItsOwn) {
     EXPECT_EQ(check(), report("3", "0.25 0.5 0.5 test of transitions probabilities : 1.25\n"));
 }
 
-// R: 0.5 0.5; S (83): half of both, twice; T: half of all four, twice.
+// R: 0.5 0.5; S (83): 0.25 of both, 0.25 of both, 0.5 of both; T: half of all six, twice.
 TEST_F(JointProbabilities, OfThreeComponents) {
     component("R", {0.5, 0.5});
-    component("S", {0.5, 0.5});
+    component("S", {0.25, 0.25, 0.5});
     component("T", {0.5, 0.5});
-    EXPECT_EQ(check(), report("8",
-                              "0.125 0.125 0.125 0.125 0.125 0.125 0.125 0.125 "
+    EXPECT_EQ(check(), report("12",
+                              "0.0625 0.0625 0.0625 0.0625 0.125 0.125 "
+                              "0.0625 0.0625 0.0625 0.0625 0.125 0.125 "
                               "test of transitions probabilities : 1\n"));
 }
 

@@ -33,6 +33,13 @@ TEST_F(RegistryTest, InitStartsTheCoverOfStepZero) {
     EXPECT_EQ(DataManager::states_cover.size(), 1u);
 }
 
+TEST_F(RegistryTest, ConstructionStartsTheCoverOfStepZero) {
+    DataManager::states_cover[0] = 0.5;
+    static auto const* const kept = new DataManager;
+    ASSERT_NE(kept, nullptr);
+    EXPECT_EQ(DataManager::states_cover[0], 0.0);
+}
+
 TEST_F(RegistryTest, FindsComponentsByTheTextOfTheirName) {
     Comp* room = component("room", {});
     std::string const name = "room";

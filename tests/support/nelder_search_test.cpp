@@ -224,13 +224,12 @@ TEST_F(NelderSearch, AtTheLimitXHoldsTheBestPointFound) {
     EXPECT_LT(best, bowl({0.0, 0.0}));
 }
 
-// The first point cannot be beaten, and it is listed last among points of equal cost when order is
-// lost: an unsorted end would give another point.
+// The point that the last iteration found stands in the worst place until the simplex is sorted.
 TEST_F(NelderSearch, TheSimplexIsSortedBeforeTheResultIsTaken) {
     writeOptions({{32, "2"}, {33, "0.1"}, {41, "0"}, {44, "0"}});
     startAt(2, 4.0, 0.0, 10.0);
     EXPECT_EQ(search([](Point const& z) { return z[0] + 3 * z[1]; }), -1);
-    EXPECT_EQ(x, (Point{5.5, 2.0}));  // the expanded point, which stood in the worst place
+    EXPECT_EQ(x, (Point{5.5, 2.0}));  // the expanded point
 }
 
 TEST_F(NelderSearch, ACostErrorAtTheFirstPointLeavesX) {
@@ -270,7 +269,6 @@ TEST_F(NelderSearch, ADimensionBelowOneIsAnErrorThatEvaluatesNothing) {
 }
 
 TEST_F(NelderSearch, CostsThatAreNotNumbersRunIntoTheLimit) {
-    writeOptions({{44, "50"}});
     for (int stop = 1; stop <= 2; ++stop) {
         writeOptions({{41, std::to_string(stop)}, {44, "50"}});
         startAt(2, 4.0, 0.0, 10.0);
@@ -313,7 +311,9 @@ TEST_F(NelderSearch, AnEmptyOrInvertedBoxEnds) {
     EXPECT_EQ(x, (Point{4.0, 4.0}));
     writeOptions({{44, "50"}});
     startAt(2, 4.0, 10.0, 0.0);
-    EXPECT_NE(search(bowl), 0);
+    visited.clear();
+    search(bowl);
+    EXPECT_LE(visited.size(), 100u + 4u);
 }
 
 // A limit that would not fit the counter is cut, and the search ends by its own rule.

@@ -27,14 +27,14 @@ namespace {
 
 // The search vector of one search, allocated once for it.
 struct SearchBox {
-    // *dimension* entries are searched; *size* are there.
-    SearchBox(int dimension, int size) : n(dimension), start(size), lower(size), upper(size) {}
+    explicit SearchBox(std::size_t size)
+        : n(static_cast<int>(size)), start(size), lower(size), upper(size) {}
 
     void fill(int i, s_Objet const& value) {
         meanCoef(&value, start.data(), lower.data(), upper.data(), i);
     }
 
-    int n;
+    int n;  // entries that are searched; the arrays may have room for more
     std::vector<double> start, lower, upper;
 };
 
@@ -108,7 +108,7 @@ void setNelderResult(s_Objet* o, double a, double b) {
 }
 
 void call_nelder_second(s_Influence* influence, s_runtime* rt, s_Objet* prev1, s_Objet* prev2) {
-    SearchBox box(SECOND_ORDER_DIMENSION, SECOND_ORDER_DIMENSION);
+    SearchBox box(SECOND_ORDER_DIMENSION);
     if (!fillSecondOrder(influence, rt, *prev1, *prev2, box))
         return;
     Parameters p = {rt->Ts, LOW_SIDE, 0.0};
@@ -130,42 +130,46 @@ namespace {
 
 // One search for the causes of an observed effect.
 struct ObsSearch {
-    SearchBox box{0, 0};
+    SearchBox box{0};
     Nelder_cost cost = nullptr;
     s_Influence* last = nullptr;  // the influence looked at last
     // The entries of the vector that are results: every *step*-th from *first*, below *end*.
     int first = 0, step = 1, end = 0;
 };
 
-// The vector grows with the influences that are found active.
-// Required: they are counted by a pass of their own before they are loaded, so that every condition
-// is pushed twice; the histories of conditions show how often they were evaluated.
-bool setUpStatic(s_CGraph const& graph, s_runtime* rt, ObsSearch& search) {
+int countActive(s_CGraph const& graph, s_runtime* rt) {
     int active = 0;
     for (s_Influence* influence : graph.causes)
         active += sn_isActive(influence, rt) ? 1 : 0;
-    if (active == 0)
+    return active;
+}
+
+// Required: the active influences are counted by a pass of their own before they are loaded, so
+// that every condition is pushed twice; the histories of conditions show how often they were
+// evaluated.
+bool setUpStatic(s_CGraph const& graph, s_runtime* rt, ObsSearch& search) {
+    if (countActive(graph, rt) == 0)
         return false;
-    SearchBox box(0, 2 * static_cast<int>(graph.causes.size()));
+    search.box = SearchBox(2 * graph.causes.size());
+    search.box.n = 0;
     for (s_Influence* influence : graph.causes) {
         search.last = influence;
         if (!sn_isActive(influence, rt))
             continue;
         sn_loadCauseValue(rt, influence);
-        box.fill(box.n++, *TMP2);
-        box.fill(box.n++, influence->b1);
+        search.box.fill(search.box.n++, *TMP2);
+        search.box.fill(search.box.n++, influence->b1);
     }
     search.cost = opti_static_obs_ptr;
     search.step = 2;
-    search.end = box.n;
-    search.box = std::move(box);
+    search.end = search.box.n;
     return true;
 }
 
 bool setUpSecondOrder(s_CGraph const& graph, s_runtime* rt, s_Objet const& prev1,
                       s_Objet const& prev2, ObsSearch& search) {
     search.last = graph.causes.front();
-    search.box = SearchBox(SECOND_ORDER_DIMENSION, SECOND_ORDER_DIMENSION);
+    search.box = SearchBox(SECOND_ORDER_DIMENSION);
     search.cost = opti_second_order_obs_ptr;
     search.first = AT_Y1;
     search.end = AT_GAIN;
@@ -173,22 +177,19 @@ bool setUpSecondOrder(s_CGraph const& graph, s_runtime* rt, s_Objet const& prev1
            fillSecondOrder(search.last, rt, prev1, prev2, search.box);
 }
 
-// The vector of opti_integral_obs. The first-order entries go in before it, and the response time
-// gives way to the gain.
+// The vector of opti_integral_obs; its result is the cause value.
 bool setUpIntegral(s_CGraph const& graph, s_runtime* rt, s_Objet const& prev1, ObsSearch& search) {
     search.last = graph.causes.front();
     if (!sn_isActive(search.last, rt))
         return false;
-    SearchBox box(3, 4);
-    mean1stOrderCoefs(search.last, box.start.data(), box.lower.data(), box.upper.data());
     sn_loadCauseValue(rt, search.last);
-    box.fill(0, prev1);
-    box.fill(1, *TMP2);
-    box.fill(2, search.last->gain);
+    search.box = SearchBox(3);
+    search.box.fill(0, prev1);
+    search.box.fill(1, *TMP2);
+    search.box.fill(2, search.last->gain);
     search.cost = opti_integral_obs_ptr;
     search.first = 1;
     search.end = 2;
-    search.box = std::move(box);
     return true;
 }
 

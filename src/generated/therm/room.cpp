@@ -4,7 +4,7 @@
 #include <cfloat>
 
 #include "continuous/model_parts.h"
-#include "generated/therm/transition_parts.h"
+#include "model/transitionParts.h"
 #include "model/labels.h"
 
 namespace {

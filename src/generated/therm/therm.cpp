@@ -2,7 +2,7 @@
 #include "generated/therm/therm.h"
 
 #include "continuous/model_parts.h"
-#include "generated/therm/transition_parts.h"
+#include "model/transitionParts.h"
 #include "model/labels.h"
 
 therm::therm(std::string name, std::vector<CommandVar*> importedCommands,

@@ -29,7 +29,10 @@ struct Conflict {
     }
 };
 
+// An element of a refused value belongs to no variable: nothing weighs it.
 bool isHeldAtItsLabel(TrajEl const* element) {
+    if (element->getStateVar() == nullptr)
+        return true;
     if (element->isLabelled(labelFalse))
         return element->isHeldFalse();
     return !element->isLabelled(labelTrue) || element->isHeldTrue();
@@ -90,6 +93,7 @@ bool applyImplicate(Implicate const& implicate, TrajEl const* flipped, ItmsRes& 
 }
 
 void noteFailure(TrajEl const* flipped, State* state) {
+    // Required: the label before the flip, so it is leaving the unknown mode that marks the state.
     if (flipped->getVarType() == typeMode && flipped->atom->value == valueUnknown &&
         flipped->isLabelled(labelTrue))
         state->setUnknown();

@@ -1,5 +1,4 @@
 // Asserting propositions, finding violated clauses, re-supporting and retracting elements.
-#include <algorithm>
 #include <ctime>
 #include <iostream>
 
@@ -10,6 +9,10 @@
 namespace {
 
 constexpr double ticksPerSecond = 1000000.0;
+
+// Each retraction doubles the list behind it. Nothing new stands in the copies, so beyond this length
+// they are left out, and a long chain of retractions does not fill the memory.
+constexpr std::size_t longestCopiedList = 1 << 12;
 
 bool isForbiddenCommand(TrajEl const* element) {
     return element->getVarType() == typeCommand &&
@@ -64,6 +67,8 @@ ItmsResults itms::addPropositions(SignedElements const& props, std::unique_ptr<S
 
 Clause* itms::checkForInternalConflicts(TrajEl const* element, StateSite const& site) {
     Clause* violated = nullptr;
+    if (element->getStateVar() == nullptr)
+        return nullptr;
     for (Clause* clause : element->getStateVar()->clauses)
         if (isViolated(clause, site))
             violated = clause;
@@ -76,7 +81,7 @@ void itms::checkForFocusedInternalConflicts(ElementTable const& table,
     std::vector<StateVar*> seen;
     for (auto const& entry : table) {
         StateVar* variable = entry.second->getStateVar();
-        if (std::find(seen.begin(), seen.end(), variable) != seen.end())
+        if (inVectorStateVar(variable, &seen))
             continue;
         seen.push_back(variable);
         if (Clause* clause = checkForInternalConflicts(entry.second, site))
@@ -135,7 +140,8 @@ void itms::deleteClause(TrajEl* element, std::vector<TrajEl*>& list, StateSite c
         deleteClause(dependent, list, site);
         // Required: what the list holds by now is appended once more.
         std::vector<TrajEl*> const retracted = list;
-        list.insert(list.end(), retracted.begin(), retracted.end());
+        if (retracted.size() <= longestCopiedList)
+            list.insert(list.end(), retracted.begin(), retracted.end());
     }
     element->consequences.clear();
 }

@@ -13,10 +13,10 @@ TrajEl* itms::getElt(char const* id, StateSite const& site, bool withIdle) {
     if (TrajEl* present = site.state->getElt(id))
         return present;
     TrajEl const* earlier = site.trajectory->getElt(id, site.timestep, -1);
-    if (earlier == nullptr)
+    Comp* comp = earlier != nullptr ? earlier->atom->getVarComp() : nullptr;
+    if (comp == nullptr)
         return nullptr;
-    site.trajectory->addComp(earlier->atom->getVarComp(), site.state, site.timestep, withIdle,
-                             keepLocks);
+    site.trajectory->addComp(comp, site.state, site.timestep, withIdle, keepLocks);
     return site.state->getElt(id);
 }
 

@@ -90,7 +90,7 @@ double itms::computeCondProbRough(Atom const* atom, Transition const* transition
         transition->post ? transition->post->getAllSignedAtoms() : SignedAtoms{};
     if (checkInImportedComps(atom, effect))
         return checkInOpposites(atom, effect) ? 1.0 : 0.0;
-    return 1.0 / static_cast<double>(atom->getStateVar()->getAtomLinks().size());
+    return 1.0 / static_cast<double>(atom->getSiblings().size());
 }
 
 bool itms::checkInOpposites(Atom const* atom, SignedAtoms const& atoms) {

@@ -62,6 +62,8 @@ string_map<Atom*> itms::loadAtoms(std::vector<std::unique_ptr<Clause>> const& cl
 }
 
 bool itms::guardHasCommand(Transition const& transition) {
+    if (!transition.pre)
+        return false;
     for (auto const& literal : transition.pre->getAllSignedAtoms())
         if (literal.second->getVarType() == typeCommand)
             return true;
@@ -123,6 +125,8 @@ void itms::deadEndAtom(Atom* atom) {
 void itms::initialize() {
     for (auto const& entry : active_atoms) {
         Atom* atom = entry.second;
+        if (atom == nullptr)
+            continue;
         compileTransitionsProb(atom);
         if (!atom->evalAtom())
             continue;

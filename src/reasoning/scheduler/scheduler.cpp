@@ -23,5 +23,7 @@ int Scheduler::initSchD() {
 
 void Scheduler::raz() {
     tracked_traj.clear();
+    contEvents.clear();
+    contCommands.clear();
     initSchD();
 }

@@ -149,11 +149,12 @@ SignedElements Scheduler::effectsOf(Transition* transition, StateFormula const* 
     bool const delayed = delay != noDelay;
     bool const running = delayed && pending.count(transition->id) != 0;
     for (Atom* atom : formula->getAllAtoms()) {
+        // A command's element is fetched too: the next state then holds its component.
+        TrajEl* element = getElt(atom->getId(), {next, traj, now + 1}, false);
         if (atom->getVarType() == typeCommand) {
             addCommandEvent(atom, delayed ? now + delay : now + 1);
             continue;
         }
-        TrajEl* element = getElt(atom->getId(), {next, traj, now + 1}, false);
         if (element == nullptr)
             continue;
         if (!running) {
@@ -168,7 +169,7 @@ SignedElements Scheduler::effectsOf(Transition* transition, StateFormula const* 
     return props;
 }
 
-// Asserts the effect in the next state; without a result that state stays as it was.
+// Asserts the effect in the next state, which is lost when there is no result.
 bool Scheduler::settleNext(SignedElements const& props, std::unique_ptr<State>& next,
                            Trajectory* traj, int now) {
     ItmsResults results =
@@ -200,40 +201,51 @@ void Scheduler::linkGuard(Transition* transition, State* current, Trajectory* tr
 bool Scheduler::fireEffect(Transition* transition, StateFormula const* formula, int delay,
                            State* current, std::unique_ptr<State>& next, Trajectory* traj,
                            PendingTransitions const& pending, int now) {
-    std::unique_ptr<State> before = exactCopy(next.get());
     SignedElements const props =
         effectsOf(transition, formula, delay, next.get(), traj, pending, now);
-    if (!settleNext(props, next, traj, now)) {
-        next = std::move(before);
+    if (!settleNext(props, next, traj, now))
         return false;
-    }
     linkGuard(transition, current, traj, now);
     return true;
 }
 
-void Scheduler::triggerTransition(Transition* transition, State* current,
-                                  std::unique_ptr<State>& next, Trajectory* traj,
-                                  PendingTransitions& pending, int now) {
-    if (!discretemdl)
-        addBridgeTrans(transition, runtime);
-    if (transition->post) {
-        if (fireEffect(transition, transition->post.get(), noDelay, current, next, traj, pending,
-                       now))
-            transition->showMove();
-        else if (!discretemdl)
-            runtime->bridgeTrans.pop_back();  // it did not fire
-        return;
-    }
-    if (!transition->posts)
-        return;
+// The effects of a multi-valued transition, up to the first that no state can hold.
+bool Scheduler::fireDelayedEffects(Transition* transition, State* current,
+                                   std::unique_ptr<State>& next, Trajectory* traj,
+                                   PendingTransitions& pending, int now) {
     for (auto const& [delay, formula] : *transition->posts) {
-        fireEffect(transition, formula, delay, current, next, traj, pending, now);
+        if (!fireEffect(transition, formula, delay, current, next, traj, pending, now))
+            return false;
         for (Atom* atom : transition->pre->getAllAtoms())
             if (atom->getVarType() == typeCommand) {
                 pending.erase(transition->id);
                 pending.insert({transition->id, transitionCM{transition, now, atom}});
             }
     }
+    return true;
+}
+
+void Scheduler::triggerTransition(Transition* transition, State* current,
+                                  std::unique_ptr<State>& next, Trajectory* traj,
+                                  PendingTransitions& pending, int now) {
+    if (!transition->post && !transition->posts)
+        return;
+    std::unique_ptr<State> before = exactCopy(next.get());
+    if (!discretemdl)
+        addBridgeTrans(transition, runtime);
+    bool const fired =
+        transition->post
+            ? fireEffect(transition, transition->post.get(), noDelay, current, next, traj,
+                         pending, now)
+            : fireDelayedEffects(transition, current, next, traj, pending, now);
+    if (fired) {
+        if (transition->post)
+            transition->showMove();
+        return;
+    }
+    next = std::move(before);
+    if (!discretemdl)
+        runtime->bridgeTrans.pop_back();  // it did not fire
 }
 
 void Scheduler::addBridgeConditions(ElementTable const& table) {
@@ -285,15 +297,14 @@ void Scheduler::addContEvents(Trajectory* traj) {
 std::vector<Atom*> Scheduler::commandsAt(double when, Trajectory* traj) {
     auto const found = scenario.find(when);
     scenarEvent* event = found == scenario.end() ? nullptr : found->second.get();
-    if (event != nullptr)
+    if (event != nullptr) {
         event->met = true;
-    if (event != nullptr && traj->eventTime == when)
-        event = nullptr;
-    if (event == nullptr)
+        if (!event->isCommand)
+            return {};
+    }
+    if (event == nullptr || traj->eventTime == when)
         return contCommands;
     traj->eventTime = when;
-    if (!event->isCommand)
-        return {};
     std::vector<Atom*> commands = event->atoms;
     commands.insert(commands.end(), contCommands.begin(), contCommands.end());
     return commands;

@@ -9,8 +9,9 @@ void lockFree(TrajEl* element, State* state, LockStatus own, LockStatus siblings
     state->locked = true;
     if (element->lock != LOCK_FREE)
         return;
-    for (Atom const* atom : element->getStateVar()->getAtomLinks())
-        if (TrajEl* sibling = state->getElt(atom->getId()); sibling != nullptr)
+    for (Atom const* atom : element->atom->getSiblings())
+        if (TrajEl* sibling = state->getElt(atom->getId());
+            sibling != nullptr && atom != element->atom)
             sibling->lock = siblings;
     element->lock = own;
 }

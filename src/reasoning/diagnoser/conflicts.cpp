@@ -1,0 +1,68 @@
+// Conflicts between the transitions of a history and the labels of its states.
+#include <algorithm>
+#include <iostream>
+
+#include "model/labels.h"
+#include "reasoning/Diagnoser.h"
+
+namespace {
+
+void showHeading(char const* what, int t) {
+    std::cerr << "[getConflicts()] --> " << what << " at time step " << t << "\n";
+}
+
+// A transition whose effect has been labelled false.
+void addEffectConflicts(Trajectory const* trajectory, int t, Transition const* transition,
+                        ConflictSet& conflicts) {
+    State const* state = trajectory->getState(t);
+    for (Atom const* atom : transition->post->getAllAtoms()) {
+        TrajEl* element = state->getElt(atom->getId());
+        int position = 0;
+        if (element != nullptr && element->isLabelled(labelFalse) &&
+            trajectory->getElt(atom->getId(), t - 1, 0, position) != nullptr)
+            conflicts[atom->getId()] = disConflict(element, position);
+    }
+}
+
+// A transition whose guard no longer holds one step before.
+void addGuardConflicts(Trajectory const* trajectory, int t, Transition const* transition,
+                       ConflictSet& conflicts) {
+    for (auto const& [key, atom] : transition->pre->getAllSignedAtoms()) {
+        int position = 0;
+        TrajEl* element = trajectory->getElt(atom->getId(), t - 1, 0, position);
+        if (element != nullptr && element->isLabelled(key ? labelFalse : labelTrue))
+            conflicts[atom->getId()] = disConflict(element, position, key);
+    }
+}
+
+}  // namespace
+
+ConflictSet Diagnoser::getConflicts(Trajectory* trajectory, int t, bool post) {
+    showHeading(post ? "effects" : "guards", t);
+    ConflictSet conflicts;
+    std::vector<Transition const*> seen;
+    State const* state = trajectory->getState(t);
+    if (state == nullptr)
+        return conflicts;
+    for (auto const& entry : state->elts) {
+        Transition const* transition = entry.second != nullptr ? entry.second->prevTrans : nullptr;
+        if (transition == nullptr || !transition->post)
+            continue;
+        if (!post) {
+            addGuardConflicts(trajectory, t, transition, conflicts);
+            continue;
+        }
+        if (std::find(seen.begin(), seen.end(), transition) != seen.end())
+            continue;
+        seen.push_back(transition);
+        addEffectConflicts(trajectory, t, transition, conflicts);
+    }
+    viewHashMapConflicts(conflicts);
+    return conflicts;
+}
+
+void Diagnoser::viewHashMapConflicts(ConflictSet const& conflicts) {
+    std::cerr << "******* Showing conflicts *******\n";
+    for (auto const& entry : conflicts)
+        std::cerr << entry.first << " (" << entry.second.position << ")\n";
+}

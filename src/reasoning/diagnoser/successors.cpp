@@ -1,0 +1,232 @@
+// From conflicts to the transitions that could explain them, and on to histories without conflicts.
+//
+// One call expands the conflicts of one variable; the successors deal with the rest, recursively.
+#include <algorithm>
+#include <iostream>
+
+#include "model/StateVar.h"
+#include "model/labels.h"
+#include "reasoning/Diagnoser.h"
+
+std::set<Transition const*> Diagnoser::redux_diag;
+
+// What one call of immediateSuccessors works on.
+struct Diagnoser::Selection {
+    Trajectory* trajectory;
+    int t;
+    double rank;
+    bool post;
+    // The transitions chosen, the likeliest first.
+    std::multimap<double, likelyTransition, std::greater<double>> candidates;
+    std::vector<StateVar const*> seen;
+    StateVar const* commandVar = nullptr;  // once a command is in conflict: the mode that it moves
+    StateVar const* lastVar = nullptr;     // of the conflict handled last
+
+    State* now() const { return trajectory->getState(t); }
+    bool isChosen(Transition const* transition) const {
+        return std::any_of(candidates.begin(), candidates.end(), [transition](auto const& entry) {
+            return entry.second.transition == transition;
+        });
+    }
+};
+
+namespace {
+
+// Nulls may stand under ids that a walk of the cover entered, so membership is by value.
+bool contains(TrajEl::Transitions const& transitions, Transition const* transition) {
+    return std::any_of(transitions.begin(), transitions.end(),
+                       [transition](auto const& entry) { return entry.second == transition; });
+}
+
+void showTransition(char const* heading, int t, Transition const* transition) {
+    std::cerr << heading << t << ") : " << transition->id << " " << transition->type;
+    if (transition->preMode != nullptr && transition->postMode != nullptr)
+        std::cerr << " " << transition->preMode->getId() << " -> "
+                  << transition->postMode->getId();
+    std::cerr << "\n";
+}
+
+// The element in conflict forgets what led on from it, and an effect that is free what led to it.
+void forgetTransitions(TrajEl* element, bool post) {
+    element->nextTrans.clear();
+    if (post && element->prevTrans != nullptr && element->prevTrans->post &&
+        element->lock == LOCK_FREE)
+        element->prevTrans = nullptr;
+}
+
+bool concernsNone(TrajEl const* element, TrajEl const* through) {
+    return element->atom->value == valueNone || through->atom->value == valueNone;
+}
+
+}  // namespace
+
+bool Diagnoser::checkForDeadEnd(Transition const* transition) {
+    if (transition->type != transFail || transition->unconditional)
+        return false;
+    return !redux_diag.insert(transition).second;
+}
+
+void Diagnoser::addResult(std::unique_ptr<Trajectory> trajectory, TrajectoryMap& results,
+                          double& sum) {
+    trajectory->updateStatesProb();
+    double const proba = trajectory->getLastState()->proba;
+    sum += proba;
+    results.emplace(proba, std::move(trajectory));
+}
+
+// A literal of the guard that is locked against the transition, or one that it leaves already.
+char const* Diagnoser::guardRefusal(Selection const& selection, disConflict const& conflict,
+                                    Transition const* transition) {
+    Trajectory* trajectory = selection.trajectory;
+    StateSite const site{trajectory->getState(conflict.position), trajectory,
+                         conflict.position + 1};
+    for (auto const& [key, atom] : transition->pre->getAllSignedAtoms()) {
+        TrajEl const* element = getElt(atom->getId(), site, true);
+        if (element == nullptr)
+            continue;
+        if (key ? element->isHeldFalse() : element->isHeldTrue())
+            return " is locked !!";
+        if (contains(element->nextTrans, transition))
+            return "already supported by : ";
+    }
+    return nullptr;
+}
+
+// Why a transition is not tried, or null. The first reason that applies counts.
+char const* Diagnoser::refusal(Selection const& selection, disConflict const& conflict,
+                               TrajEl const* through, Transition const* transition) {
+    TrajEl const* element = conflict.element;
+    if (element->getVarType() == typeCommand && !concernsNone(element, through))
+        return "command without none";
+    if (selection.commandVar != nullptr && transition->modeVar != selection.commandVar)
+        return "another mode than the command's";
+    if (selection.post && transition == through->prevTrans)
+        return "trans is the actual one !";
+    if (!selection.post && (contains(through->nextTrans, transition) ||
+                            contains(through->nextTransNeg, transition)))
+        return "curr_trans already in nextTrans !";
+    if (selection.isChosen(transition))
+        return "chosen already";
+    if (char const* locked = guardRefusal(selection, conflict, transition))
+        return locked;
+    if (!transition->post)
+        return "no effect";
+    StateSite const site{selection.now(), selection.trajectory, selection.t + 1};
+    // Required: the sign of the literal is not looked at.
+    for (Atom const* atom : transition->post->getAllAtoms())
+        if (TrajEl const* effect = getElt(atom->getId(), site, true);
+            effect != nullptr && effect->isHeldFalse())
+            return " is post-locked !!";
+    return nullptr;
+}
+
+// Returns whether the transition was not refused. The cover counts it also when it is out of rank.
+bool Diagnoser::tryTransition(Selection& selection, disConflict const& conflict,
+                              TrajEl const* through, Transition* transition) {
+    if (char const* reason = refusal(selection, conflict, through, transition)) {
+        showTransition("[immediateSuccessors] --> transition impossibility (", selection.t,
+                       transition);
+        std::cerr << reason << "\n";
+        return false;
+    }
+    showTransition("[immediateSuccessors] --> transition chosen : (", selection.t, transition);
+    Trajectory* trajectory = selection.trajectory;
+    if (selection.post)
+        trajectory->updateCover(selection.now(), transition);
+    else
+        trajectory->updateCover(trajectory->getState(conflict.position), selection.now(),
+                                conflict.position, selection.t, transition);
+    double const cost = transition->type == transFail ? 1.0 : 0.0;
+    if (selection.rank >= trajectory->rank + cost && !checkForDeadEnd(transition)) {
+        double const posterior = selection.now()->getTransitionPostProb(transition);
+        selection.candidates.insert({posterior, likelyTransition{conflict.element->atom,
+                                                                 through->atom, posterior,
+                                                                 transition, conflict.position}});
+    } else {
+        std::cerr << "out of rank !\ncurrent rank : " << trajectory->rank
+                  << " -- rank : " << selection.rank << "\n";
+    }
+    if (conflict.element->getVarType() == typeCommand && selection.commandVar == nullptr)
+        selection.commandVar = transition->modeVar;
+    return true;
+}
+
+// Returns whether a transition was tried for the conflict.
+bool Diagnoser::tryConflict(Selection& selection, disConflict const& conflict) {
+    TrajEl* element = conflict.element;
+    State const* where =
+        selection.post ? selection.now() : selection.trajectory->getState(conflict.position);
+    bool tried = false;
+    for (Atom const* atom : element->getStateVar()->getAtomLinks()) {
+        TrajEl const* through = where->getElt(atom->getId());
+        if (through == nullptr || through == element)
+            continue;
+        // A copy: pulling components forward must not disturb the walk.
+        std::vector<Transition*> const transitions =
+            selection.post ? atom->getRefTransPost() : atom->getRefTransPre();
+        for (Transition* transition : transitions)
+            if (tryTransition(selection, conflict, through, transition))
+                tried = true;
+    }
+    return tried;
+}
+
+void Diagnoser::selectTransitions(Selection& selection, ConflictSet const& conflicts) {
+    for (auto const& entry : conflicts) {
+        disConflict const& conflict = entry.second;
+        forgetTransitions(conflict.element, selection.post);
+        StateVar const* variable = conflict.element->getStateVar();
+        if (std::find(selection.seen.begin(), selection.seen.end(), variable) !=
+            selection.seen.end())
+            continue;
+        selection.seen.push_back(variable);
+        selection.lastVar = variable;
+        if (conflict.repairable && tryConflict(selection, conflict))
+            return;
+    }
+}
+
+void Diagnoser::recurse(std::unique_ptr<Trajectory> successor, Selection const& selection,
+                        TrajectoryMap& finals) {
+    int const t = selection.t;
+    int next = 0;
+    if (successor->getCurrentTime() != t) {
+        next = successor->getNext(selection.lastVar, t);
+        if (next == 0) {
+            next = successor->getCurrentTime();
+            successor->addComp(selection.lastVar->getComp(), successor->getLastState(), next, true,
+                               false);
+        }
+    }
+    struct Check {
+        int step;
+        bool post;
+    };
+    for (Check const& check : {Check{t, true}, Check{t, false}, Check{next, false}}) {
+        if (check.step == 0)
+            continue;
+        ConflictSet const conflicts = getConflicts(successor.get(), check.step, check.post);
+        if (conflicts.empty())
+            continue;
+        immediateSuccessors(conflicts, std::move(successor), check.step, selection.rank, finals,
+                            check.post);
+        return;
+    }
+    std::cerr << "Traj added to immSuccs final results...\n";
+    successor->updateStatesProb();
+    double const proba = successor->getLastState()->proba;
+    finals.emplace(proba, std::move(successor));
+}
+
+void Diagnoser::immediateSuccessors(ConflictSet const& conflicts,
+                                    std::unique_ptr<Trajectory> trajectory, int t, double rank,
+                                    TrajectoryMap& finals, bool post) {
+    Selection selection{trajectory.get(), t, rank, post, {}, {}, nullptr, nullptr};
+    selectTransitions(selection, conflicts);
+    transitions_checked += static_cast<unsigned>(selection.candidates.size());
+    TrajectoryMap successors;
+    for (auto const& candidate : selection.candidates)
+        constructSuccessors(candidate.second, trajectory.get(), t, successors, rank);
+    for (auto& entry : successors)
+        recurse(std::move(entry.second), selection, finals);
+}

@@ -1,0 +1,178 @@
+// The discrete run: a scenario of commands and observations over the tracked trajectories.
+//
+// Every line of the scenario is one step. A command step moves each trajectory to its next nominal
+// state. An observation step keeps the trajectories that agree with what was seen; when none does,
+// the covering search looks for the histories of least failure that do.
+#include <ctime>
+#include <iostream>
+
+#include "model/StateVar.h"
+#include "model/labels.h"
+#include "reasoning/Scheduler.h"
+#include "support/process.h"
+
+namespace {
+
+constexpr double ticksPerSecond = 1000000.0;
+// How many failures more than the refuted history an explanation may hold.
+constexpr double rankMargin = 10.0;
+
+Observations allTrue(std::vector<Atom*> const& atoms) {
+    Observations observations;
+    for (Atom* atom : atoms)
+        observations.insert({true, atom});
+    return observations;
+}
+
+}  // namespace
+
+// Processor time since a step began, told in the scheduler's words.
+struct Scheduler::ElapsedTime {
+    std::clock_t start = std::clock();
+
+    double seconds() const { return static_cast<double>(std::clock() - start) / ticksPerSecond; }
+    double report(char const* what) const {
+        double const elapsed = seconds();
+        std::cerr << "[Scheduler] --> elapsed time" << what << " : " << elapsed << "\n";
+        return elapsed;
+    }
+};
+
+int Scheduler::runSchD(std::string const& path) {
+    scenarioPath = path;
+    run2();
+    return 1;
+}
+
+void Scheduler::lockFirstStates() {
+    for (auto const& entry : tracked_traj) {
+        State* first = entry.second->getState(0);
+        if (first == nullptr)
+            continue;
+        for (auto const& element : first->elts)
+            if (element.second != nullptr && element.second->evalTrajEl() &&
+                element.second->getVarType() != typeCommand)
+                lockTrajElsPerm(element.second, first);
+    }
+}
+
+void Scheduler::announceStep(scenarEvent const& event) const {
+    std::cerr << "Time : " << time + 1 << "\nFrom scenario:\n";
+    for (Atom const* atom : event.atoms)
+        std::cerr << atom->getId() << " ";
+    std::cerr << "\n";
+}
+
+void Scheduler::run2() {
+    discretemdl = true;
+    PendingTransitions pending;
+    if (!openScenario(scenarioPath))
+        return;
+    scenario[1.0] = readFromScenario();
+    if (scenario[1.0] == nullptr) {
+        std::cerr << "exiting run2.\n";
+        leaveProcess(0);
+    }
+    if (time == 0)
+        lockFirstStates();
+    // A null event, or none, ends the run.
+    for (auto next = scenario.find(time + 1); next != scenario.end() && next->second != nullptr;
+         next = scenario.find(time + 1)) {
+        scenarEvent const& event = *next->second;
+        announceStep(event);
+        if (event.isCommand)
+            commandStep(event, pending);
+        else if (!observationStep(event))
+            return;
+        scenario.erase(time);
+        // A step that a command scheduled already has its event.
+        auto& following = scenario[time + 1];
+        following = readFromScenario();
+    }
+}
+
+void Scheduler::commandStep(scenarEvent const& event, PendingTransitions& pending) {
+    ++time;
+    ElapsedTime const elapsed;
+    double sum = 0.0;
+    for (auto const& entry : tracked_traj) {
+        Trajectory* traj = entry.second.get();
+        int const before = traj->getCurrentTime();
+        constructNextNominalStateLarge(traj, event.atoms, false, pending);
+        if (traj->getCurrentTime() == before)
+            syncPreviousState(traj);
+        if (State const* state = traj->getState(time)) {
+            traj->computeStateProb(time);
+            sum += state->proba;
+        }
+    }
+    normalizeAfterCommand(sum);
+    addBmkEntry(time, elapsed.report(""), false, static_cast<unsigned>(tracked_traj.size()));
+}
+
+void Scheduler::normalizeAfterCommand(double sum) {
+    for (auto const& entry : tracked_traj) {
+        State const* state = entry.second->getState(time);
+        if (state == nullptr)
+            continue;
+        std::cerr << "state proba : " << state->proba << "\n";
+        entry.second->proba = state->proba / sum;
+        std::cerr << "normalized proba : " << entry.second->proba << "\n";
+    }
+}
+
+// The outcomes of the trajectories that agree with the observations; the others go.
+TrajectoryMap Scheduler::explainedBy(Observations const& observations, ElapsedTime const& elapsed,
+                                     double& sum) {
+    TrajectoryMap survivors;
+    while (!tracked_traj.empty()) {
+        Trajectory* traj = tracked_traj.begin()->second.get();
+        std::cerr << "[Scheduler] --> updating tracked trajectories with observations (" << time
+                  << ")\n";
+        int const t = traj->getCurrentTime();
+        TrajectoryMap outcomes = observationResults(observations, traj, t, 0.0, true);
+        if (outcomes.size() == 1 &&
+            getConflicts(outcomes.begin()->second.get(), t, true).empty()) {
+            double const key = outcomes.begin()->first;
+            survivors.emplace(key, std::move(outcomes.begin()->second));
+            sum += key;
+        }
+        elapsed.report(" (observations insertion)");
+        tracked_traj.erase(tracked_traj.begin());
+    }
+    return survivors;
+}
+
+void Scheduler::keepSurvivors(TrajectoryMap survivors, double sum) {
+    for (auto& entry : survivors) {
+        double const proba = entry.first / sum;
+        entry.second->proba = proba;
+        std::cerr << "normalized proba after inserting obs : " << proba << "\n";
+        tracked_traj.emplace(proba, std::move(entry.second));
+    }
+}
+
+// False when no history explains the observations: the run cannot go on.
+bool Scheduler::observationStep(scenarEvent const& event) {
+    ElapsedTime const elapsed;
+    Observations const observations = allTrue(event.atoms);
+    Trajectory const* first = tracked_traj.begin()->second.get();
+    auto copy = std::make_unique<Trajectory>(first, first->getCurrentTime() + 1);
+    double sum = 0.0;
+    TrajectoryMap survivors = explainedBy(observations, elapsed, sum);
+    bool const diagnosing = survivors.empty();
+    if (!diagnosing) {
+        keepSurvivors(std::move(survivors), sum);
+    } else {
+        std::cerr << "---------> Diagnosing...\n";
+        double const highest = copy->rank + rankMargin;
+        tracked_traj =
+            coverTrack3(std::move(copy), bound + 1.0, highest, observations, bound);
+    }
+    addBmkEntry(time, elapsed.report(""), diagnosing, static_cast<unsigned>(tracked_traj.size()));
+    ++time;
+    if (tracked_traj.empty())
+        std::cerr << "no history explains the observations of step " << time
+                  << ": the run ends here\n";
+    return !tracked_traj.empty();
+}

@@ -1,0 +1,1 @@
+#include "fixtures/reference_model.h"
