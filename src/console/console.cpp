@@ -36,6 +36,15 @@ snCom const cde[] = {
     {nullptr, nullptr, nullptr},
 };
 
+snCom const dde[] = {
+    {"exit", deExit, "Return to normal mode"},
+    {"x", deExit, "Shortcut to exit"},
+    {"help", deHelp, "Get Help"},
+    {"print", dePrint, "Print data structures"},
+    {"p", dePrint, "Shortcut to print"},
+    {nullptr, nullptr, nullptr},
+};
+
 namespace {
 
 // How long the reader waits before it polls again at end of input, in microseconds.
@@ -93,7 +102,21 @@ int snHelp(char const* arg) {
     return 0;
 }
 
-int snComment(char const*) { return 1; }
+int snComment(char const*) {
+    return 1;
+}
+
+int deExit(char const*) {
+    return 1;
+}
+
+int deHelp(char const*) {
+    return 1;
+}
+
+int dePrint(char const*) {
+    return 1;
+}
 
 void ligneInit() {
     constexpr std::size_t size = 81;

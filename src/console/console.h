@@ -31,6 +31,9 @@ struct snCom {
 
 extern snCom const cde[];
 
+// Commands of the debug console. Required: nothing looks them up, since that console only reads.
+extern snCom const dde[];
+
 // The last record of exactly that name, or null: no abbreviations.
 snCom const* whichCom(snCom const* table, char const* word);
 // Lists the commands that begin with *arg*, or all names when there is none.
@@ -39,6 +42,11 @@ void printHelp(char const* arg);
 int snQuit(char const* arg);
 int snHelp(char const* arg);
 int snComment(char const* arg);
+
+// The handlers of dde: each does nothing and returns 1.
+int deExit(char const* arg);
+int deHelp(char const* arg);
+int dePrint(char const* arg);
 
 // ---- Reading and running ----
 

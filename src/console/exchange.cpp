@@ -1,6 +1,7 @@
 // Opening, reading, writing and closing the data files of a run.
 #include "console/exchange.h"
 
+#include <algorithm>
 #include <cmath>
 #include <iostream>
 
@@ -26,13 +27,6 @@ bool closeStream(std::FILE*& stream) {
     return written;
 }
 
-void closeOutput(std::FILE*& stream, std::string const& path) {
-    bool const failed = stream != nullptr && std::ferror(stream) != 0;
-    bool const closed = closeStream(stream);
-    if (failed || !closed)
-        std::fprintf(stderr, "Can't write file %s\n", path.c_str());
-}
-
 // Opens *path* into *stream*, or gives it *without* when the path is empty. 1 on success.
 int prepare(std::FILE*& stream, std::string const& path, char const* mode, std::FILE* without,
             char const* okText) {
@@ -48,6 +42,13 @@ int prepare(std::FILE*& stream, std::string const& path, char const* mode, std::
 
 }  // namespace
 
+void closeOutput(std::FILE*& stream, std::string const& path) {
+    bool const failed = stream != nullptr && std::ferror(stream) != 0;
+    bool const closed = closeStream(stream);
+    if (failed || !closed)
+        std::fprintf(stderr, "Can't write file %s\n", path.c_str());
+}
+
 int prepareEI() {
     std::cout << "inputfile : " << inputFile << "\n";
     return prepare(dataIn, inputFile, "r", nullptr, "input file is ok\n");
@@ -58,9 +59,13 @@ int prepareMS() {
     return prepare(measIn, measureFile, "r", nullptr, "measure file is ok\n");
 }
 
-int prepareDO() { return prepare(dataOut, displayFile, "w", stdout, "display file is ok\n"); }
+int prepareDO() {
+    return prepare(dataOut, displayFile, "w", stdout, "display file is ok\n");
+}
 
-int prepareMO() { return prepare(modesOut, modesFile, "w", nullptr, "modes file is ok\n"); }
+int prepareMO() {
+    return prepare(modesOut, modesFile, "w", nullptr, "modes file is ok\n");
+}
 
 int prepareSc() {
     std::cout << "scenarFIle: " << scenarFile << "\n";
@@ -72,8 +77,7 @@ int prepareSc() {
 namespace {
 
 // Says why a value was not read.
-void reportUnread(std::FILE* stream, int result, std::string const& path, int column,
-                  double kept) {
+void reportUnread(std::FILE* stream, int result, std::string const& path, int column, double kept) {
     if (result != EOF)
         std::fprintf(stderr, "%s: value %d of time %g is not a number, %g stays\n", path.c_str(),
                      column + 1, simTime, kept);
@@ -175,7 +179,9 @@ void closeRunFiles() {
 }
 
 // An outer system could take alarms here; this one leaves them in the runtime.
-int sorn_setAlarms(char const*, int, int const*, int const*, int const*) { return 1; }
+int sorn_setAlarms(char const*, int, int const*, int const*, int const*) {
+    return 1;
+}
 
 int sorn_sendDiagnosis(char const*, char const* text) {
     if (*text != '\0')

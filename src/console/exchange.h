@@ -1,12 +1,12 @@
 // The data files of a run: one line per time step in, one line per time step out.
 //
-// Input and measure files hold numbers in the order of the compiled model's lists, the first line for
-// time 0; what follows them on a line is skipped. The display file's first line is written at the
-// start, the others together at the end, for the candidates that are left.
+// Input and measure files hold numbers in the order of the compiled model's lists, the first line
+// for time 0; what follows them on a line is skipped. The display file's first line is written at
+// the start, the others together at the end, for the candidates that are left.
 #pragma once
 
 #include <cstdio>
-#include <memory>
+#include <string>
 
 #include "hybrid/exchange.h"
 #include "hybrid/tavro-runt.h"
@@ -30,5 +30,8 @@ int tavro_setDisplays(char const* name, int count, double const* inf, double con
 int initDispAll(s_runtime* rt, double rows);
 // Writes the first *rows* rows of every candidate side by side, a line a row.
 void writeDispAll(std::FILE* stream, HybMap const& trajectories, int rows);
+// Closes a file that was written, and says when it could not be written whole; standard output
+// stays open. The pointer becomes null.
+void closeOutput(std::FILE*& stream, std::string const& path);
 // Closes every stream of the run, and says which file could not be written.
 void closeRunFiles();

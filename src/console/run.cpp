@@ -122,11 +122,6 @@ int snDisc(char const*) {
     return 1;
 }
 
-int snPrint(char const*) {
-    std::fprintf(stderr, "The command print is not built yet.\n");
-    return 0;
-}
-
 int snGnup(char const* arg) {
     std::string command = "gnuplot ";
     if (std::optional<std::string> const script = Parameters(arg).next())

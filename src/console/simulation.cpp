@@ -1,4 +1,5 @@
 // `simul` and `detect`: the loops over time.
+#include <algorithm>
 #include <cctype>
 #include <cstdio>
 #include <cstdlib>
@@ -19,10 +20,10 @@ namespace {
 constexpr double ticksPerSecond = 1000000.0;
 
 // What the levels of isolation mean, a line each.
-#define TAVRO_ISOLATION_LEVELS                                                             \
-    "\n\t nofault\n"                                                                       \
-    "\t fault1 ---> NO One-Fault-Exoneration AND    Multiple-Fault-Compensation\n"         \
-    "\t fault2 --->    One-fault-Exoneration AND    Multiple-Fault-Compensation\n"         \
+#define TAVRO_ISOLATION_LEVELS                                                     \
+    "\n\t nofault\n"                                                               \
+    "\t fault1 ---> NO One-Fault-Exoneration AND    Multiple-Fault-Compensation\n" \
+    "\t fault2 --->    One-fault-Exoneration AND    Multiple-Fault-Compensation\n" \
     "\t fault3 --->    One-fault-Exoneration AND NO Multiple-Fault-Compensation\n\n"
 
 // Memory that a cycle may need on top of its candidates, in bytes.
@@ -73,9 +74,11 @@ bool beginRun() {
     return false;
 }
 
-// Writes the rows of *cycles* cycles, and ends the run.
-void endRun(int cycles) {
+// Writes the rows of *cycles* cycles and, if asked for, the graphs of the candidates; ends the run.
+void endRun(int cycles, bool graphs) {
     writeDispAll(dataOut, tracked_trajs, cycles);
+    if (graphs)
+        graphTrajs(tracked_trajs);
     clearMultiTrajs();
     sMM->reportUnmetEvents();
     closeRunFiles();
@@ -145,15 +148,15 @@ void simulate(RunOptions const& options) {
         runCycle(options, countdown);
         ++cycles;
     }
-    endRun(cycles);
+    endRun(cycles, false);
 }
 
 // ---- detect ----
 
 constexpr char const* isolationWords[] = {"nofault", "fault1", "fault2", "fault3"};
 
-// The code of the continuous step for an isolation word, or 0 and a message. A word may stand inside
-// a longer one; they are tried in the order of the codes.
+// The code of the continuous step for an isolation word, or 0 and a message. A word may stand
+// inside a longer one; they are tried in the order of the codes.
 int readIsolation(std::optional<std::string> const& word) {
     if (!word) {
         std::fprintf(stderr, "\nExpecting fault isolation parameter:\n" TAVRO_ISOLATION_LEVELS);
@@ -210,8 +213,10 @@ bool canDetect() {
     return true;
 }
 
+constexpr char const* cycleBenchmark = "cycbench.bmk";
+
 std::FILE* openCycleBenchmark() {
-    std::FILE* file = std::fopen("cycbench.bmk", "w");
+    std::FILE* file = std::fopen(cycleBenchmark, "w");
     if (file == nullptr) {
         std::cout << "Cannot create cycle benchmark file...\n" << std::flush;
         leaveProcess(1);
@@ -240,8 +245,9 @@ void detect(RunOptions const& options) {
         timedCycle(options, benchmark);
         ++cycles;
     }
-    endRun(cycles);
-    std::fclose(benchmark);
+    // A run that was stopped may hold more candidates than anyone wants as files.
+    endRun(cycles, simTime > totalTime);
+    closeOutput(benchmark, cycleBenchmark);
 }
 
 }  // namespace

@@ -111,12 +111,13 @@ void printUsage() {
         std::cout << " SCENARIO-FILE [MODE-FILE]\n"
                   << "The scenario file is looked for under inp/.\n";
     } else {
-        std::cout << (tavro_rt->input.empty() ? "" : " INPUT-FILE")
-                  << (tavro_rt->measure.empty() ? "" : " MEASURE-FILE")
-                  << (tavro_rt->display.empty() ? "" : " DISPLAY-FILE")
-                  << " [SCENARIO-FILE [MODE-FILE]]\n"
-                  << "Input and scenario files are looked for under inp/, measure files under obs/;\n"
-                  << "display files are written under disp/.\n";
+        std::cout
+            << (tavro_rt->input.empty() ? "" : " INPUT-FILE")
+            << (tavro_rt->measure.empty() ? "" : " MEASURE-FILE")
+            << (tavro_rt->display.empty() ? "" : " DISPLAY-FILE")
+            << " [SCENARIO-FILE [MODE-FILE]]\n"
+            << "Input and scenario files are looked for under inp/, measure files under obs/;\n"
+            << "display files are written under disp/.\n";
     }
     std::cout << "Commands are read from standard input; `help` lists them.\n";
 }
@@ -138,15 +139,20 @@ void answerQuestions(int argc, char** argv) {
     std::_Exit(0);
 }
 
+// Frees what a run and the model hold, on every way out of the process: the candidates first, since
+// the keys of their tables are texts of the model, then the scheduler, which owns the model.
+void releaseAll() {
+    for (HybMap* candidates : {&tracked_trajs, &ntrajs, &misbtrajs})
+        candidates->clear();
+    delete sMM;
+    sMM = nullptr;
+}
+
 void buildModel() {
     hybNT = nullptr;
     std::cout << "appliName: " << model_name << "\n";
     sMM = new Scheduler(model_name);
-    // The scheduler owns the model; it frees it on every way out of the process.
-    std::atexit([] {
-        delete sMM;
-        sMM = nullptr;
-    });
+    std::atexit(releaseAll);
     startinit(sMM);
     std::cout << "model successfully loaded.\n";
     sMM->rtInit();
@@ -161,7 +167,9 @@ void buildModel() {
 
 }  // namespace
 
-void localInit(s_runtime* rt, Scheduler*) { bridgeActiveAtoms(rt); }
+void localInit(s_runtime* rt, Scheduler*) {
+    bridgeActiveAtoms(rt);
+}
 
 void startConsole(int argc, char** argv) {
     // One character may be read past the console, so nothing may be read ahead.

@@ -21,8 +21,10 @@ public:
 
     int size() const { return length; }
 
-    // The value at *index*; zero for what was never written.
+    // The value at *index*; zero for what was never written, and outside the table.
     double operator[](int index) const {
+        if (index < 0 || index >= length)
+            return 0.0;
         std::size_t const block = static_cast<std::size_t>(index / blockSize);
         if (block >= blocks.size() || !blocks[block])
             return 0.0;
@@ -41,7 +43,8 @@ public:
         blocks[block]->write()[static_cast<std::size_t>(index % blockSize)] = value;
     }
 
-    // Widens the first *count* values, pairs of a lower and an upper bound, to cover those of *other*.
+    // Widens the first *count* values, pairs of a lower and an upper bound, to cover those of
+    // *other*.
     void coverPairs(DisplayTable const& other, int count) {
         for (int index = 0; index < std::min(count, length); index += 2) {
             if (sharesBlock(other, index)) {

@@ -1,7 +1,7 @@
 // A bounded history, newest entry first, that is pushed in constant time and shared between copies.
 //
-// A candidate's runtime is copied at every split, with histories of hundreds of entries that the copy
-// does not change. So pushed entries stand in reference-counted blocks: a copy takes the block
+// A candidate's runtime is copied at every split, with histories of hundreds of entries that the
+// copy does not change. So pushed entries stand in reference-counted blocks: a copy takes the block
 // pointers, and a block is duplicated only when two histories want to write different things into
 // it. What stands before the first pushed entry is kept as runs of one value, since histories begin
 // filled with a single value.
@@ -89,7 +89,8 @@ public:
     }
 
     // Makes *value* entry 0; every other entry becomes one older and the oldest is lost.
-    void push(T const& value) {
+    // Values are taken by copy wherever they may be entries of this very history.
+    void push(T value) {
         if (length == 0)
             return;
         if (pushed == length)
@@ -102,7 +103,7 @@ public:
     }
 
     // Every entry becomes *value*.
-    void fill(T const& value) {
+    void fill(T value) {
         blocks.clear();
         runs.clear();
         head = 0;
@@ -111,9 +112,9 @@ public:
             runs.push_back({length, value});
     }
 
-    // Forgets the newest *count* entries: each older one becomes *count* newer, and the last *count*
-    // entries become *value*.
-    void forgetNewest(int count, T const& value) {
+    // Forgets the newest *count* entries: each older one becomes *count* newer, and the last
+    // *count* entries become *value*.
+    void forgetNewest(int count, T value) {
         count = std::clamp(count, 0, length);
         if (count == 0)
             return;

@@ -52,11 +52,11 @@ struct s_Variable {
     int meslowmisb = 0;             // a low alarm is established
     int meshighmisb = 0;            // a high alarm is established
     int mesmisb = 0;                // the measure misbehaves, in either direction
-    std::vector<int> misbHisto;     // last `misbWindow` values of mesmisb, newest first; may be empty
-    s_CGraph* graph = nullptr;      // null without causes and effects
-    History<s_Objet> histo;         // past values; entry 0 is that of the cycle before `old`
-    History<s_Objet> mesHisto;      // past measures; entry 0 is the measure before `mes`
-    History<int> lowHisto;          // 1 where a low alarm applied to that measure
+    std::vector<int> misbHisto;  // last `misbWindow` values of mesmisb, newest first; may be empty
+    s_CGraph* graph = nullptr;   // null without causes and effects
+    History<s_Objet> histo;      // past values; entry 0 is that of the cycle before `old`
+    History<s_Objet> mesHisto;   // past measures; entry 0 is the measure before `mes`
+    History<int> lowHisto;       // 1 where a low alarm applied to that measure
     History<int> highHisto;
     std::vector<int> varConds;  // conditions (in condi) that bound this variable
 
@@ -89,10 +89,10 @@ struct s_Influence {
 
 // A node of the causal graph: the causes and effects of one variable. The arrays are borrowed.
 struct s_CGraph {
-    int slot = 0;  // in cG
-    influType kind = INF_STATIC;         // shared by all causes; meaningless without causes
-    std::vector<s_Influence*> causes;    // influences that end here
-    std::vector<s_Influence*> effects;   // influences that start here
+    int slot = 0;                       // in cG
+    influType kind = INF_STATIC;        // shared by all causes; meaningless without causes
+    std::vector<s_Influence*> causes;   // influences that end here
+    std::vector<s_Influence*> effects;  // influences that start here
 };
 
 struct s_InitVar {
@@ -122,18 +122,18 @@ enum relation {
 
 struct s_Condition {
     int kind = COND_CONST;
-    int slot = 0;                   // in condPool
-    s_Condition* left = nullptr;    // operand of or, and, not
-    s_Condition* right = nullptr;   // operand of or, and
-    s_Variable* var = nullptr;      // left side of a relation
-    int op = 0;                     // a relation
-    std::optional<s_Objet> value;   // right side when var2 is null
-    s_Variable* var2 = nullptr;     // right side, a variable
-    boolVal val = 0;                // last computed value; of a COND_ATOM, set by the discrete side
-    Atom* atom = nullptr;           // what this condition is on the discrete side, or null
-    int atomRef = 0;                // number of this condition in the component's own table
-    s_Expr* expr = nullptr;         // of a COND_EXPR
-    std::vector<int> acIdx;         // constraints (in aC) behind this condition
+    int slot = 0;                  // in condPool
+    s_Condition* left = nullptr;   // operand of or, and, not
+    s_Condition* right = nullptr;  // operand of or, and
+    s_Variable* var = nullptr;     // left side of a relation
+    int op = 0;                    // a relation
+    std::optional<s_Objet> value;  // right side when var2 is null
+    s_Variable* var2 = nullptr;    // right side, a variable
+    boolVal val = 0;               // last computed value; of a COND_ATOM, set by the discrete side
+    Atom* atom = nullptr;          // what this condition is on the discrete side, or null
+    int atomRef = 0;               // number of this condition in the component's own table
+    s_Expr* expr = nullptr;        // of a COND_EXPR
+    std::vector<int> acIdx;        // constraints (in aC) behind this condition
 };
 
 enum constraintVarKind { GV_CONST = 0, GV_VARIABLE = 1, GV_INTERMEDIATE = 2 };
@@ -141,9 +141,9 @@ enum constraintVarKind { GV_CONST = 0, GV_VARIABLE = 1, GV_INTERMEDIATE = 2 };
 // A variable of the constraint network.
 struct s_GVar {
     int kind = GV_CONST;
-    int slot = 0;                // in gvPool
-    s_Variable* var = nullptr;   // of a GV_VARIABLE
-    int number = 0;              // of a GV_INTERMEDIATE
+    int slot = 0;               // in gvPool
+    s_Variable* var = nullptr;  // of a GV_VARIABLE
+    int number = 0;             // of a GV_INTERMEDIATE
     s_Objet value;
     std::vector<int> gcIdx;  // entries from 1 are constraints (in gC) that depend on this variable
     std::vector<int> acIdx;  // entry 0 is the count; entries from 1 are constraints in aC
@@ -162,25 +162,26 @@ enum expressionOp {
 
 struct s_Expr {
     int op = EXPR_CONST;
-    int slot = 0;             // in exprPool
-    s_GVar* gvar = nullptr;   // the leaf; on a top node the constrained variable; else null
+    int slot = 0;            // in exprPool
+    s_GVar* gvar = nullptr;  // the leaf; on a top node the constrained variable; else null
     s_Expr* left = nullptr;
     s_Expr* right = nullptr;
 };
 
-// A pending event or condition of the bridge between the two sides: atoms with a sign, true positive.
+// A pending event or condition of the bridge between the two sides: atoms with a sign, true
+// positive.
 using BridgeAtoms = SignedAtoms;
 
 struct s_runtime {
     std::string name;
-    int num = 0;           // identity: every copy takes the next value of rt_num
-    double Ts = 1.0;       // sample period, in seconds
-    double tStart = 0.0;   // the discrete step reached, written by the discrete cycle
-    int twc = 0;           // continuous temporal window, in cycles
+    int num = 0;          // identity: every copy takes the next value of rt_num
+    double Ts = 1.0;      // sample period, in seconds
+    double tStart = 0.0;  // the discrete step reached, written by the discrete cycle
+    int twc = 0;          // continuous temporal window, in cycles
 
-    std::vector<std::unique_ptr<s_Variable>> dico;  // all variables
+    std::vector<std::unique_ptr<s_Variable>> dico;     // all variables
     std::vector<s_Variable*> input, display, measure;  // subsets of dico
-    double* inval = nullptr;   // current inputs and measures: the cycle driver owns the arrays
+    double* inval = nullptr;  // current inputs and measures: the cycle driver owns the arrays
     double* mesval = nullptr;
     std::vector<double> dinfval, dsupval;  // per display, the current bounds
     DisplayTable extra;                    // bounds of the whole run; see the display file
@@ -199,11 +200,11 @@ struct s_runtime {
     std::vector<std::unique_ptr<s_GVar>> gvPool;
     std::vector<s_GVar*> gV;  // the variables of the constraint network, without the constants
     std::vector<std::unique_ptr<s_Expr>> exprPool;
-    std::vector<s_Expr*> gC;   // global constraints
-    std::vector<int> inAc;     // per global constraint: on the agenda
-    std::vector<s_Expr*> aC;   // condition constraints
-    std::vector<int> valSpc;   // per condition constraint: part of the validity space
-    std::vector<int> ccAgenda; // per condition constraint: still to be applied in this split
+    std::vector<s_Expr*> gC;        // global constraints
+    std::vector<int> inAc;          // per global constraint: on the agenda
+    std::vector<s_Expr*> aC;        // condition constraints
+    std::vector<int> valSpc;        // per condition constraint: part of the validity space
+    std::vector<int> ccAgenda;      // per condition constraint: still to be applied in this split
     std::vector<s_Expr*> mapExprs;  // expressions of the mapping functions
     std::vector<std::unique_ptr<s_Condition>> condPool;
     std::vector<s_Condition*> condi;  // the numbered conditions
@@ -214,8 +215,8 @@ struct s_runtime {
     double precision = 0.0;  // relative tolerance when a measure is compared with a number
     std::string diagBuf;     // text of the last diagnosis
 
-    BridgeAtoms bridgeEvents;  // conditions that entered the validity space
-    BridgeAtoms bridgeConds;   // atoms that the discrete step settled
+    BridgeAtoms bridgeEvents;              // conditions that entered the validity space
+    BridgeAtoms bridgeConds;               // atoms that the discrete step settled
     std::vector<Transition*> bridgeTrans;  // transitions that fired in this step
     std::optional<std::vector<std::vector<Atom*>>> bridgeConflicts;  // atoms blamed by conflicts
 

@@ -19,8 +19,8 @@
 
 // ---- Globals of the engine (globals.cpp) ----
 
-extern int env_opti;   // not 0: the bound search is on, for the whole program
-extern int rt_num;     // the identity that the next copy of a runtime takes
+extern int env_opti;                    // not 0: the bound search is on, for the whole program
+extern int rt_num;                      // the identity that the next copy of a runtime takes
 extern std::vector<double> inps, meas;  // the current line of inputs and of measures
 
 // The runtimes of the current split, by identity. It owns every entry but the runtime that was
@@ -29,11 +29,11 @@ extern std::multimap<long, s_runtime*, std::less<long>> nrt;
 
 // Codes of the cycle.
 enum cycleMode {
-    CYCLE_SIMULATE = 0,   // open loop
-    CYCLE_RESET = 1,      // open loop, predictions reset to the measures after the step
-    CYCLE_DETECT = 2,     // closed loop, measures checked by the caller
-    CYCLE_ISOLATE = 3,    // 3, 4, 5: detection and isolation at levels 1, 2, 3
-    CYCLE_DIAGNOSE = 6    // 6, 7, 8: isolation alone, with no step
+    CYCLE_SIMULATE = 0,  // open loop
+    CYCLE_RESET = 1,     // open loop, predictions reset to the measures after the step
+    CYCLE_DETECT = 2,    // closed loop, measures checked by the caller
+    CYCLE_ISOLATE = 3,   // 3, 4, 5: detection and isolation at levels 1, 2, 3
+    CYCLE_DIAGNOSE = 6   // 6, 7, 8: isolation alone, with no step
 };
 
 // ---- Building and copying (records.cpp, copy.cpp) ----
@@ -181,8 +181,33 @@ int sn_checkMs(s_runtime* rt, int threshold);
 int sn_yieldAlarms(s_runtime* rt);
 int sn_yieldDiags(s_runtime* rt);
 
-// ---- Printing (print.cpp) ----
+// ---- Printing (print.cpp, print_runtime.cpp) ----
 
 void sn_printGVar(std::FILE* stream, s_GVar const* gvar);
 void sn_printExpr(std::FILE* stream, s_Expr const* expr);
+void sn_printGContr(std::FILE* stream, s_Expr const* constraint);
 void sn_printCondition(std::FILE* stream, s_Condition const* condition);
+// The same with the current value after each variable.
+void sn_printCondValues(std::FILE* stream, s_Condition const* condition);
+// The letter of a kind of influence, as rules show it.
+char const* sn_letterOf(influType type);
+
+void sn_printVarNom(std::FILE* stream, s_Variable const* variable);
+void sn_printVarValue(std::FILE* stream, s_Variable const* variable);
+void sn_printVarValueNV(std::FILE* stream, s_Variable const* variable);
+void sn_printVariable(std::FILE* stream, s_runtime const* rt, s_Variable const* variable);
+void sn_printVarHistory(std::FILE* stream, s_runtime const* rt, s_Variable const* variable);
+void sn_printInitVar(std::FILE* stream, s_InitVar const* initial);
+
+void sn_printDic(std::FILE* stream, s_runtime const* rt);
+void sn_printConds(std::FILE* stream, s_runtime const* rt);
+void sn_printSpace(std::FILE* stream, s_runtime const* rt);
+void sn_printInputs(std::FILE* stream, s_runtime const* rt);
+void sn_printDisplays(std::FILE* stream, s_runtime const* rt);
+void sn_printMeasures(std::FILE* stream, s_runtime const* rt);
+void sn_printInits(std::FILE* stream, s_runtime const* rt);
+void sn_printRules(std::FILE* stream, s_runtime const* rt);
+void sn_printCGraph(std::FILE* stream, s_runtime const* rt);
+void sn_printUpdateListsorn(std::FILE* stream, s_runtime const* rt);
+void sn_printGlobVs(std::FILE* stream, s_runtime const* rt);
+void sn_printGlobCs(std::FILE* stream, s_runtime const* rt);

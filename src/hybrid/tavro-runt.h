@@ -83,6 +83,11 @@ void sn_reduxTrajs(HybMap& trajectories, double time);
 bool intersectObsRt(s_runtime* a, s_runtime const* b);
 void mergeRuntimes(s_runtime* a, s_runtime const* b, double time);
 
+// ---- Graphs (graphs.cpp) ----
+
+// Writes htraj0.dot, htraj1.dot and so on, a file a candidate, in the order of the map.
+void graphTrajs(HybMap const& trajectories);
+
 // ---- Bridge (bridge.cpp); see also continuous/bridge.h ----
 
 // Hands the events of the continuous side to the scheduler.

@@ -64,6 +64,8 @@ public:
     // Runs the undated scenario of *path* over the tracked trajectories; returns 1.
     int runSchD(std::string const& path);
     void run2();
+    // Writes traj0.dot, traj1.dot and so on, a file a trajectory, in the order of the map.
+    static void graphTraj(TrajectoryMap const& trajectories);
 
     // ---- Steps (scheduler/steps.cpp) ----
 

@@ -12,7 +12,9 @@
 #include <optional>
 #include <string>
 
-void leaveProcess(int status) { std::exit(status); }
+void leaveProcess(int status) {
+    std::exit(status);
+}
 
 void keepStandardStreams() {
     for (int descriptor = 0; descriptor <= 2; ++descriptor)
@@ -81,4 +83,6 @@ double availableMemory() {
     return std::min({freeInMachine(), leftInControlGroup(), leftInAddressSpace()});
 }
 
-double residentMemory() { return ownPages(1); }
+double residentMemory() {
+    return ownPages(1);
+}

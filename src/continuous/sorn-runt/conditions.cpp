@@ -14,8 +14,7 @@ boolVal insideOrEqual(s_Objet const* value, s_Objet const* space) {
 
 boolVal evalRelation(s_Condition const* condition) {
     s_Objet const* left = &condition->var->old;
-    s_Objet const* right =
-        condition->var2 != nullptr ? &condition->var2->old : &*condition->value;
+    s_Objet const* right = condition->var2 != nullptr ? &condition->var2->old : &*condition->value;
     switch (condition->op) {
         case REL_EQ:
             return sn_eqObjet(left, right);

@@ -93,7 +93,9 @@ bool passIsStable(s_runtime* rt) {
 
 }  // namespace
 
-void sn_evalSolFunc(s_runtime* rt, s_Expr const* expr) { *TMP4 = evaluate(rt, expr); }
+void sn_evalSolFunc(s_runtime* rt, s_Expr const* expr) {
+    *TMP4 = evaluate(rt, expr);
+}
 
 s_Objet* sn_evalExpr(s_runtime* rt, s_Expr const* expr) {
     sn_evalSolFunc(rt, expr);

@@ -1,8 +1,11 @@
 // Deep copies of a runtime.
 //
 // Records point at each other, and one record may be reached from several arrays. A copy keeps that
-// sharing: every record is copied once, at the same slot of the same pool, and every pointer between
-// records is then carried over by slot. Histories and display rows are shared until one side writes.
+// sharing: every record is copied once, at the same slot of the same pool, and every pointer
+// between records is then carried over by slot. Histories and display rows are shared until one
+// side writes.
+#include <algorithm>
+
 #include "continuous/sorn-runt.h"
 
 namespace {
@@ -53,9 +56,10 @@ void copyScalars(s_runtime const& from, s_runtime& to) {
 void copyVariables(s_runtime const& from, s_runtime& to) {
     clonePool(from.dico, to.dico);
     for (auto const& variable : to.dico)
-        // Required: the misbehaviour history of a well-behaved measure is dropped by a copy.
-        if (!variable->mesmisb)
-            variable->misbHisto.clear();
+        // Required: the misbehaviour history of a well-behaved measure is dropped by a copy. That
+        // of a misbehaving one has a place for each cycle of the window, whatever the source had.
+        variable->misbHisto.resize(
+            variable->mesmisb ? static_cast<std::size_t>(std::max(from.misbWindow, 0)) : 0);
     to.input = counterparts(to.dico, from.input);
     to.display = counterparts(to.dico, from.display);
     to.measure = counterparts(to.dico, from.measure);

@@ -8,8 +8,9 @@ namespace {
 // The threshold of the check at the start of a run, in cycles.
 constexpr int initialThreshold = 2;
 
+// A window of no cycle at all leaves everything as it is, and so does a negative one.
 void startMisbehaviourWindow(s_runtime* rt, int window) {
-    if (rt->measure.empty() || window == 0)
+    if (rt->measure.empty() || window <= 0)
         return;
     for (s_Variable* measure : rt->measure)
         measure->misbHisto.assign(static_cast<std::size_t>(window), 0);
@@ -30,8 +31,7 @@ int step(s_runtime* rt, bool& invalid) {
 
 }  // namespace
 
-void sorn_initialize(s_runtime* rt, int global, double precision, char const* diagBuf,
-                     int window) {
+void sorn_initialize(s_runtime* rt, int global, double precision, char const* diagBuf, int window) {
     sn_updateDico(rt);
     sn_evalInfluCoefs(rt, rt->Ts);
     sn_enterInputs(rt);

@@ -1,11 +1,14 @@
 // What enters a runtime from outside, and what it yields.
 #include "continuous/exchange.h"
 
+#include <cassert>
+
 #include "continuous/sorn-runt.h"
 
 int sn_enterInputs(s_runtime* rt) {
     if (rt->input.empty())
         return 1;
+    assert(inps.size() >= rt->input.size());
     rt->inval = inps.data();
     for (std::size_t i = 0; i < rt->input.size(); ++i) {
         rt->input[i]->new_ = makeReal(rt->inval[i]);
@@ -20,6 +23,7 @@ namespace {
 int enterMeasuresInto(s_runtime* rt, s_Objet s_Variable::*field) {
     if (rt->measure.empty())
         return 1;
+    assert(meas.size() >= rt->measure.size());
     rt->mesval = meas.data();
     for (std::size_t i = 0; i < rt->measure.size(); ++i) {
         sn_pushHistoMes(rt->measure[i]);
@@ -29,9 +33,12 @@ int enterMeasuresInto(s_runtime* rt, s_Objet s_Variable::*field) {
 }
 
 // 2 when the mark that every condition is false survived, else 1.
-int verdict(bool allFalse) { return allFalse ? 2 : 1; }
+int verdict(bool allFalse) {
+    return allFalse ? 2 : 1;
+}
 
-// Copies the conditions' values out. Returns whether all are false, given that *allFalse* were so far.
+// Copies the conditions' values out. Returns whether all are false, given that *allFalse* were so
+// far.
 bool yieldCondsOf(s_runtime* rt, bool allFalse) {
     for (std::size_t i = 0; i < rt->influ.size(); ++i) {
         s_Condition const* condition = rt->influ[i]->cond;
@@ -44,15 +51,19 @@ bool yieldCondsOf(s_runtime* rt, bool allFalse) {
 
 }  // namespace
 
-int sn_enterMeasures(s_runtime* rt) { return enterMeasuresInto(rt, &s_Variable::mes); }
+int sn_enterMeasures(s_runtime* rt) {
+    return enterMeasuresInto(rt, &s_Variable::mes);
+}
 
-int sn_enterMeasuresOld(s_runtime* rt) { return enterMeasuresInto(rt, &s_Variable::old); }
+int sn_enterMeasuresOld(s_runtime* rt) {
+    return enterMeasuresInto(rt, &s_Variable::old);
+}
 
 int sn_enterMisbs(s_runtime* rt) {
     if (rt->measure.empty())
         return 1;
-    int const result = sorn_getMisbs(rt->name.c_str(), static_cast<int>(rt->measure.size()),
-                                     rt->mesmisb.data());
+    int const result =
+        sorn_getMisbs(rt->name.c_str(), static_cast<int>(rt->measure.size()), rt->mesmisb.data());
     for (std::size_t i = 0; i < rt->measure.size(); ++i)
         rt->measure[i]->mesmisb = rt->mesmisb[i] != 0 ? 1 : 0;
     return result;
@@ -84,7 +95,9 @@ int sn_yieldDisplays(s_runtime* rt) {
     return 1;
 }
 
-int sn_yieldConds(s_runtime* rt) { return verdict(yieldCondsOf(rt, true)); }
+int sn_yieldConds(s_runtime* rt) {
+    return verdict(yieldCondsOf(rt, true));
+}
 
 int sn_yieldMRTConds(s_runtime* rt) {
     sn_splitValiditySpc(rt);

@@ -1,7 +1,9 @@
 // Filling and pushing the histories of values and measures.
 #include "continuous/sorn-runt.h"
 
-void sn_fillHisto(s_Variable* variable) { variable->histo.fill(variable->old); }
+void sn_fillHisto(s_Variable* variable) {
+    variable->histo.fill(variable->old);
+}
 
 void sn_fillHistoMes(s_Variable* variable) {
     variable->mesHisto.fill(variable->mes);
@@ -20,7 +22,9 @@ void sn_fillAllHistosMes(s_runtime* rt) {
         sn_fillHistoMes(measure);
 }
 
-void sn_pushHisto(s_Variable* variable) { variable->histo.push(variable->old); }
+void sn_pushHisto(s_Variable* variable) {
+    variable->histo.push(variable->old);
+}
 
 void sn_pushHistoMes(s_Variable* variable) {
     variable->mesHisto.push(variable->mes);

@@ -5,7 +5,7 @@
 
 namespace {
 
-// `defined` while a first value is being computed: a loop of static causes reads what is there.
+// `defined` while a first value is being computed.
 constexpr int beingDefined = -1;
 
 void setFirstValue(s_Variable* variable, s_Objet const& value) {
@@ -20,7 +20,10 @@ void addProduct(s_Objet* sum, s_Objet value, s_Objet const& coefficient) {
     sn_addObjet(sum, &value);
 }
 
+// A loop of static causes has no first value: it is told, and reads what is there.
 void defineCause(s_runtime* rt, s_Variable* cause) {
+    if (cause->defined == beingDefined)
+        std::fprintf(stderr, "The first value of %s depends on itself !\n", cause->nom.c_str());
     if (cause->defined)
         return;
     if (sn_isMeasure(rt, cause)) {

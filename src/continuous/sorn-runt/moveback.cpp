@@ -7,11 +7,11 @@
 
 namespace {
 
-// Moves each entry *count* places towards the newest; the places left become *zero*. A shift of more
-// than half of the history leaves the entries that neither move nor are moved onto.
+// Moves each entry *count* places towards the newest; the places left become *zero*. A shift of
+// more than half of the history leaves the entries that neither move nor are moved onto.
 template <typename T>
 void shiftBack(History<T>& history, int count, T const& zero) {
-    if (2 * count <= history.size()) {
+    if (count <= history.size() - count) {
         history.forgetNewest(count, zero);
         return;
     }

@@ -32,42 +32,56 @@ char const* operatorText(int op) {
 }
 
 char const* relationText(int op) {
-    static char const* const texts[] = {"",     " = ",  " != ", " <= ",
-                                        " < ", " >= ", " > ",  " in "};
+    static char const* const texts[] = {"", " = ", " != ", " <= ", " < ", " >= ", " > ", " in "};
     return op >= REL_EQ && op <= REL_IN ? texts[op] : "";
 }
 
-void printRelation(std::FILE* stream, s_Condition const* condition) {
-    std::fprintf(stream, "%s%s", condition->var->nom.c_str(), relationText(condition->op));
+// With its current value, if it is asked for.
+void printVariable(std::FILE* stream, s_Variable const* variable, bool withValues) {
+    std::fprintf(stream, "%s", variable->nom.c_str());
+    if (!withValues)
+        return;
+    std::fprintf(stream, " : ");
+    sn_printObjet(stream, &variable->old);
+}
+
+void printRelation(std::FILE* stream, s_Condition const* condition, bool withValues) {
+    printVariable(stream, condition->var, withValues);
+    std::fprintf(stream, "%s", relationText(condition->op));
     if (condition->var2 != nullptr)
-        std::fprintf(stream, "%s", condition->var2->nom.c_str());
+        printVariable(stream, condition->var2, withValues);
     else if (condition->value)
         sn_printObjet(stream, &*condition->value);
 }
 
-void printConditionBody(std::FILE* stream, s_Condition const* condition) {
+void printBracketed(std::FILE* stream, s_Condition const* condition, bool withValues);
+
+void printConditionBody(std::FILE* stream, s_Condition const* condition, bool withValues) {
     switch (condition->kind) {
         case COND_CONST:
             std::fprintf(stream, "%s", condition->val ? "true" : "false");
             break;
         case COND_REL:
-            printRelation(stream, condition);
+            printRelation(stream, condition, withValues);
             break;
         case COND_OR:
         case COND_AND:
-            sn_printCondition(stream, condition->left);
+            printBracketed(stream, condition->left, withValues);
             std::fprintf(stream, "%s", condition->kind == COND_OR ? " | " : " & ");
-            sn_printCondition(stream, condition->right);
+            printBracketed(stream, condition->right, withValues);
             break;
         case COND_NOT:
             std::fprintf(stream, "! ");
-            sn_printCondition(stream, condition->left);
+            printBracketed(stream, condition->left, withValues);
             break;
         case COND_ATOM:
             condition->atom->showAtom(false);
             break;
         case COND_EXPR:
-            sn_printGVar(stream, condition->expr->gvar);
+            if (withValues && condition->expr->gvar->kind == GV_VARIABLE)
+                printVariable(stream, condition->expr->gvar->var, true);
+            else
+                sn_printGVar(stream, condition->expr->gvar);
             std::fprintf(stream, " : ");
             sn_printExpr(stream, condition->expr);
             break;
@@ -76,38 +90,26 @@ void printConditionBody(std::FILE* stream, s_Condition const* condition) {
     }
 }
 
-char const* letterOf(influType type) {
-    switch (type) {
-        case INF_DYNAMIC:
-            return "D";
-        case INF_INTEGRAL:
-            return "I";
-        case INF_STATIC:
-            return "S";
-        case INF_COUPLING:
-            return "C";
-        default:
-            return "D2";
-    }
-}
-
 void printNamed(char const* label, s_Objet const& value) {
     std::fputs(label, stdout);
     sn_printObjet(stdout, &value);
 }
 
+void printIfSet(char const* label, std::optional<s_Objet> const& value) {
+    if (value)
+        printNamed(label, *value);
+}
+
 void printForms(s_Influence const* influence) {
-    if (influence->xi)
-        printNamed(": xi ", *influence->xi);
-    if (influence->w)
-        printNamed(": w ", *influence->w);
+    printIfSet(": xi ", influence->xi);
+    printIfSet(": w ", influence->w);
     if (!influence->n1)
         return;
-    printNamed(": n1 ", *influence->n1);
-    printNamed(": n2 ", *influence->n2);
-    printNamed(": d0 ", *influence->d0);
-    printNamed(": d1 ", *influence->d1);
-    printNamed(": d2 ", *influence->d2);
+    printIfSet(": n1 ", influence->n1);
+    printIfSet(": n2 ", influence->n2);
+    printIfSet(": d0 ", influence->d0);
+    printIfSet(": d1 ", influence->d1);
+    printIfSet(": d2 ", influence->d2);
 }
 
 }  // namespace
@@ -123,16 +125,43 @@ void sn_printExpr(std::FILE* stream, s_Expr const* expr) {
     printOperand(stream, expr->op == EXPR_NEG ? expr->left : expr->right);
 }
 
-void sn_printCondition(std::FILE* stream, s_Condition const* condition) {
+char const* sn_letterOf(influType type) {
+    switch (type) {
+        case INF_DYNAMIC:
+            return "D";
+        case INF_INTEGRAL:
+            return "I";
+        case INF_STATIC:
+            return "S";
+        case INF_COUPLING:
+            return "C";
+        default:
+            return "D2";
+    }
+}
+
+namespace {
+
+void printBracketed(std::FILE* stream, s_Condition const* condition, bool withValues) {
     if (condition == nullptr) {
         std::fprintf(stderr, "Unable to print condition (NULL Pointer)\n");
         return;
     }
     std::fprintf(stream, "(");
-    printConditionBody(stream, condition);
+    printConditionBody(stream, condition, withValues);
     std::fprintf(stream, ")");
     // Required: the end of the line goes to standard output whatever the stream.
     std::cout << "\n";
+}
+
+}  // namespace
+
+void sn_printCondition(std::FILE* stream, s_Condition const* condition) {
+    printBracketed(stream, condition, false);
+}
+
+void sn_printCondValues(std::FILE* stream, s_Condition const* condition) {
+    printBracketed(stream, condition, true);
 }
 
 void printInfluence(s_Influence const* influence) {
@@ -144,7 +173,7 @@ void printInfluence(s_Influence const* influence) {
         sn_printCondition(stdout, influence->cond);
         std::printf(" ");
     }
-    std::printf("%s -%s-> %s", influence->cause->nom.c_str(), letterOf(influence->type),
+    std::printf("%s -%s-> %s", influence->cause->nom.c_str(), sn_letterOf(influence->type),
                 influence->effect->nom.c_str());
     printNamed(": gain ", influence->gain);
     printForms(influence);

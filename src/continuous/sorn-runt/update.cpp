@@ -1,4 +1,6 @@
 // Updating a variable from its causes, and what a cause is worth at a delay.
+#include <algorithm>
+
 #include "continuous/sorn-runt.h"
 
 namespace {
@@ -6,8 +8,9 @@ namespace {
 // Makes *value* the newest entry; a history of length 0 holds its one entry all the same.
 void pushCondValue(s_Influence* influence, boolVal value) {
     auto& history = influence->condHisto;
-    if (history.empty())
-        history.resize(1);
+    std::size_t const needed = static_cast<std::size_t>(std::max(influence->condHistoLn, 1));
+    if (history.size() < needed)
+        history.resize(needed, value);
     for (int i = influence->condHistoLn - 1; i >= 1; --i)
         history[static_cast<std::size_t>(i)] = history[static_cast<std::size_t>(i) - 1];
     history[0] = value;
@@ -26,8 +29,11 @@ bool flagAt(History<int> const& history, int i) {
     return history.size() > 0 && history[std::min(i, history.size() - 1)] != 0;
 }
 
-// At a delay of *hi* cycles the measure was trusted.
+// At a delay of *hi* cycles the measure was trusted. Without a history only today's alarms are
+// known.
 bool wasTrusted(s_runtime const* rt, s_Variable const* cause, int hi) {
+    if (cause->mesHisto.size() == 0)
+        return sn_isTrusted(rt, cause);
     return sn_isMeasure(rt, cause) && !flagAt(cause->lowHisto, hi - 1) &&
            !flagAt(cause->highHisto, hi - 1);
 }
@@ -111,7 +117,9 @@ int sn_pushCond(s_Influence* influence, s_runtime* rt) {
     return influence->cond->val;
 }
 
-void sn_pushExternCond(s_Influence* influence, boolVal value) { pushCondValue(influence, value); }
+void sn_pushExternCond(s_Influence* influence, boolVal value) {
+    pushCondValue(influence, value);
+}
 
 bool sn_isActive(s_Influence* influence, s_runtime* rt) {
     return influence->cond == nullptr || sn_pushCond(influence, rt) != 0;

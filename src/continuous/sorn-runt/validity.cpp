@@ -1,9 +1,10 @@
 // Validity spaces: one runtime becomes several where its values lie on both sides of a threshold.
 //
 // A condition constraint (an entry of aC) gives the interval in which its variable must lie. The
-// validity space of a runtime is the set of constraints that hold in it. When a value has grown over
-// the edge of its space, the part inside stays with the runtime and each part outside becomes a copy
-// with its own space; when it has left the space altogether, the space changes and no copy is made.
+// validity space of a runtime is the set of constraints that hold in it. When a value has grown
+// over the edge of its space, the part inside stays with the runtime and each part outside becomes
+// a copy with its own space; when it has left the space altogether, the space changes and no copy
+// is made.
 //
 // TMP1 holds the narrowed value through one pass and must survive everything called there; only
 // TMP4 may be overwritten.
@@ -283,7 +284,7 @@ void viewCcAgenda(s_runtime const* rt) {
 void viewSplitState(s_GVar const* gvar, s_Objet const* current, s_Objet const* filtered) {
     std::cout << "\t\t|variable: ";
     sn_printGVar(stdout, gvar);
-    std::cout << "\n\t\t|current value: ";
+    std::cout << "\n\n\t\t|current value: ";
     sn_printObjet(stdout, current);
     std::cout << "\n\t\t|filtered value: ";
     sn_printObjet(stdout, filtered);

@@ -29,10 +29,7 @@ struct Conflict {
     }
 };
 
-// An element of a refused value belongs to no variable: nothing weighs it.
 bool isHeldAtItsLabel(TrajEl const* element) {
-    if (element->getStateVar() == nullptr)
-        return true;
     if (element->isLabelled(labelFalse))
         return element->isHeldFalse();
     return !element->isLabelled(labelTrue) || element->isHeldTrue();
@@ -53,6 +50,8 @@ bool mayFlipWhileSearching(TrajEl const* element) {
 }
 
 bool isCandidate(TrajEl const* element, Conflict const& conflict) {
+    if (element->getStateVar() == nullptr)
+        return false;  // of a value that its variable refused: nothing weighs it
     if (element->atom->failure && element->isLabelled(labelFalse) &&
         !conflict.rankAllows(conflict.res.state.get()))
         return false;

@@ -2,6 +2,7 @@
 #include "reasoning/Scheduler.h"
 
 #include "support/process.h"
+#include "trajectory/model_tools.h"
 
 bool discretemdl = false;
 Scheduler* sMM = nullptr;
@@ -26,4 +27,10 @@ void Scheduler::raz() {
     contEvents.clear();
     contCommands.clear();
     initSchD();
+}
+
+void Scheduler::graphTraj(TrajectoryMap const& trajectories) {
+    int i = 0;
+    for (auto const& entry : trajectories)
+        toDot(entry.second.get(), "traj" + std::to_string(i++));
 }

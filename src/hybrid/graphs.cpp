@@ -1,0 +1,9 @@
+// Graphs of the candidates that survived a run.
+#include "hybrid/tavro-runt.h"
+#include "trajectory/model_tools.h"
+
+void graphTrajs(HybMap const& trajectories) {
+    int i = 0;
+    for (auto const& entry : trajectories)
+        toDot(entry.second->traj.get(), "htraj" + std::to_string(i++));
+}

@@ -1,0 +1,23 @@
+// Graphviz text of components and trajectories, for inspection.
+//
+// The text is built in memory and written in one go into the working directory. A file that cannot
+// be created is not reported.
+#pragma once
+
+#include <string>
+
+class Atom;
+class Comp;
+class Trajectory;
+
+// A node an atom and step: component, "_", value, suffix.
+std::string makeNodeName(Atom const* atom, std::string const& suffix);
+// The same with the value as its label.
+std::string makeNodeNameWithLabel(Atom const* atom, std::string const& suffix);
+
+// Writes <component name>.dot: an edge per transition, from the mode before to the one after, with
+// the command that triggers it and its probability.
+void toDot(Comp const* comp);
+// Writes <name>.dot: a time line across the page, the modes of each component at each step, and the
+// transitions between them.
+void toDot(Trajectory const* trajectory, std::string const& name);

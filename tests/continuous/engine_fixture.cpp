@@ -1,0 +1,131 @@
+// The environment of the engine, and the helpers of its tests.
+#include "engine_fixture.h"
+
+#include <algorithm>
+#include <map>
+
+#include "continuous/bridge.h"
+#include "continuous/exchange.h"
+
+namespace engine_test {
+
+std::vector<std::string> bridgeCalls;
+Outside outside;
+
+namespace {
+
+void record(char const* what, Atom const* atom, s_runtime const* rt) {
+    bridgeCalls.push_back(std::string(what) + " " + (atom != nullptr ? atom->getId() : "-") + " #" +
+                          std::to_string(rt->num));
+}
+
+auto eventOn(s_runtime* rt, Atom const* atom) {
+    return std::find_if(rt->bridgeEvents.begin(), rt->bridgeEvents.end(),
+                        [atom](auto const& event) { return event.second == atom; });
+}
+
+int handOut(char const* name, int count, std::vector<int> const& from, int* values) {
+    outside.name = name;
+    outside.count = count;
+    for (std::size_t i = 0; i < from.size() && i < static_cast<std::size_t>(count); ++i)
+        values[i] = from[i];
+    return outside.result;
+}
+
+}  // namespace
+
+std::string entries(std::vector<int> const& values) {
+    std::string result;
+    for (int const value : values)
+        result += (result.empty() ? "" : " ") + std::to_string(value);
+    return result;
+}
+
+std::string entries(History<int> const& history) {
+    std::vector<int> values;
+    for (int i = 0; i < history.size(); ++i)
+        values.push_back(history[i]);
+    return entries(values);
+}
+
+std::string entries(History<s_Objet> const& history) {
+    std::string result;
+    for (int i = 0; i < history.size(); ++i)
+        result += (i > 0 ? " " : "") + text(history[i]);
+    return result;
+}
+
+History<s_Objet> numbered(int length, double first) {
+    History<s_Objet> history(length);
+    for (int i = 0; i < length; ++i)
+        history.set(i, makeReal(first + i));
+    return history;
+}
+
+Choice::Choice(std::string const& name, std::vector<std::string> const& values)
+    : variable(name, {values.begin(), values.end()}, values.front(), nullptr) {
+    for (std::string const& value : values)
+        atoms.push_back(std::make_unique<Atom>(&variable, value, name + "=" + value));
+}
+
+std::string events(s_runtime const& rt) {
+    std::string result;
+    for (auto const& [sign, atom] : rt.bridgeEvents)
+        result += std::string(result.empty() ? "" : " ") + (sign ? "+" : "-") + atom->getId();
+    return result;
+}
+
+void EngineTest::dropSplit() {
+    std::map<long, s_runtime*> once;
+    for (auto const& [num, rt] : nrt)
+        if (rt != keep)
+            once[num] = rt;
+    for (auto const& entry : once)
+        delete entry.second;
+    nrt.clear();
+}
+
+void EngineTest::reset() {
+    dropSplit();
+    env_opti = 1;
+    rt_num = 0;
+    inps.clear();
+    meas.clear();
+    bridgeCalls.clear();
+    outside = {};
+}
+
+}  // namespace engine_test
+
+using engine_test::eventOn;
+using engine_test::handOut;
+using engine_test::outside;
+using engine_test::record;
+
+// The bridge as its header tells it, with a record of its calls.
+void addBridgeEvent(s_Condition* c, Atom* atom, bool sign, s_runtime* rt) {
+    record("add", atom, rt);
+    if (atom != nullptr) {
+        if (eventOn(rt, atom) != rt->bridgeEvents.end())
+            return;
+        rt->bridgeEvents.insert({sign, atom});
+    }
+    c->val = sign ? 1 : 0;
+}
+
+void removeBridgeEvent(s_Condition* c, Atom const* atom, s_runtime* rt) {
+    record("remove", atom, rt);
+    auto const found = eventOn(rt, atom);
+    if (found == rt->bridgeEvents.end())
+        return;
+    rt->bridgeEvents.erase(found);
+    c->val = 0;
+}
+
+int sorn_getMisbs(char const* name, int count, int* values) {
+    return handOut(name, count, outside.misbs, values);
+}
+
+int sorn_getConds(char const* name, int count, int* values) {
+    return handOut(name, count, outside.conds, values);
+}

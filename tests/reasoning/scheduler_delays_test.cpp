@@ -1,0 +1,165 @@
+// Transitions whose effects come at delays.
+#include "reasoning/scheduler_fixture.h"
+
+using namespace scheduler_fixture;
+
+namespace {
+
+// A pump that a command starts, and a fan with a mode and a command.
+class DelayedEffects : public testing::Test {
+protected:
+    DelayedEffects() {
+        pump = model.comp("pump");
+        auto* cmd = model.variable<CommandVar>(pump, "cmd", {"none", "go"});
+        auto* mode = model.variable<ModeVar>(pump, "mode", {"off", "on"});
+        go = cmd->getAtomLinks()[1];
+        off = mode->getAtomLinks()[0];
+        on = mode->getAtomLinks()[1];
+        fan = model.comp("fan");
+        fanGo = model.variable<CommandVar>(fan, "cmd", {"none", "go"})->getAtomLinks()[1];
+        auto* speed = model.variable<ModeVar>(fan, "mode", {"slow", "fast"});
+        fast = speed->getAtomLinks()[1];
+    }
+
+    Streams step(std::vector<Atom*> const& commands) {
+        return streamsOf([&] {
+            sMM->constructNextNominalStateLarge(model.traj.get(), commands, false, pending);
+        });
+    }
+    std::vector<Atom*> commandsAt(double step) const {
+        auto const found = sMM->scenario.find(step);
+        return found == sMM->scenario.end() ? std::vector<Atom*>{} : found->second->atoms;
+    }
+    using Atoms = std::vector<Atom*>;
+
+    HandModel model;
+    PendingTransitions pending;
+    Comp *pump = nullptr, *fan = nullptr;
+    Atom *go = nullptr, *off = nullptr, *on = nullptr, *fanGo = nullptr, *fast = nullptr;
+};
+
+TEST_F(DelayedEffects, DelayOneIsTheNextStepAndALaterCommandAnEvent) {
+    Transition* starts = HandModel::delayed(pump, {{true, go}, {true, off}},
+                                            {{1, {{true, on}}}, {3, {{true, fanGo}}}});
+    model.start();
+    Streams const told = step({go});
+    EXPECT_EQ(told.err, "");
+    EXPECT_EQ(model.traj->getCurrentTime(), 1);
+    EXPECT_EQ(model.label("pump.mode=on", 1), "true");
+    EXPECT_EQ(model.label("pump.mode=off", 1), "false");
+    TrajEl const* reached = model.traj->getState(1)->getElt("pump.mode=on");
+    EXPECT_EQ(reached->prevTrans, starts);
+    EXPECT_EQ(reached->index, 0);
+    EXPECT_EQ(commandsAt(3.0), Atoms{fanGo});
+    EXPECT_EQ(sMM->scenario.size(), 1u);
+    EXPECT_EQ(model.rt.bridgeTrans, std::vector<Transition*>{starts});
+    EXPECT_EQ(told.out.find("-------->"), std::string::npos);
+}
+
+TEST_F(DelayedEffects, AModeAtALaterDelayIsScheduledAndNotAsserted) {
+    Transition* starts = HandModel::delayed(pump, {{true, go}, {true, off}}, {{2, {{true, on}}}});
+    model.start();
+    step({go});
+    // The element was fetched, so there is a next state; it stays off there.
+    EXPECT_EQ(model.traj->getCurrentTime(), 1);
+    EXPECT_EQ(model.label("pump.mode=on", 1), "false");
+    EXPECT_EQ(model.label("pump.mode=off", 1), "true");
+    EXPECT_EQ(model.traj->getState(1)->getElt("pump.mode=on")->prevTrans, starts);
+    EXPECT_EQ(commandsAt(2.0), Atoms{on});
+}
+
+TEST_F(DelayedEffects, TheCommandOfTheGuardIsPending) {
+    Transition* starts = HandModel::delayed(pump, {{true, off}, {true, go}},
+                                            {{1, {{true, on}}}, {3, {{true, fanGo}}}});
+    model.start();
+    step({go});
+    ASSERT_EQ(pending.size(), 1u);
+    auto const& [id, running] = *pending.begin();
+    EXPECT_EQ(id, starts->id);
+    EXPECT_EQ(running.trans, starts);
+    EXPECT_EQ(running.start, 0);
+    EXPECT_EQ(running.command, go);
+    // Two effects: it ends two steps after it fired.
+    EXPECT_TRUE(running.getEnd(2));
+    EXPECT_FALSE(running.getEnd(1));
+    EXPECT_FALSE(running.getEnd(3));
+}
+
+TEST_F(DelayedEffects, AGuardWithoutACommandIsNotPending) {
+    Atom* slow = fast->getSiblings()[0];
+    HandModel::delayed(fan, {{true, slow}}, {{2, {{true, fanGo}}}});
+    model.start();
+    step({slow});
+    EXPECT_EQ(commandsAt(2.0), Atoms{fanGo});
+    EXPECT_TRUE(pending.empty());
+}
+
+// While the transition is pending, its later effects do not count as made by it anew.
+TEST_F(DelayedEffects, AnEffectOfARunningTransitionRecordsNothing) {
+    Transition* starts = HandModel::delayed(pump, {{true, go}, {true, off}},
+                                            {{1, {{true, on}}}, {4, {{true, fast}}}});
+    model.start();
+    step({go});
+    EXPECT_EQ(model.traj->getState(1)->getElt("pump.mode=on")->prevTrans, starts);
+    EXPECT_EQ(model.traj->getState(1)->getElt("fan.mode=fast")->prevTrans, nullptr);
+    EXPECT_EQ(model.label("fan.mode=fast", 1), "false");
+    EXPECT_EQ(commandsAt(4.0), Atoms{fast});
+}
+
+TEST_F(DelayedEffects, APendingCommandIsAssertedAgain) {
+    Transition* starts = HandModel::delayed(pump, {{true, go}, {true, on}}, {{1, {{true, off}}}});
+    model.start();
+    pending.insert({starts->id, transitionCM{starts, 0, go}});
+    step({});
+    EXPECT_EQ(model.label("pump.cmd=go", 0), "true");
+    EXPECT_EQ(model.lock("pump.cmd=go"), LOCK_TRUE_PERM);
+    EXPECT_EQ(pending.size(), 1u);
+}
+
+// A pending command fires transitions as a given one does.
+TEST_F(DelayedEffects, APendingCommandIsOneOfTheCommands) {
+    Transition* runs = HandModel::delayed(pump, {{true, go}, {true, on}}, {{1, {{true, off}}}});
+    HandModel::transition(fan, {{true, go}}, {{true, fast}});
+    model.start();
+    pending.insert({runs->id, transitionCM{runs, 0, go}});
+    step({});
+    EXPECT_EQ(model.label("fan.mode=fast", 1), "true");
+}
+
+TEST_F(DelayedEffects, ATransitionThatEndsIsShownAndForgotten) {
+    Transition* ends = HandModel::delayed(pump, {{true, go}, {true, on}},
+                                          {{1, {{true, off}}}, {2, {{true, fanGo}}}});
+    model.start();
+    pending.insert({ends->id, transitionCM{ends, -2, go}});  // two effects: the end is step 0
+    std::string const shown = streamsOf([ends] { ends->showTransition(); }).out;
+    Streams const told = step({});
+    EXPECT_NE(told.out.find(shown), std::string::npos);
+    EXPECT_TRUE(pending.empty());
+}
+
+TEST_F(DelayedEffects, AnImpossibleEffectTakesTheWholeTransitionBack) {
+    // The first effect could hold; the second names two values of one mode.
+    HandModel::delayed(pump, {{true, off}, {true, go}},
+                       {{1, {{true, on}}}, {2, {{true, fast}, {true, fast->getSiblings()[0]}}}});
+    model.start();
+    // At step 0 an element that records nothing has the index -1, so that delay 2 is due at once.
+    Streams const told = step({go});
+    EXPECT_EQ(told.err, "Error update the current state: no valid state found.\n");
+    EXPECT_EQ(model.traj->getCurrentTime(), 0);
+    EXPECT_TRUE(model.rt.bridgeTrans.empty());
+}
+
+// In a hybrid run every cycle starts without running transitions.
+TEST_F(DelayedEffects, NothingIsPendingInTheNextCycle) {
+    Transition* starts = HandModel::delayed(pump, {{true, go}, {true, off}},
+                                            {{1, {{true, on}}}, {2, {{true, fanGo}}}});
+    model.start();
+    sMM->addCommandEvent(go, 1);
+    streamsOf([&] { sMM->doCycle(model.traj.get(), &model.rt, 1.0); });
+    EXPECT_EQ(model.rt.bridgeTrans, std::vector<Transition*>{starts});
+    int const before = model.traj->getCurrentTime();
+    EXPECT_EQ(complaint([&] { sMM->doCycle(model.traj.get(), &model.rt, 1.5); }), "");
+    EXPECT_EQ(model.traj->getCurrentTime(), before);
+}
+
+}  // namespace
