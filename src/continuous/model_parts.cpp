@@ -6,22 +6,30 @@
 
 #include "continuous/sorn-runt.h"
 
-s_Variable* mkParameter(s_runtime& rt, std::string const& nom, double value) {
-    auto parameter = std::make_unique<s_Variable>();
-    parameter->nom = nom;
+namespace {
+
+std::unique_ptr<s_Variable> mkQuantity(std::string const& nom, int histLen) {
+    auto quantity = std::make_unique<s_Variable>();
+    quantity->nom = nom;
+    quantity->histo = History<s_Objet>(histLen);
+    quantity->mesHisto = History<s_Objet>(histLen);
+    quantity->lowHisto = History<int>(histLen);
+    quantity->highHisto = History<int>(histLen);
+    return quantity;
+}
+
+}  // namespace
+
+s_Variable* mkParameter(s_runtime& rt, std::string const& nom, double value, int histLen) {
+    auto parameter = mkQuantity(nom, histLen);
     parameter->isParam = 1;
     parameter->old = makeReal(value);
     return adoptVariable(rt, std::move(parameter));
 }
 
 s_Variable* mkVariable(s_runtime& rt, std::string const& nom, int histLen) {
-    auto variable = std::make_unique<s_Variable>();
-    variable->nom = nom;
+    auto variable = mkQuantity(nom, histLen);
     variable->domain = makeRange(-DBL_MAX, DBL_MAX, 1, 1);
-    variable->histo = History<s_Objet>(histLen);
-    variable->mesHisto = History<s_Objet>(histLen);
-    variable->lowHisto = History<int>(histLen);
-    variable->highHisto = History<int>(histLen);
     return adoptVariable(rt, std::move(variable));
 }
 

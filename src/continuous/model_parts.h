@@ -12,8 +12,8 @@
 
 #include "continuous/records.h"
 
-// A parameter, with its value.
-s_Variable* mkParameter(s_runtime& rt, std::string const& nom, double value);
+// A parameter, with its value; its histories of *histLen* cycles are never written.
+s_Variable* mkParameter(s_runtime& rt, std::string const& nom, double value, int histLen);
 // A variable without bounds, with histories of *histLen* cycles.
 s_Variable* mkVariable(s_runtime& rt, std::string const& nom, int histLen);
 

@@ -3,6 +3,6 @@
 
 class StateVar;
 
-// Enters the internal clauses of a variable in the registry and in the variable: for each pair of its
-// atoms, not both; then, one of them.
+// Enters the internal clauses of a variable in the registry and in the variable: for each pair of
+// its atoms, not both; then, one of them.
 void addExclusiveChoice(StateVar* variable);

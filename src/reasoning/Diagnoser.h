@@ -3,8 +3,8 @@
 // A candidate is a Trajectory; a conflict is a transition recorded in it that no longer fits the
 // labels of the states around it. The search goes backwards through the steps of a history: a step
 // without a conflict moves on, a step with conflicts is replaced by the successors in which another
-// transition explains them. The rank, the number of "Fail" transitions of a history, is raised by one
-// at a time, so that the simplest explanations come first.
+// transition explains them. The rank, the number of "Fail" transitions of a history, is raised by
+// one at a time, so that the simplest explanations come first.
 //
 // Whoever passes a trajectory by unique_ptr gives it away. Trace lines go to the error stream.
 #pragma once
@@ -32,11 +32,11 @@ using ConflictSet = string_map<disConflict>;
 
 // A transition chosen for expansion.
 struct likelyTransition {
-    Atom* conflictAtom;      // of the element in conflict
-    Atom* currentAtom;       // of the sibling through which the transition was found
-    double posterior;        // its weight in the state at the current step
+    Atom* conflictAtom;  // of the element in conflict
+    Atom* currentAtom;   // of the sibling through which the transition was found
+    double posterior;    // its weight in the state at the current step
     Transition* transition;
-    int startStep;           // the conflict's position
+    int startStep;  // the conflict's position
 };
 
 // Observed atoms; the key true means observed true.
@@ -45,6 +45,10 @@ using Observations = SignedAtoms;
 class Diagnoser : public itms {
 public:
     // ---- Locks (diagnoser/locks.cpp) ----
+
+    // Labels the atom's element true, then those of its variable's atoms false. Required: the atom
+    // is one of these, so it ends at false. No caller yet.
+    static void setObservation(Atom const* atom, State* state);
 
     // Temporary: a free element is held at true and its siblings at false.
     static void lockTrajEls(TrajEl* element, State* state);
@@ -72,41 +76,72 @@ public:
                              TrajectoryMap& successors, double rank);
     // Whether a failure that no command triggers has been expanded already in this search.
     static bool checkForDeadEnd(Transition const* transition);
+    // The same, and whether the history holds one that has been; that alone decides for a
+    // transition of another kind. Enters nothing. No caller yet.
+    static bool checkForDeadEndExt(Transition const* transition, Trajectory const* trajectory);
     static void addResult(std::unique_ptr<Trajectory> trajectory, TrajectoryMap& results,
                           double& sum);
 
-    // ---- Observations and covering (diagnoser/observations.cpp, covering.cpp) ----
+    // ---- Observations and covering (diagnoser/observations*.cpp, covering*.cpp) ----
 
-    // The consistent outcomes of inserting observations at step t, by obsProb. The trajectory stays.
-    TrajectoryMap observationResults(Observations const& observations, Trajectory* trajectory, int t,
-                                     double rank, bool observing);
-    // The histories of least rank, from *fromRank* to *toRank*, that explain the observations at the
-    // trajectory's current time, by probability. Consumes the trajectory. *reached* answers the rank
-    // that the search came to.
+    // The consistent outcomes of inserting observations at step t, by obsProb. The trajectory
+    // stays.
+    TrajectoryMap observationResults(Observations const& observations, Trajectory* trajectory,
+                                     int t, double rank, bool observing);
+    // The older form, kept beside the other one: every atom was observed true, the likelihood is
+    // not normalised, and the key is the probability of the state. Consumes the trajectory.
+    TrajectoryMap observationResults(std::vector<Atom*> const& observations,
+                                     std::unique_ptr<Trajectory> trajectory, int t, double rank,
+                                     bool observing);
+    // The histories of least rank, from *fromRank* to *toRank*, that explain the observations at
+    // the trajectory's current time, by probability. Consumes the trajectory. *reached* answers the
+    // rank that the search came to.
     TrajectoryMap coverTrack3(std::unique_ptr<Trajectory> trajectory, double fromRank,
+                              double toRank, Observations const& observations, double& reached);
+
+    // The older search, kept beside the other one: depth first, back to step 1, without a match of
+    // the ranks. Its results are released. Consumes the trajectory.
+    TrajectoryMap coverTrack2(std::unique_ptr<Trajectory> trajectory, double fromRank,
                               double toRank, Observations const& observations, double& reached);
 
     // Failures without a command that have been expanded in this search; compared by identity.
     static std::set<Transition const*> redux_diag;
 
 private:
+    static void tellTransition(Transition const* transition);
+
     struct Selection;
     void selectTransitions(Selection& selection, ConflictSet const& conflicts);
     bool tryConflict(Selection& selection, disConflict const& conflict);
-    char const* refusal(Selection const& selection, disConflict const& conflict,
-                        TrajEl const* through, Transition const* transition);
-    char const* guardRefusal(Selection const& selection, disConflict const& conflict,
-                             Transition const* transition);
+    bool isRefused(Selection const& selection, disConflict const& conflict, TrajEl const* through,
+                   Transition const* transition);
+    static bool isPointless(Selection const& selection, disConflict const& conflict,
+                            TrajEl const* through, Transition const* transition);
+    bool isGuardRefused(Selection const& selection, disConflict const& conflict,
+                        Transition const* transition);
+    bool isEffectRefused(Selection const& selection, Transition const* transition);
     bool tryTransition(Selection& selection, disConflict const& conflict, TrajEl const* through,
                        Transition* transition);
     void recurse(std::unique_ptr<Trajectory> successor, Selection const& selection,
                  TrajectoryMap& finals);
+    static std::unique_ptr<State> observedCopy(State const* state);
+    // A changed element is held for the rest of the search, or noted as observed when it was
+    // denied.
+    static void noteChanged(ItmsRes const& result);
     ItmsResults settleGuard(likelyTransition const& candidate, Trajectory* trajectory,
                             std::unique_ptr<State> state, double rank);
     ItmsResults settleEffect(likelyTransition const& candidate, Trajectory* trajectory, int t,
                              std::unique_ptr<State> state, double rank);
 
+    // A step that no state of the window holds, so that nothing can be explained there.
+    static void tellLostStep(int step);
+    // Normalises the probabilities of what a search found, and tells it.
+    static void reportResults(TrajectoryMap const& results, double coverSum);
+
     struct Round;
     bool exploreRound(Round& round, TrajectoryMap& results);
     bool stepBack(Round& round, std::unique_ptr<Trajectory>& current, TrajectoryMap& results);
+
+    struct Descent;
+    void descend(Descent& descent);
 };

@@ -118,6 +118,8 @@ void State::removeElt(char const* id) {
     for (auto const& entry : elts)
         if (entry.second != nullptr)
             std::erase(entry.second->consequences, element);
+    for (auto const& kept : replaced)
+        std::erase(kept->consequences, element);
     delete element;
 }
 
@@ -175,10 +177,13 @@ double State::computePrevTransGuard() const {
 double State::computeNextTransGuard() const {
     double product = 1.0;
     std::set<int> counted;
-    for (auto const& entry : elts)
+    for (auto const& entry : elts) {
+        if (entry.second == nullptr)
+            continue;
         for (auto const& [id, transition] : entry.second->nextTrans)
             if (transition != nullptr && counted.insert(id).second)
                 product *= transition->guardProba;
+    }
     return product;
 }
 

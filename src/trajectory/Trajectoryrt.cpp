@@ -143,7 +143,7 @@ TrajEl* Trajectory::getElt(char const* id, int& found) const {
     return searchBack(id, sizeStart(), &found);
 }
 
-TrajEl* Trajectory::getElt(char const* id, int offset) const {
+TrajEl* Trajectory::getElt(char const* id, int const& offset) const {
     return searchBack(id, sizeStart() + offset, nullptr);
 }
 

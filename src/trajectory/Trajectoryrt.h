@@ -63,7 +63,8 @@ public:
     // window has moved.
     TrajEl* getElt(char const* id) const;
     TrajEl* getElt(char const* id, int& found) const;
-    TrajEl* getElt(char const* id, int offset) const;
+    // By reference, since a variable can then only mean the form above.
+    TrajEl* getElt(char const* id, int const& offset) const;
     TrajEl* getElt(char const* id, int t, int offset) const;
     TrajEl* getElt(char const* id, int t, int offset, int& found) const;
 

@@ -36,8 +36,7 @@ public:
 
 private:
     template <typename Record>
-    void same(Record const* x, Record const* y,
-              std::vector<std::unique_ptr<Record>> const& poolA,
+    void same(Record const* x, Record const* y, std::vector<std::unique_ptr<Record>> const& poolA,
               std::vector<std::unique_ptr<Record>> const& poolB) const {
         if (x == nullptr) {
             EXPECT_EQ(y, nullptr);
@@ -214,7 +213,8 @@ class FullRuntime {
 public:
     FullRuntime()
         : mode("mode", {"on", "off"}),
-          transition(std::make_unique<StateFormula>(), std::make_unique<StateFormula>(), "Nominal") {
+          transition(std::make_unique<StateFormula>(), std::make_unique<StateFormula>(),
+                     "Nominal") {
         makeVariables();
         makeConstraints();
         makeConditions();
@@ -227,7 +227,7 @@ public:
 
 private:
     void makeVariables() {
-        p = mkParameter(rt, "p", 3);
+        p = mkParameter(rt, "p", 3, 2);
         u = mkVariable(rt, "u", 2);
         x = mkVariable(rt, "x", 40);
         y = mkVariable(rt, "y", 3);

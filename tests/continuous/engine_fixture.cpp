@@ -62,6 +62,12 @@ History<s_Objet> numbered(int length, double first) {
     return history;
 }
 
+s_Variable* parameter(Plant& plant, char const* nom, double value) {
+    s_Variable* p = plant.add(nom, makeReal(value));
+    p->isParam = 1;
+    return p;
+}
+
 Choice::Choice(std::string const& name, std::vector<std::string> const& values)
     : variable(name, {values.begin(), values.end()}, values.front(), nullptr) {
     for (std::string const& value : values)

@@ -69,6 +69,9 @@ History<T> historyOf(std::vector<T> const& values) {
 // The same with the numbers first, first + 1, ...
 History<s_Objet> numbered(int length, double first = 1);
 
+// A parameter of the plant.
+s_Variable* parameter(Plant& plant, char const* nom, double value);
+
 // A discrete variable with an atom for each value; ids are "<name>=<value>".
 class Choice {
 public:

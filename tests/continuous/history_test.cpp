@@ -206,7 +206,10 @@ struct Pair {
         twin.insert(twin.end(), gone, value);
     }
     std::string problem() const {
-        return entries(history) == entries(twin) ? "" : entries(history) + " != " + entries(twin);
+        for (std::size_t i = 0; i < twin.size(); ++i)
+            if (history[static_cast<int>(i)] != twin[i])
+                return entries(history) + " != " + entries(twin);
+        return history.size() == static_cast<int>(twin.size()) ? "" : "another length";
     }
 };
 

@@ -1,4 +1,5 @@
-// What a cause is worth at a delay, conditions and their histories, and variables from their causes.
+// What a cause is worth at a delay, conditions and their histories, and variables from their
+// causes.
 #include "engine_fixture.h"
 
 namespace engine_test {

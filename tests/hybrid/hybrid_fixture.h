@@ -33,9 +33,9 @@ inline RunOptions simulation(int multi) {
 
 // A run of the reference model. The bound search is off unless a test asks for it, so that every
 // bound is what plain interval arithmetic gives.
-class Run {
+class RoomRun {
 public:
-    explicit Run(double firstMeasure, int search = 0) : before(env_opti) {
+    explicit RoomRun(double firstMeasure, int search = 0) : before(env_opti) {
         env_opti = search;
         TextFile const measures(std::to_string(firstMeasure) + "\n");
         measIn = std::fopen(measures.path.c_str(), "r");
@@ -45,7 +45,7 @@ public:
         // Room for the display rows of a run, as the console makes it.
         initDispAll(hybNT->rt.get(), 250.0);
     }
-    ~Run() { env_opti = before; }
+    ~RoomRun() { env_opti = before; }
 
     // One cycle at *time* with a measure; answers what it wrote.
     Streams cycle(RunOptions const& options, double time, double measure, double countdown = 0.0) {

@@ -1,17 +1,7 @@
 // The shared pieces of the tests of the discrete model.
 #include "model/model_fixture.h"
 
-#include <iostream>
-
-// Stands in for the printer of the continuous side; it never looks into the record.
-void printInfluence(s_Influence const* influence) {
-    model_fixture::printedInfluences.push_back(influence);
-    std::cout << "<influence>\n";
-}
-
 namespace model_fixture {
-
-std::vector<s_Influence const*> printedInfluences;
 
 std::string walk(SignedAtoms const& bag) {
     std::string text;

@@ -1,5 +1,5 @@
 // What the tests of the discrete model share: variables with their atoms, captured output, the
-// shorthand for the walk of a bag, a clean registry, and a fake printer of influences.
+// shorthand for the walk of a bag, and a clean registry.
 #pragma once
 
 #include <gtest/gtest.h>
@@ -19,13 +19,9 @@
 #include "model/ModeVarrt.h"
 #include "model/StateFormula.h"
 #include "model/Transitionrt.h"
-#include "model/influencePrinter.h"
 #include "model/labels.h"
 
 namespace model_fixture {
-
-// The influences that the fake printer was given, in order.
-extern std::vector<s_Influence const*> printedInfluences;
 
 // What *action* writes on standard output.
 template <typename Action>

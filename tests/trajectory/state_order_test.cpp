@@ -5,6 +5,7 @@
 // 193 entries has 193 buckets; a new entry goes to the front of its bucket, and the walk goes through
 // the buckets in order. A state that is copied is walked and entered again, so that entries of one
 // bucket change their order with every copy.
+#include <algorithm>
 #include <cstdint>
 #include <list>
 #include <map>
@@ -81,7 +82,7 @@ TEST_F(OneBucket, ReplacingAnElementKeepsItsPlace) {
     EXPECT_EQ(walk(entered), (Ids{"u.v=d\\", "u.v=ca", "u.v=bf"}));
 }
 
-TEST(StateOrder, FollowsTheRuleForMoreElementsThanBuckets) {
+TEST(StateOrder, FollowsTheRuleWhenManyShareBuckets) {
     Unit unit("wide");
     Ids ids;
     std::vector<std::string> values;

@@ -4,13 +4,11 @@
 #include <cfloat>
 
 #include "continuous/model_parts.h"
-#include "model/transitionParts.h"
+#include "generated/therm/window.h"
 #include "model/labels.h"
+#include "model/transitionParts.h"
 
 namespace {
-
-// Histories span the continuous window; that of x one cycle more, for the delay of i6.
-constexpr int histLen = 300;
 
 s_Objet const belowZero = makeRange(-DBL_MAX, 0.0, 1, 0);
 s_Objet const fromZero = makeRange(0.0, DBL_MAX, 1, 1);
@@ -37,15 +35,15 @@ void room::init(s_runtime& rt) {
 }
 
 void room::initVariables(s_runtime& rt) {
-    xd = mkVariable(rt, name + ".xd", histLen);
-    x = mkVariable(rt, name + ".x", histLen + 1);
-    xdq = mkVariable(rt, name + ".xdq", histLen);
-    xext = mkParameter(rt, name + ".xext", 4.0);
-    Qc = mkParameter(rt, name + ".Qc", 0.05);
-    Qo = mkParameter(rt, name + ".Qo", 0.0002);
-    m = mkParameter(rt, name + ".m", 10.0);
-    M = mkParameter(rt, name + ".M", 17.0);
-    un = mkParameter(rt, name + ".un", 1.0);
+    xd = mkVariable(rt, name + ".xd", thermWindow);
+    x = mkVariable(rt, name + ".x", thermWindow + 1);  // a cycle more, for the delay of i6
+    xdq = mkVariable(rt, name + ".xdq", thermWindow);
+    xext = mkParameter(rt, name + ".xext", 4.0, thermWindow);
+    Qc = mkParameter(rt, name + ".Qc", 0.05, thermWindow);
+    Qo = mkParameter(rt, name + ".Qo", 0.0002, thermWindow);
+    m = mkParameter(rt, name + ".m", 10.0, thermWindow);
+    M = mkParameter(rt, name + ".M", 17.0, thermWindow);
+    un = mkParameter(rt, name + ".un", 1.0, thermWindow);
     x->varConds = {6, 9, 10};
 }
 

@@ -2,8 +2,9 @@
 #include "generated/therm/therm.h"
 
 #include "continuous/model_parts.h"
-#include "model/transitionParts.h"
+#include "generated/therm/window.h"
 #include "model/labels.h"
+#include "model/transitionParts.h"
 
 therm::therm(std::string name, std::vector<CommandVar*> importedCommands,
              std::vector<CommandVar*> commands, room* peer, s_runtime& rt)
@@ -23,7 +24,7 @@ void therm::init(s_runtime& rt) {
     initTransitions();
 }
 
-void therm::initVariables(s_runtime& rt) { h = mkParameter(rt, name + ".h", 20.0); }
+void therm::initVariables(s_runtime& rt) { h = mkParameter(rt, name + ".h", 20.0, thermWindow); }
 
 void therm::initModes() {
     mode = addStateVar(std::make_unique<ModeVar>(

@@ -5,6 +5,7 @@
 #include "continuous/model_parts.h"
 #include "generated/therm/room.h"
 #include "generated/therm/therm.h"
+#include "generated/therm/window.h"
 #include "hybrid/tavro-runt.h"
 #include "model/exclusiveChoice.h"
 #include "reasoning/Scheduler.h"
@@ -90,7 +91,7 @@ void startinit(Scheduler* scheduler) {
     sizeArrays(*therm_rt);
     therm_rt->name = "therm";
     therm_rt->Ts = 1.0;
-    therm_rt->twc = 300;
+    therm_rt->twc = thermWindow;
     therm_rt->cgAux = 2;
     tavro_rt = therm_rt.get();
 }

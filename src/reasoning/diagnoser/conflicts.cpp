@@ -27,6 +27,8 @@ void addEffectConflicts(Trajectory const* trajectory, int t, Transition const* t
 // A transition whose guard no longer holds one step before.
 void addGuardConflicts(Trajectory const* trajectory, int t, Transition const* transition,
                        ConflictSet& conflicts) {
+    if (!transition->pre)
+        return;  // nothing to hold
     for (auto const& [key, atom] : transition->pre->getAllSignedAtoms()) {
         int position = 0;
         TrajEl* element = trajectory->getElt(atom->getId(), t - 1, 0, position);

@@ -55,7 +55,6 @@ ItmsResults Diagnoser::settleGuard(likelyTransition const& candidate, Trajectory
                                    std::unique_ptr<State> state, double rank) {
     int const step = candidate.startStep;
     Transition* transition = candidate.transition;
-    requireComponent(trajectory, state.get(), transition, step, true);
     SignedElements props;
     for (auto const& [key, atom] : transition->pre->getAllSignedAtoms()) {
         TrajEl* element = getElt(atom->getId(), {state.get(), trajectory, step});
@@ -76,7 +75,6 @@ ItmsResults Diagnoser::settleGuard(likelyTransition const& candidate, Trajectory
 
 ItmsResults Diagnoser::settleEffect(likelyTransition const& candidate, Trajectory* trajectory,
                                     int t, std::unique_ptr<State> state, double rank) {
-    requireComponent(trajectory, state.get(), candidate.transition, t, false);
     SignedElements props;
     for (auto const& [key, atom] : candidate.transition->post->getAllSignedAtoms()) {
         TrajEl* element = getElt(atom->getId(), {state.get(), trajectory, t});
@@ -94,13 +92,15 @@ ItmsResults Diagnoser::settleEffect(likelyTransition const& candidate, Trajector
 
 void Diagnoser::constructSuccessors(likelyTransition const& candidate, Trajectory* trajectory,
                                     int t, TrajectoryMap& successors, double rank) {
-    auto guardState =
-        std::make_unique<State>(trajectory->getState(candidate.startStep), true);
+    int const start = candidate.startStep;
+    auto guardState = std::make_unique<State>(trajectory->getState(start), true);
     auto effectState = std::make_unique<State>(trajectory->getState(t), true);
-    ItmsResults const guards =
-        settleGuard(candidate, trajectory, std::move(guardState), rank);
+    requireComponent(trajectory, guardState.get(), candidate.transition, start, true);
+    requireComponent(trajectory, effectState.get(), candidate.transition, t, false);
+    ItmsResults const guards = settleGuard(candidate, trajectory, std::move(guardState), rank);
     if (guards.empty()) {
-        std::cerr << ">>>>> Transition aborted : \n" << candidate.transition->id << "\n";
+        std::cerr << ">>>>> Transition aborted : \n";
+        tellTransition(candidate.transition);
         return;
     }
     ItmsResults const effects =

@@ -18,7 +18,9 @@ double secondsSince(std::clock_t start) {
     return static_cast<double>(std::clock() - start) / ticksPerSecond;
 }
 
-bool isAtStart(Trajectory const& trajectory, int step) { return step == trajectory.firstTime + 1; }
+bool isAtStart(Trajectory const& trajectory, int step) {
+    return step == trajectory.firstTime + 1;
+}
 
 }  // namespace
 
@@ -46,12 +48,14 @@ struct Diagnoser::Round {
     }
 };
 
-// One step of one history. False: the search ends. *current* stays set while it has steps to go back.
+// One step of one history. False: the search ends. *current* stays set while it has steps to go
+// back.
 bool Diagnoser::stepBack(Round& round, std::unique_ptr<Trajectory>& current,
                          TrajectoryMap& results) {
     int const step = current->stepCount;
     if (current->getState(step) == nullptr) {
-        current = nullptr;  // its step has left the window
+        tellLostStep(step);
+        current = nullptr;
         return true;
     }
     ConflictSet const conflicts = getConflicts(current.get(), step, true);
@@ -90,6 +94,18 @@ bool Diagnoser::exploreRound(Round& round, TrajectoryMap& results) {
     return true;
 }
 
+void Diagnoser::tellLostStep(int step) {
+    std::cerr << "step " << step << " is not in the window: the history is given up\n";
+}
+
+void Diagnoser::reportResults(TrajectoryMap const& results, double coverSum) {
+    for (auto const& result : results)
+        result.second->proba = result.second->getLastState()->proba / coverSum;
+    std::cerr << "res's size : " << results.size() << "\n";
+    viewTrajectoriesTransitionsMultimap(&results);
+    updateTrajectoriesCover();
+}
+
 TrajectoryMap Diagnoser::coverTrack3(std::unique_ptr<Trajectory> trajectory, double fromRank,
                                      double toRank, Observations const& observations,
                                      double& reached) {
@@ -111,12 +127,8 @@ TrajectoryMap Diagnoser::coverTrack3(std::unique_ptr<Trajectory> trajectory, dou
         if (complete)
             rank += 1.0;
     }
-    for (auto const& result : results)
-        result.second->proba = result.second->getLastState()->proba / coverSum;
     reached = rank - 1.0;
-    std::cerr << "res's size : " << results.size() << "\n";
-    viewTrajectoriesTransitionsMultimap(&results);
-    updateTrajectoriesCover();
+    reportResults(results, coverSum);
     std::cerr << "cover_track execution time : " << secondsSince(start) << "\n";
     redux_diag.clear();
     return results;

@@ -1,5 +1,6 @@
-// Locks of elements.
+// Locks of elements, and the labels of an observed atom.
 #include "model/StateVar.h"
+#include "model/labels.h"
 #include "reasoning/Diagnoser.h"
 
 namespace {
@@ -17,6 +18,14 @@ void lockFree(TrajEl* element, State* state, LockStatus own, LockStatus siblings
 }
 
 }  // namespace
+
+void Diagnoser::setObservation(Atom const* atom, State* state) {
+    if (TrajEl* element = state->getElt(atom->getId()))
+        element->setLabel(labelTrue);
+    for (Atom const* sibling : atom->getSiblings())
+        if (TrajEl* element = state->getElt(sibling->getId()))
+            element->setLabel(labelFalse);
+}
 
 void Diagnoser::lockTrajEls(TrajEl* element, State* state) {
     lockFree(element, state, LOCK_TRUE, LOCK_FALSE);

@@ -4,17 +4,23 @@
 #include "model/labels.h"
 #include "reasoning/Diagnoser.h"
 
-namespace {
+std::unique_ptr<State> Diagnoser::observedCopy(State const* state) {
+    auto copy = std::make_unique<State>(state, true);
+    copy->observed = true;
+    copy->observations.clear();
+    return copy;
+}
 
-// A changed element is held for the rest of the search, or noted as observed when it was denied.
-void noteChanged(ItmsRes& result) {
+void Diagnoser::noteChanged(ItmsRes const& result) {
     State* state = result.state.get();
     for (auto const& entry : result.already_changed)
         if (entry.second->isLabelled(labelFalse))
             state->observations.push_back(entry.second->atom);
         else
-            Diagnoser::lockTrajEls(entry.second, state);
+            lockTrajEls(entry.second, state);
 }
+
+namespace {
 
 // The history up to *t* with the result's state there. The probability is computed again once the
 // likelihood of the observations is normalised.
@@ -39,9 +45,7 @@ TrajectoryMap Diagnoser::observationResults(Observations const& observations,
     State const* last = trajectory->getState(t);
     if (last == nullptr)
         return outcomes;  // the step has left the window
-    auto state = std::make_unique<State>(last, true);
-    state->observed = true;
-    state->observations.clear();
+    std::unique_ptr<State> state = observedCopy(last);
     SignedElements props;
     for (auto const& [key, atom] : observations) {
         TrajEl* element = getElt(atom->getId(), {state.get(), trajectory, t});
@@ -50,8 +54,7 @@ TrajectoryMap Diagnoser::observationResults(Observations const& observations,
         lockTrajElsPerm(element, state.get(), !key);
         props.insert({key, element});
     }
-    ItmsResults results =
-        addPropositions(props, state, {observing, rank}, trajectory, t, false);
+    ItmsResults results = addPropositions(props, state, {observing, rank}, trajectory, t, false);
     double sum = 0.0;
     for (auto const& result : results)
         sum += result->state->obsProb;

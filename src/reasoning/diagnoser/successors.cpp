@@ -38,14 +38,6 @@ bool contains(TrajEl::Transitions const& transitions, Transition const* transiti
                        [transition](auto const& entry) { return entry.second == transition; });
 }
 
-void showTransition(char const* heading, int t, Transition const* transition) {
-    std::cerr << heading << t << ") : " << transition->id << " " << transition->type;
-    if (transition->preMode != nullptr && transition->postMode != nullptr)
-        std::cerr << " " << transition->preMode->getId() << " -> "
-                  << transition->postMode->getId();
-    std::cerr << "\n";
-}
-
 // The element in conflict forgets what led on from it, and an effect that is free what led to it.
 void forgetTransitions(TrajEl* element, bool post) {
     element->nextTrans.clear();
@@ -60,10 +52,26 @@ bool concernsNone(TrajEl const* element, TrajEl const* through) {
 
 }  // namespace
 
+void Diagnoser::tellTransition(Transition const* transition) {
+    std::cerr << transition->id << " " << transition->type;
+    if (transition->preMode != nullptr && transition->postMode != nullptr)
+        std::cerr << " " << transition->preMode->getId() << " -> " << transition->postMode->getId();
+    std::cerr << "\n";
+}
+
 bool Diagnoser::checkForDeadEnd(Transition const* transition) {
     if (transition->type != transFail || transition->unconditional)
         return false;
     return !redux_diag.insert(transition).second;
+}
+
+bool Diagnoser::checkForDeadEndExt(Transition const* transition, Trajectory const* trajectory) {
+    for (auto const& entry : trajectory->states)
+        for (Transition const* recorded : trajectory->getStateTransitions(entry.first))
+            if (redux_diag.count(recorded) != 0)
+                return true;
+    return transition->type == transFail && !transition->unconditional &&
+           redux_diag.count(transition) != 0;
 }
 
 void Diagnoser::addResult(std::unique_ptr<Trajectory> trajectory, TrajectoryMap& results,
@@ -74,9 +82,9 @@ void Diagnoser::addResult(std::unique_ptr<Trajectory> trajectory, TrajectoryMap&
     results.emplace(proba, std::move(trajectory));
 }
 
-// A literal of the guard that is locked against the transition, or one that it leaves already.
-char const* Diagnoser::guardRefusal(Selection const& selection, disConflict const& conflict,
-                                    Transition const* transition) {
+// A literal of the guard is locked against the transition, or is left by it already.
+bool Diagnoser::isGuardRefused(Selection const& selection, disConflict const& conflict,
+                               Transition const* transition) {
     Trajectory* trajectory = selection.trajectory;
     StateSite const site{trajectory->getState(conflict.position), trajectory,
                          conflict.position + 1};
@@ -84,52 +92,75 @@ char const* Diagnoser::guardRefusal(Selection const& selection, disConflict cons
         TrajEl const* element = getElt(atom->getId(), site, true);
         if (element == nullptr)
             continue;
-        if (key ? element->isHeldFalse() : element->isHeldTrue())
-            return " is locked !!";
-        if (contains(element->nextTrans, transition))
-            return "already supported by : ";
+        if (key ? element->isHeldFalse() : element->isHeldTrue()) {
+            std::cerr << atom->getId() << " is locked !!\n";
+            return true;
+        }
+        if (contains(element->nextTrans, transition)) {
+            std::cerr << "already supported by : " << atom->getId() << "\n";
+            return true;
+        }
     }
-    return nullptr;
+    return false;
 }
 
-// Why a transition is not tried, or null. The first reason that applies counts.
-char const* Diagnoser::refusal(Selection const& selection, disConflict const& conflict,
-                               TrajEl const* through, Transition const* transition) {
+// An atom of the effect is held at false. Required: the sign of the literal is not looked at.
+bool Diagnoser::isEffectRefused(Selection const& selection, Transition const* transition) {
+    StateSite const site{selection.now(), selection.trajectory, selection.t + 1};
+    for (Atom const* atom : transition->post->getAllAtoms()) {
+        TrajEl const* effect = getElt(atom->getId(), site, true);
+        if (effect == nullptr || !effect->isHeldFalse())
+            continue;
+        std::cerr << atom->getId() << " is post-locked !!\n";
+        return true;
+    }
+    return false;
+}
+
+// The tests that need no guard and no effect.
+bool Diagnoser::isPointless(Selection const& selection, disConflict const& conflict,
+                            TrajEl const* through, Transition const* transition) {
     TrajEl const* element = conflict.element;
     if (element->getVarType() == typeCommand && !concernsNone(element, through))
-        return "command without none";
+        return true;
     if (selection.commandVar != nullptr && transition->modeVar != selection.commandVar)
-        return "another mode than the command's";
-    if (selection.post && transition == through->prevTrans)
-        return "trans is the actual one !";
-    if (!selection.post && (contains(through->nextTrans, transition) ||
-                            contains(through->nextTransNeg, transition)))
-        return "curr_trans already in nextTrans !";
-    if (selection.isChosen(transition))
-        return "chosen already";
-    if (char const* locked = guardRefusal(selection, conflict, transition))
-        return locked;
-    if (!transition->post)
-        return "no effect";
-    StateSite const site{selection.now(), selection.trajectory, selection.t + 1};
-    // Required: the sign of the literal is not looked at.
-    for (Atom const* atom : transition->post->getAllAtoms())
-        if (TrajEl const* effect = getElt(atom->getId(), site, true);
-            effect != nullptr && effect->isHeldFalse())
-            return " is post-locked !!";
-    return nullptr;
+        return true;
+    if (selection.post && transition == through->prevTrans) {
+        std::cerr << "trans is the actual one !\n";
+        return true;
+    }
+    if (!selection.post &&
+        (contains(through->nextTrans, transition) || contains(through->nextTransNeg, transition))) {
+        std::cerr << "curr_trans already in nextTrans !\n";
+        return true;
+    }
+    return selection.isChosen(transition);
+}
+
+// Whether a transition is not tried. The first reason that applies counts, and tells itself. One
+// without a mode in its guard moves no component: there is no place where it could be taken.
+bool Diagnoser::isRefused(Selection const& selection, disConflict const& conflict,
+                          TrajEl const* through, Transition const* transition) {
+    if (transition->modeVar == nullptr) {
+        std::cerr << "transition " << transition->id << " has no mode in its guard\n";
+        return true;
+    }
+    return isPointless(selection, conflict, through, transition) ||
+           isGuardRefused(selection, conflict, transition) || !transition->post ||
+           isEffectRefused(selection, transition);
 }
 
 // Returns whether the transition was not refused. The cover counts it also when it is out of rank.
 bool Diagnoser::tryTransition(Selection& selection, disConflict const& conflict,
                               TrajEl const* through, Transition* transition) {
-    if (char const* reason = refusal(selection, conflict, through, transition)) {
-        showTransition("[immediateSuccessors] --> transition impossibility (", selection.t,
-                       transition);
-        std::cerr << reason << "\n";
+    if (isRefused(selection, conflict, through, transition)) {
+        std::cerr << "[immediateSuccessors] --> transition impossibility (" << selection.t
+                  << ") :\n";
+        tellTransition(transition);
         return false;
     }
-    showTransition("[immediateSuccessors] --> transition chosen : (", selection.t, transition);
+    std::cerr << "[immediateSuccessors] --> transition chosen : \n";
+    tellTransition(transition);
     Trajectory* trajectory = selection.trajectory;
     if (selection.post)
         trajectory->updateCover(selection.now(), transition);
@@ -139,9 +170,9 @@ bool Diagnoser::tryTransition(Selection& selection, disConflict const& conflict,
     double const cost = transition->type == transFail ? 1.0 : 0.0;
     if (selection.rank >= trajectory->rank + cost && !checkForDeadEnd(transition)) {
         double const posterior = selection.now()->getTransitionPostProb(transition);
-        selection.candidates.insert({posterior, likelyTransition{conflict.element->atom,
-                                                                 through->atom, posterior,
-                                                                 transition, conflict.position}});
+        selection.candidates.insert(
+            {posterior, likelyTransition{conflict.element->atom, through->atom, posterior,
+                                         transition, conflict.position}});
     } else {
         std::cerr << "out of rank !\ncurrent rank : " << trajectory->rank
                   << " -- rank : " << selection.rank << "\n";

@@ -68,6 +68,10 @@ void Scheduler::run2() {
     PendingTransitions pending;
     if (!openScenario(scenarioPath))
         return;
+    if (tracked_traj.empty()) {
+        std::cerr << "no history to run the scenario on\n";
+        return;
+    }
     scenario[1.0] = readFromScenario();
     if (scenario[1.0] == nullptr) {
         std::cerr << "exiting run2.\n";
@@ -85,7 +89,7 @@ void Scheduler::run2() {
         else if (!observationStep(event))
             return;
         scenario.erase(time);
-        // A step that a command scheduled already has its event.
+        // The line stands for the step, also where a transition has scheduled a command for it.
         auto& following = scenario[time + 1];
         following = readFromScenario();
     }
@@ -131,8 +135,7 @@ TrajectoryMap Scheduler::explainedBy(Observations const& observations, ElapsedTi
                   << ")\n";
         int const t = traj->getCurrentTime();
         TrajectoryMap outcomes = observationResults(observations, traj, t, 0.0, true);
-        if (outcomes.size() == 1 &&
-            getConflicts(outcomes.begin()->second.get(), t, true).empty()) {
+        if (outcomes.size() == 1 && getConflicts(outcomes.begin()->second.get(), t, true).empty()) {
             double const key = outcomes.begin()->first;
             survivors.emplace(key, std::move(outcomes.begin()->second));
             sum += key;
@@ -166,8 +169,7 @@ bool Scheduler::observationStep(scenarEvent const& event) {
     } else {
         std::cerr << "---------> Diagnosing...\n";
         double const highest = copy->rank + rankMargin;
-        tracked_traj =
-            coverTrack3(std::move(copy), bound + 1.0, highest, observations, bound);
+        tracked_traj = coverTrack3(std::move(copy), bound + 1.0, highest, observations, bound);
     }
     addBmkEntry(time, elapsed.report(""), diagnosing, static_cast<unsigned>(tracked_traj.size()));
     ++time;
