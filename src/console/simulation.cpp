@@ -279,10 +279,6 @@ int snDetect(char const* arg) {
     RunOptions options;
     if (!readDetection(arg, options))
         return 0;
-    if (options.isolation > CYCLE_DETECT) {
-        std::fprintf(stderr, "Fault isolation is not built yet: use nofault.\n");
-        return 0;
-    }
     if (!beginRun())
         return 0;
     std::cerr << "mode: " << options.mode << "\n";

@@ -20,3 +20,8 @@ void addBridgeCond(Atom* atom, bool sign, s_runtime* rt);
 // Sets the value of a numbered condition, and of every atom condition of the runtime on the same
 // atom: influences conditioned on a mode through an operand of their own take their truth here.
 void setRTCondVal(s_runtime* rt, int index, bool value);
+
+// A continuous conflict blames the atoms of a condition, if it has one: adds its atom sets to the
+// runtime's bridgeConflicts, unless the condition stands in *existing*, where it is entered.
+void addBridgeConflict(s_runtime* rt, s_Condition const* condition,
+                       std::vector<s_Condition const*>& existing);

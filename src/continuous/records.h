@@ -213,6 +213,11 @@ struct s_runtime {
     int globalOn = 0;        // global constraints run in each cycle
     int misbWindow = 0;      // entries of each misbHisto
     double precision = 0.0;  // relative tolerance when a measure is compared with a number
+    int isoMode = 0;         // 1: misbehaviours are given anew each time, 0: known ones are kept
+    int nbMisb = 0;          // misbehaving measures of the last diagnosis
+    int nbNormal = 0;        // well-behaving ones
+    int nbKnown = 0;         // entries of knownMisb in use; not carried by copies
+    std::vector<s_Variable*> knownMisb;  // a place per measure in mode 0; not carried by copies
     std::string diagBuf;     // text of the last diagnosis
 
     BridgeAtoms bridgeEvents;              // conditions that entered the validity space

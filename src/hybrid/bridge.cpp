@@ -8,6 +8,7 @@
 #include <algorithm>
 #include <cstring>
 
+#include "hybrid/exchange.h"
 #include "hybrid/tavro-runt.h"
 #include "model/CondVarrt.h"
 #include "model/ModeVarrt.h"
@@ -95,4 +96,104 @@ void bridgeActiveAtoms(s_runtime* rt) {
     for (auto const& entry : DataManager::active_atoms)
         if (entry.second != nullptr && entry.second->bridged)
             setCondsOfAtom(rt, entry.second, entry.second->evalAtom());
+}
+
+namespace {
+
+using AtomSet = std::vector<Atom*>;
+
+// The set that the walk is filling, if there is one. Only a leaf with no set, or the disjunction that
+// began a set, adds to the runtime's sets.
+void parseCondConflicts(s_runtime* rt, s_Condition const* condition, bool sign, AtomSet* set);
+
+// Required: the set that a conjunction passes down is dropped, and so is the copy that a leaf below
+// it makes, so that only a disjunction nested under a conjunction yields a set.
+void parseLeaf(s_runtime* rt, Atom* atom, bool sign, AtomSet* set) {
+    if (set != nullptr && !sign)
+        set->push_back(atom);
+    else if (set == nullptr)
+        rt->bridgeConflicts->push_back({atom});
+}
+
+void parseDisjunction(s_runtime* rt, s_Condition const* condition, AtomSet* set) {
+    AtomSet begun;
+    AtomSet* target = set != nullptr ? set : &begun;
+    parseCondConflicts(rt, condition->left, false, target);
+    parseCondConflicts(rt, condition->right, false, target);
+    rt->bridgeConflicts->push_back(*target);
+}
+
+void parseConjunction(s_runtime* rt, s_Condition const* condition, AtomSet const* set) {
+    AtomSet own = set != nullptr ? *set : AtomSet{};
+    parseCondConflicts(rt, condition->left, true, &own);
+    parseCondConflicts(rt, condition->right, true, &own);
+}
+
+void parseCondConflicts(s_runtime* rt, s_Condition const* condition, bool sign, AtomSet* set) {
+    switch (condition->kind) {
+        case COND_NOT:
+            // Required: the sign is not inverted.
+            parseCondConflicts(rt, condition->left, sign, set);
+            break;
+        case COND_OR:
+            parseDisjunction(rt, condition, set);
+            break;
+        case COND_AND:
+            parseConjunction(rt, condition, set);
+            break;
+        case COND_ATOM:
+        case COND_EXPR:
+            parseLeaf(rt, condition->atom, sign, set);
+            break;
+        default:
+            break;
+    }
+}
+
+}  // namespace
+
+void addBridgeConflict(s_runtime* rt, s_Condition const* condition,
+                       std::vector<s_Condition const*>& existing) {
+    if (condition == nullptr ||
+        std::find(existing.begin(), existing.end(), condition) != existing.end())
+        return;
+    if (!rt->bridgeConflicts)
+        rt->bridgeConflicts.emplace();
+    parseCondConflicts(rt, condition, true, nullptr);
+    existing.push_back(condition);
+}
+
+void addDiagBridgeTrans(Trajectory const* traj, s_runtime* rt, int time) {
+    if (!traj->transByTime)
+        return;
+    // Required: entries behind a first one of another time are not reached.
+    for (auto const& [step, transition] : *traj->transByTime) {
+        if (step != time)
+            return;
+        addBridgeTrans(transition, rt);
+    }
+}
+
+void updateDiagConds(Trajectory const* traj, s_runtime* rt, int time, double contTime,
+                     int threshold) {
+    if (State const* state = traj->getState(time))
+        for (s_Condition const* condition : rt->condi) {
+            TrajEl const* element =
+                condition->atom != nullptr ? state->getElt(condition->atom->getId()) : nullptr;
+            if (element != nullptr)
+                addBridgeCond(condition->atom, element->evalTrajEl(), rt);
+        }
+    bridgeConditions(rt);
+    addDiagBridgeTrans(traj, rt, time);
+    if (!rt->bridgeTrans.empty())
+        tavro_reinitialize(rt, contTime, RUN_DETECT, threshold);
+    tavro_setRTDisplays(static_cast<int>(rt->display.size()), rt, contTime / rt->Ts);
+    clearAlarms(rt);
+}
+
+void clearAlarms(s_runtime* rt) {
+    for (auto const& variable : rt->dico) {
+        variable->lowalarm = variable->highalarm = 0;
+        variable->meslowmisb = variable->meshighmisb = variable->mesmisb = 0;
+    }
 }

@@ -108,6 +108,8 @@ void tavroDiscreteCycle(RunOptions const& options, double time, bool& nominal) {
     tracked_trajs.clear();
     if (nominal)
         keepNominal(options, time);
+    else if (options.isolation > CYCLE_DETECT && !diag_flag)
+        diagnoseMisbTrajs(options, time);
     else
         keepMisbehaving(options, time);
     ntrajs.clear();

@@ -51,6 +51,7 @@ int tavro_initialize_discrete() {
 }
 
 int tavro_initialize(int global, double precision, char const* diagBuf, int accuTime) {
+    diag_flag = false;
     initNominalTraj(&DataManager::active_atoms, tavro_rt);
     s_runtime* rt = hybNT->rt.get();
     sn_updateDico(rt);

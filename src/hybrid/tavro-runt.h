@@ -15,9 +15,7 @@
 #include <memory>
 
 #include "hybrid/hybTrajectory.h"
-
-// Candidates, best first; equal keys keep the order of insertion. Owns them.
-using HybMap = std::multimap<double, std::unique_ptr<hybTrajectory>, std::greater<double>>;
+#include "reasoning/hybrid_candidates.h"
 
 // ---- Globals (globals.cpp) ----
 
@@ -83,6 +81,30 @@ void sn_reduxTrajs(HybMap& trajectories, double time);
 bool intersectObsRt(s_runtime* a, s_runtime const* b);
 void mergeRuntimes(s_runtime* a, s_runtime const* b, double time);
 
+// ---- Hybrid diagnosis (diagnosis.cpp, replay.cpp) ----
+
+extern double last_detection_time;  // of the first detection of the run that came last; -1 at first
+extern bool diag_flag;              // a diagnosis has been accepted in this run
+
+// The first time that every candidate misbehaves: isolates, searches for discrete explanations,
+// replays them, and tracks what they give. The process ends with status 255 without any.
+void diagnoseMisbTrajs(RunOptions const& options, double time);
+// The sequence up to the replay; true when every explanation holds an unknown mode.
+bool handleMisbTrajs(int isolation, int threshold, double time);
+// Discrete candidates for each atom set of a misbehaving one, which is consumed.
+void insertDiagnosis(std::unique_ptr<hybTrajectory> candidate, HybMap& out);
+// Replays every candidate with a new fault from its fault time on.
+bool verifyAndUpdateTrajs(double time, int threshold);
+HybMap copyHybTrajectories(HybMap const& trajectories);
+// Blind state tracking. Consumes *copies*.
+void switchToBST(HybMap& target, HybMap copies, double time, double lastDetection, int threshold);
+// One replay step of all candidates, without files and without a discrete step; returns 1.
+int tavro_checkCycle(HybMap& trajectories, double time, int threshold);
+void tavroDiagDiscreteCycle(double time, HybMap& trajectories);
+// Past values, from a candidate's own histories.
+void tavro_diagGetInputs(s_runtime const* rt, double from, double now, double* out);
+void tavro_diagGetMeasures(s_runtime const* rt, double from, double now, double* out);
+
 // ---- Graphs (graphs.cpp) ----
 
 // Writes htraj0.dot, htraj1.dot and so on, a file a candidate, in the order of the map.
@@ -94,6 +116,13 @@ void graphTrajs(HybMap const& trajectories);
 void bridgeIncEvents(s_runtime* rt);
 // Applies what the discrete step settled to the conditions.
 void bridgeConditions(s_runtime* rt);
+// The transitions that a diagnosed history took at its first fault step go over the bridge.
+void addDiagBridgeTrans(Trajectory const* traj, s_runtime* rt, int time);
+// Brings a runtime moved back to *contTime* in line with the discrete state of step *time*.
+void updateDiagConds(Trajectory const* traj, s_runtime* rt, int time, double contTime,
+                     int threshold);
+// Forgets the alarms of every variable.
+void clearAlarms(s_runtime* rt);
 // First values of the conditions from the model's atoms.
 void bridgeActiveAtoms(s_runtime* rt);
 

@@ -11,6 +11,7 @@
 #include <vector>
 
 #include "reasoning/Diagnoser.h"
+#include "reasoning/hybrid_candidates.h"
 #include "reasoning/scenario.h"
 
 struct s_runtime;
@@ -66,6 +67,11 @@ public:
     void run2();
     // Writes traj0.dot, traj1.dot and so on, a file a trajectory, in the order of the map.
     static void graphTraj(TrajectoryMap const& trajectories);
+
+    // The discrete histories that explain the observations on one misbehaving candidate, into *out*,
+    // best first, each with a copy of the runtime. Implemented by the hybrid side.
+    void Diagnose(Trajectory* traj, s_runtime const* rt, Observations const& observations,
+                  HybMap& out);
 
     // ---- Steps (scheduler/steps.cpp) ----
 

@@ -50,6 +50,9 @@ void copyScalars(s_runtime const& from, s_runtime& to) {
     to.globalOn = from.globalOn;
     to.misbWindow = from.misbWindow;
     to.precision = from.precision;
+    to.isoMode = from.isoMode;
+    to.nbMisb = from.nbMisb;
+    to.nbNormal = from.nbNormal;
     to.diagBuf = from.diagBuf;
 }
 

@@ -1,0 +1,223 @@
+// The hitting-set tree, as a flat list of leaves.
+//
+// A new conflict set S meets every leaf. A leaf that already holds a suspect of S stays. Any other is
+// replaced by one leaf for each suspect of S. Branches are closed by this engine's own rule: a new
+// leaf that ends in suspect c is dropped when it holds every suspect of some leaf that stayed because
+// of c alone. Leaves that stayed because of several suspects close nothing, and new leaves are not
+// compared with each other, so a result may hold leaves that are not minimal.
+//
+// Which leaves there are, in which order and with which numbers, is fixed; how they are held is not.
+// Equal suspects get one small number each, a leaf keeps its suspects as a set of bits beside their
+// list, and touching, closing and exoneration are operations on words.
+#include <algorithm>
+#include <bit>
+#include <cassert>
+#include <cstdint>
+
+#include "continuous/isolation.h"
+
+namespace {
+
+// A set of suspect numbers. The first 64 take no allocation.
+class SuspectBits {
+public:
+    void add(int number) { word(static_cast<std::size_t>(number) / bits) |= mask(number); }
+    bool holds(int number) const {
+        return (wordAt(static_cast<std::size_t>(number) / bits) & mask(number)) != 0;
+    }
+    bool includes(SuspectBits const& other) const {
+        if ((other.first & ~first) != 0)
+            return false;
+        for (std::size_t i = 0; i < other.more.size(); ++i)
+            if ((other.more[i] & ~wordAt(i + 1)) != 0)
+                return false;
+        return true;
+    }
+    int countCommon(SuspectBits const& other) const {
+        int count = std::popcount(first & other.first);
+        for (std::size_t i = 0; i < std::min(more.size(), other.more.size()); ++i)
+            count += std::popcount(more[i] & other.more[i]);
+        return count;
+    }
+
+private:
+    static constexpr std::size_t bits = 64;
+    static std::uint64_t mask(int number) {
+        return std::uint64_t{1} << (static_cast<std::size_t>(number) % bits);
+    }
+    std::uint64_t wordAt(std::size_t i) const {
+        if (i == 0)
+            return first;
+        return i - 1 < more.size() ? more[i - 1] : 0;
+    }
+    std::uint64_t& word(std::size_t i) {
+        if (i == 0)
+            return first;
+        if (more.size() < i)
+            more.resize(i);
+        return more[i - 1];
+    }
+
+    std::uint64_t first = 0;
+    std::vector<std::uint64_t> more;
+};
+
+// A leaf: its suspects as positions in the table of suspects met so far, in order of adding.
+struct Branch {
+    int number;
+    std::vector<int> members;
+    SuspectBits held;
+};
+
+// A suspect as it came in a conflict set; its number is that of all its equals.
+struct Met {
+    std::shared_ptr<Conflict> suspect;
+    int number;
+};
+
+// closeBranch: every suspect of some closer is in the leaf.
+bool closeBranch(SuspectBits const& leaf, std::vector<SuspectBits> const& closers) {
+    return std::any_of(closers.begin(), closers.end(),
+                       [&](SuspectBits const& closer) { return leaf.includes(closer); });
+}
+
+// The plain, not stable version: what it leaves of equal elements' order is part of the result.
+template <typename T, typename Less>
+void quickSort(std::vector<T>& items, int low, int high, Less less) {
+    if (low >= high)
+        return;
+    auto const at = [&](int i) -> T& { return items[static_cast<std::size_t>(i)]; };
+    std::swap(at(low), at((low + high) / 2));
+    int last = low;
+    for (int i = low + 1; i <= high; ++i)
+        if (less(at(i), at(low)))
+            std::swap(at(++last), at(i));
+    std::swap(at(low), at(last));
+    quickSort(items, low, last - 1, less);
+    quickSort(items, last + 1, high, less);
+}
+
+}  // namespace
+
+struct HittingSetTree::Implementation {
+    std::vector<Met> met;
+    std::vector<Conflict const*> kinds;  // by number, the first suspect of its kind
+    std::vector<Branch> branches;
+    int nbLeaves = 0;
+
+    int numberOf(Conflict const& conflict) const {
+        for (std::size_t i = 0; i < kinds.size(); ++i)
+            if (compareConflicts(*kinds[i], conflict))
+                return static_cast<int>(i);
+        return -1;
+    }
+
+    // Enters the suspects of a conflict set; returns the position of the first.
+    int enter(Suspects const& conflictSet) {
+        int const start = static_cast<int>(met.size());
+        for (auto const& suspect : conflictSet) {
+            int number = numberOf(*suspect);
+            if (number == -1) {
+                number = static_cast<int>(kinds.size());
+                kinds.push_back(suspect.get());
+            }
+            met.push_back({suspect, number});
+        }
+        return start;
+    }
+
+    Branch extend(Branch const* from, int member) {
+        Branch extended = from != nullptr ? *from : Branch{};
+        extended.number = ++nbLeaves;
+        extended.members.push_back(member);
+        extended.held.add(met[static_cast<std::size_t>(member)].number);
+        return extended;
+    }
+};
+
+HittingSetTree::HittingSetTree() : own(std::make_unique<Implementation>()) {}
+HittingSetTree::~HittingSetTree() = default;
+HittingSetTree::HittingSetTree(HittingSetTree&&) noexcept = default;
+HittingSetTree& HittingSetTree::operator=(HittingSetTree&&) noexcept = default;
+
+void HittingSetTree::grow(Suspects const& conflictSet) {
+    if (conflictSet.empty())
+        return;
+    Implementation& tree = *own;
+    int const start = tree.enter(conflictSet);
+    std::size_t const width = conflictSet.size();
+    auto const numberAt = [&](std::size_t i) {
+        return tree.met[static_cast<std::size_t>(start) + i].number;
+    };
+    SuspectBits set;
+    for (std::size_t i = 0; i < width; ++i)
+        set.add(numberAt(i));
+    std::vector<Branch> grown;
+    std::vector<std::vector<Branch>> open(width);
+    std::vector<std::vector<SuspectBits>> closing(width);
+    auto const split = [&](Branch const* branch) {
+        for (std::size_t i = 0; i < width; ++i)
+            open[i].push_back(tree.extend(branch, start + static_cast<int>(i)));
+    };
+    if (tree.branches.empty() && tree.nbLeaves == 0)
+        split(nullptr);
+    for (Branch& branch : tree.branches) {
+        int const common = branch.held.countCommon(set);
+        if (common == 0) {
+            split(&branch);
+            continue;
+        }
+        if (common == 1)
+            for (std::size_t i = 0; i < width; ++i)
+                if (branch.held.holds(numberAt(i)))
+                    closing[i].push_back(branch.held);
+        grown.push_back(std::move(branch));
+    }
+    for (std::size_t i = 0; i < width; ++i)
+        for (Branch& branch : open[i])
+            if (closing[i].empty() || !closeBranch(branch.held, closing[i]))
+                grown.push_back(std::move(branch));
+    tree.branches = std::move(grown);
+}
+
+void HittingSetTree::exonerate(std::vector<MeasureConflicts> const& normalVars) {
+    Implementation& tree = *own;
+    // Per position, whether the suspect would have shown in a behaving measure.
+    std::vector<bool> shown(tree.met.size(), false);
+    for (MeasureConflicts const& normal : normalVars)
+        for (auto const& innocent : normal.conflicts) {
+            int const number = tree.numberOf(*innocent);
+            for (std::size_t i = 0; i < tree.met.size(); ++i)
+                if (tree.met[i].number == number &&
+                    tree.met[i].suspect->delay >= innocent->delay)
+                    shown[i] = true;
+        }
+    std::erase_if(tree.branches, [&](Branch const& branch) {
+        return std::any_of(branch.members.begin(), branch.members.end(),
+                           [&](int member) { return shown[static_cast<std::size_t>(member)]; });
+    });
+}
+
+void HittingSetTree::sortByPreference(Suspects const& softConflicts) {
+    Implementation& tree = *own;
+    SuspectBits soft;
+    for (auto const& suspect : softConflicts)
+        if (int const number = tree.numberOf(*suspect); number != -1)
+            soft.add(number);
+    auto const isBefore = [&](Branch const& a, Branch const& b) {
+        int const softInA = a.held.countCommon(soft), softInB = b.held.countCommon(soft);
+        return softInA != softInB ? softInA < softInB : a.members.size() < b.members.size();
+    };
+    quickSort(tree.branches, 0, static_cast<int>(tree.branches.size()) - 1, isBefore);
+}
+
+std::vector<Leaf> HittingSetTree::leaves() const {
+    std::vector<Leaf> leaves;
+    for (Branch const& branch : own->branches) {
+        Leaf leaf{branch.number, {}};
+        for (int const member : branch.members)
+            leaf.conflictSet.push_back(own->met[static_cast<std::size_t>(member)].suspect);
+        leaves.push_back(std::move(leaf));
+    }
+    return leaves;
+}
