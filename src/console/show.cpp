@@ -28,10 +28,18 @@ void printConstraints(std::FILE* stream, s_runtime const* rt) {
     sn_printGlobCs(stream, rt);
 }
 
-bool never(s_runtime const*) { return false; }
-bool noInputs(s_runtime const* rt) { return rt->input.empty(); }
-bool noMeasures(s_runtime const* rt) { return rt->measure.empty(); }
-bool noInits(s_runtime const* rt) { return rt->init.empty(); }
+bool never(s_runtime const*) {
+    return false;
+}
+bool noInputs(s_runtime const* rt) {
+    return rt->input.empty();
+}
+bool noMeasures(s_runtime const* rt) {
+    return rt->measure.empty();
+}
+bool noInits(s_runtime const* rt) {
+    return rt->init.empty();
+}
 
 // The nominal candidate's runtime, or the model's own when there is none.
 s_runtime const* shownRuntime() {

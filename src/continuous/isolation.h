@@ -1,8 +1,8 @@
 // Continuous fault isolation: which influences could explain that measures misbehave.
 //
-// Each misbehaving measure gets a conflict set: the influences upstream of it that could be wrong. A
-// diagnosis is a set of suspects that touches every conflict set; the hitting-set tree grows them one
-// conflict set at a time. Three levels:
+// Each misbehaving measure gets a conflict set: the influences upstream of it that could be wrong.
+// A diagnosis is a set of suspects that touches every conflict set; the hitting-set tree grows them
+// one conflict set at a time. Three levels:
 //   1  the misbehaving measures alone;
 //   2  also soft conflict sets, from behaving measures that share suspects with misbehaving ones,
 //      and an order by preference class;
@@ -40,8 +40,8 @@ bool compareConditions(s_Condition const* a, s_Condition const* b);
 Conflict* findConflict(Suspects const& suspects, Conflict const& conflict);
 // Adds the influence as a suspect, unless an equal one is there, whose delay may rise.
 void makeUpConflict(s_Influence* influence, int delay, Suspects& conflicts);
-// Walks upstream from a variable: every influence that was active at its delay is a suspect. The walk
-// stops at measures and inputs, which are trusted, and visits a variable once.
+// Walks upstream from a variable: every influence that was active at its delay is a suspect. The
+// walk stops at measures and inputs, which are trusted, and visits a variable once.
 void findConflictsAux(s_runtime const* rt, s_Variable* variable, Suspects& conflicts,
                       std::vector<s_Variable const*>& visited, int delay);
 
@@ -65,7 +65,7 @@ Suspects generateSoftConflictSets(std::vector<MeasureConflicts>& misbVars,
 
 // One open branch of the tree.
 struct Leaf {
-    int number = 0;  // in the order of making, from 1
+    int number = 0;        // in the order of making, from 1
     Suspects conflictSet;  // the suspects on the way to this leaf, in order of adding
 };
 

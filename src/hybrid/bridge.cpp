@@ -31,9 +31,8 @@ void removeBridgeEvent(s_Condition* c, Atom const* atom, s_runtime* rt) {
         c->val = 0;
         return;
     }
-    auto const found =
-        std::find_if(rt->bridgeEvents.begin(), rt->bridgeEvents.end(),
-                     [atom](auto const& event) { return event.second == atom; });
+    auto const found = std::find_if(rt->bridgeEvents.begin(), rt->bridgeEvents.end(),
+                                    [atom](auto const& event) { return event.second == atom; });
     if (found == rt->bridgeEvents.end())
         return;
     rt->bridgeEvents.erase(found);
@@ -44,7 +43,9 @@ void addBridgeTrans(Transition* transition, s_runtime* rt) {
     rt->bridgeTrans.push_back(transition);
 }
 
-void addBridgeCond(Atom* atom, bool sign, s_runtime* rt) { rt->bridgeConds.insert({sign, atom}); }
+void addBridgeCond(Atom* atom, bool sign, s_runtime* rt) {
+    rt->bridgeConds.insert({sign, atom});
+}
 
 void setRTCondVal(s_runtime* rt, int index, bool value) {
     s_Condition* condition = rt->condi[static_cast<std::size_t>(index)];
@@ -102,8 +103,8 @@ namespace {
 
 using AtomSet = std::vector<Atom*>;
 
-// The set that the walk is filling, if there is one. Only a leaf with no set, or the disjunction that
-// began a set, adds to the runtime's sets.
+// The set that the walk is filling, if there is one. Only a leaf with no set, or the disjunction
+// that began a set, adds to the runtime's sets.
 void parseCondConflicts(s_runtime* rt, s_Condition const* condition, bool sign, AtomSet* set);
 
 // Required: the set that a conjunction passes down is dropped, and so is the copy that a leaf below

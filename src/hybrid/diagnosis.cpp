@@ -2,8 +2,9 @@
 //
 // When every candidate misbehaves for the first time in a run, each is isolated on its continuous
 // side; the conditions of the suspects give sets of atoms; each set is taken to be false, and the
-// covering search looks for discrete histories of least failure in which that holds; each of them is
-// replayed from its fault time up to now. Later detections of the same run do not diagnose again.
+// covering search looks for discrete histories of least failure in which that holds; each of them
+// is replayed from its fault time up to now. Later detections of the same run do not diagnose
+// again.
 #include <cstdio>
 #include <ctime>
 #include <iostream>
@@ -105,8 +106,7 @@ void diagnoseMisbTrajs(RunOptions const& options, double time) {
     last_detection_time = time;
     HybMap copies = copyHybTrajectories(misbtrajs);
     if (handleMisbTrajs(options.isolation, options.threshold, time)) {
-        switchToBST(tracked_trajs, std::move(copies), time, last_detection_time,
-                    options.threshold);
+        switchToBST(tracked_trajs, std::move(copies), time, last_detection_time, options.threshold);
         return;
     }
     if (options.mode == RUN_DETECT && tracked_trajs.size() > 1)

@@ -20,8 +20,8 @@ void readFirstLines(s_runtime const* rt) {
         tavro_getInputs(rt->name.c_str(), static_cast<int>(inps.size()), inps.data());
 }
 
-// The code of the continuous step of one candidate. Required: when the countdown is at exactly zero,
-// only the first candidate is reset, since the countdown then starts again.
+// The code of the continuous step of one candidate. Required: when the countdown is at exactly
+// zero, only the first candidate is reset, since the countdown then starts again.
 int stepCode(RunOptions const& options, double& countdown) {
     if (options.mode > RUN_RESET)
         return options.isolation;

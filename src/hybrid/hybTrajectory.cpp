@@ -20,5 +20,4 @@ hybTrajectory::hybTrajectory(Trajectory const* history, std::unique_ptr<s_runtim
       rt(std::move(runtime)) {}
 
 hybTrajectory::hybTrajectory(string_map<Atom*> const* atoms, s_runtime const* runtime)
-    : traj(std::make_unique<Trajectory>(atoms)),
-      rt(copyOrNull(runtime)) {}
+    : traj(std::make_unique<Trajectory>(atoms)), rt(copyOrNull(runtime)) {}

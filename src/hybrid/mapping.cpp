@@ -60,7 +60,9 @@ void takeMeasure(s_runtime* rt, s_Variable* variable) {
         variable->mes = makeReal(rt->mesval[found - rt->measure.begin()]);
 }
 
-void becomeNumber(s_Objet* value) { *value = makeReal(sn_infOf(*value)); }
+void becomeNumber(s_Objet* value) {
+    *value = makeReal(sn_infOf(*value));
+}
 
 // The smallest interval that covers both, open at both ends.
 s_Objet openHull(s_Objet const& a, s_Objet const& b) {

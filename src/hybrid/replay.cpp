@@ -2,8 +2,8 @@
 //
 // The runtime is moved back by its histories, brought in line with the discrete state of the fault
 // step, and stepped forward again on past inputs and measures, read from the candidate's own
-// histories and never from the files. No discrete step is taken: the history stands as the diagnosis
-// made it.
+// histories and never from the files. No discrete step is taken: the history stands as the
+// diagnosis made it.
 #include <cstdio>
 #include <optional>
 
@@ -42,8 +42,8 @@ void replay(hybTrajectory const& candidate, int faultStep, double time, int thre
     auto moved = std::make_unique<hybTrajectory>();
     moved->traj = std::make_unique<Trajectory>(&history, history.getCurrentTime() + 1);
     double const faultTime = history.getTimeCorr(faultStep);
-    moved->rt = sn_copyPartialFaultyRt(candidate.rt.get(), faultStep, faultTime, time,
-                                       Trajectory::twd);
+    moved->rt =
+        sn_copyPartialFaultyRt(candidate.rt.get(), faultStep, faultTime, time, Trajectory::twd);
     updateDiagConds(moved->traj.get(), moved->rt.get(), faultStep, faultTime, threshold);
     HybMap replayed;
     double const rank = moved->traj->rank;

@@ -19,27 +19,27 @@
 
 // ---- Globals (globals.cpp) ----
 
-extern s_runtime* tavro_rt;    // the model's own runtime, a template; null in a discrete model
-extern HybMap tracked_trajs;   // the candidates being tracked
-extern HybMap ntrajs;          // candidates being rebuilt within a cycle
-extern HybMap misbtrajs;       // candidates found misbehaving in this cycle
-extern hybTrajectory* hybNT;   // the nominal candidate, borrowed; null: not initialised
+extern s_runtime* tavro_rt;   // the model's own runtime, a template; null in a discrete model
+extern HybMap tracked_trajs;  // the candidates being tracked
+extern HybMap ntrajs;         // candidates being rebuilt within a cycle
+extern HybMap misbtrajs;      // candidates found misbehaving in this cycle
+extern hybTrajectory* hybNT;  // the nominal candidate, borrowed; null: not initialised
 
 // Modes of a run.
 enum runMode {
     RUN_SIMULATE = 0,
-    RUN_RESET = 1,    // measures may reset the prediction
-    RUN_DETECT = 3,   // equal candidates are merged
+    RUN_RESET = 1,   // measures may reset the prediction
+    RUN_DETECT = 3,  // equal candidates are merged
     RUN_NOMERGE = 4
 };
 
 // What a run asks of every cycle.
 struct RunOptions {
     int mode = RUN_SIMULATE;
-    double period = 0.0;     // of the reset, 0 for none
-    int isolation = 0;       // code of the continuous step when detecting
-    int threshold = 0;       // alarm threshold, in cycles
-    int multi = 0;           // simulation follows every split
+    double period = 0.0;  // of the reset, 0 for none
+    int isolation = 0;    // code of the continuous step when detecting
+    int threshold = 0;    // alarm threshold, in cycles
+    int multi = 0;        // simulation follows every split
 };
 
 // ---- Driver (driver.cpp) ----

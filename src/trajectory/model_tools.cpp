@@ -62,7 +62,8 @@ std::string componentColumn(Trajectory const& trajectory) {
     std::string text = "\n\t{\n\tnode [shape=plaintext];\n\t{rank=same; time;";
     if (State const* first = trajectory.getState(trajectory.firstTime))
         for (auto const& entry : first->comps)
-            append(text, {" \"", entry.second->getName(), "\";"});
+            if (entry.second != nullptr)
+                append(text, {" \"", entry.second->getName(), "\";"});
     text += "}\n\t}\n\t";
     return text;
 }
@@ -156,10 +157,9 @@ void toDot(Comp const* comp) {
 void toDot(Trajectory const* trajectory, std::string const& name) {
     trajectory->showTrajectoryTransitions();
     std::string text;
-    append(text,
-           {"digraph ", name,
-            " {\n\trankdir=LR;\n\tranksep=1;\n\tsize=\"10,5\"\n\torientation=land;\n\t",
-            componentColumn(*trajectory), timeLine(*trajectory), ranks(*trajectory),
-            edges(*trajectory), "}\n"});
+    append(text, {"digraph ", name,
+                  " {\n\trankdir=LR;\n\tranksep=1;\n\tsize=\"10,5\"\n\torientation=land;\n\t",
+                  componentColumn(*trajectory), timeLine(*trajectory), ranks(*trajectory),
+                  edges(*trajectory), "}\n"});
     writeFile(name, text);
 }

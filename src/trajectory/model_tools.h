@@ -10,7 +10,7 @@ class Atom;
 class Comp;
 class Trajectory;
 
-// A node an atom and step: component, "_", value, suffix.
+// The node of an atom at a step: component, "_", value, suffix.
 std::string makeNodeName(Atom const* atom, std::string const& suffix);
 // The same with the value as its label.
 std::string makeNodeNameWithLabel(Atom const* atom, std::string const& suffix);

@@ -134,7 +134,7 @@ TEST_F(Walk, UpToAHundredMisbehavingCandidatesStayApart) {
 TEST_F(Walk, MoreThanAHundredMisbehavingCandidatesAreMerged) {
     set(*first, 5.0);
     for (int i = 1; i < 101; ++i)
-        add(1.0, 5.0);
+        add(0.0, 5.0);
     EXPECT_EQ(step(detection(1)),
               "all trajs misbehave !\ntoo many candidates (101): merging equal ones\n");
     EXPECT_EQ(identities(), Identities{0});

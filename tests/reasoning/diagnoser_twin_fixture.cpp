@@ -42,8 +42,10 @@ std::string History::text() const {
     return all;
 }
 
-bool Case::allows(int component, Move const& move, int mode, int step) const {
-    if (move.from != mode)
+bool Case::allows(int component, Move const& move, Modes const& modes, int step) const {
+    if (move.from != modes[static_cast<std::size_t>(component)])
+        return false;
+    if (move.witness != noComponent && modes[static_cast<std::size_t>(move.witness)] != M1)
         return false;
     if (move.command == anyCommand)
         return true;
@@ -90,10 +92,10 @@ std::vector<History> Case::explanations(int failures, int first) const {
             history.moves.emplace_back(components.size(), 0);
         }
         std::vector<Move> const& moves = components[i].moves;
-        int const mode = history.modes[history.modes.size() - 2][i];
         for (std::size_t m = 0; m < moves.size(); ++m) {
             Move const& move = moves[m];
-            if (!allows(static_cast<int>(i), move, mode, step))
+            Modes const& before = history.modes[history.modes.size() - 2];
+            if (!allows(static_cast<int>(i), move, before, step))
                 continue;
             if (move.fails && (step < first || history.failures == failures))
                 continue;
@@ -143,7 +145,9 @@ Component randomComponent(Dice& dice, int index) {
         component.moves.push_back(
             {mode, BAD, atCommand ? command : anyCommand, false, true, false, bad});
         if (failures > 1)
-            component.moves.push_back({mode, WORSE, anyCommand, false, true, false, worse});
+            component.moves.push_back({mode, WORSE, anyCommand, false, true, false, worse,
+                                       index > 0 && dice.oneIn(4) ? dice.upTo(index - 1)
+                                                                  : noComponent});
         if (component.commanded) {
             component.moves.push_back({mode, 1 - mode, command, false, false, false, nominal});
             component.moves.push_back({mode, mode, command, true, false, true, nominal});
@@ -165,18 +169,20 @@ Component randomComponent(Dice& dice, int index) {
 // Follows one way through the model, with *failures* of the chances to fail taken.
 Modes randomEnd(Case const& example, Dice& dice, int failures) {
     Modes modes(example.components.size(), M0);
-    for (int step = 0; step < example.steps(); ++step)
+    for (int step = 0; step < example.steps(); ++step) {
+        Modes const before = modes;
         for (std::size_t i = 0; i < modes.size(); ++i) {
             std::vector<Move> nominal, failing;
             for (Move const& move : example.components[i].moves)
-                if (example.allows(static_cast<int>(i), move, modes[i], step))
+                if (example.allows(static_cast<int>(i), move, before, step))
                     (move.fails ? failing : nominal).push_back(move);
-            bool const fails = failures > 0 && !failing.empty() && dice.oneIn(4);
+            bool const fails = failures > 0 && !failing.empty() && dice.oneIn(3);
             failures -= fails ? 1 : 0;
             auto const& choice = fails ? failing : nominal;
             modes[i] =
                 choice[static_cast<std::size_t>(dice.upTo(static_cast<int>(choice.size()) - 1))].to;
         }
+    }
     return modes;
 }
 
@@ -196,6 +202,14 @@ std::vector<int> showing(Case const& example, Modes const& modes, Dice& dice) {
     return shown;
 }
 
+void observe(Case& example, Modes const& modes, Dice& dice) {
+    std::vector<int> const shown = showing(example, modes, dice);
+    example.observed.clear();
+    for (std::size_t i = 0; i < shown.size(); ++i)
+        if (!dice.oneIn(3) || (i + 1 == shown.size() && example.observed.empty()))
+            example.observed.push_back({static_cast<int>(i), shown[i]});
+}
+
 }  // namespace
 
 Case randomCase(unsigned seed) {
@@ -213,11 +227,12 @@ Case randomCase(unsigned seed) {
             given[commanded] = dice.upTo(BACK);
         example.commands.push_back(given);
     }
-    Modes const end = randomEnd(example, dice, dice.upTo(2));
-    std::vector<int> const shown = showing(example, end, dice);
-    for (int i = 0; i < count; ++i)
-        if (!dice.oneIn(3) || (i + 1 == count && example.observed.empty()))
-            example.observed.push_back({i, shown[static_cast<std::size_t>(i)]});
+    // Most ends without a failure to explain are thrown again.
+    for (int throws = 0; throws < 6; ++throws) {
+        observe(example, randomEnd(example, dice, 1 + dice.upTo(2)), dice);
+        if (example.explanations(0, 0).empty())
+            break;
+    }
     return example;
 }
 
@@ -275,10 +290,6 @@ void addRule(Comp* comp, Atom* conclusion, std::vector<Atom*> const& premises) {
         clause->addAtomRef(premise, true);
 }
 
-int opposite(int shows) {
-    return shows == LO ? HI : LO;
-}
-
 }  // namespace
 
 void EngineModel::build(int index) {
@@ -299,6 +310,8 @@ void EngineModel::addMoves(int index) {
         std::vector<std::pair<Atom*, bool>> guard{{atomOf(made.mode, move.from), true}};
         if (move.command != anyCommand)
             guard.push_back({atomOf(made.command, move.command), !move.unlessThat});
+        if (move.witness != noComponent)
+            guard.push_back({atomOf(built[static_cast<std::size_t>(move.witness)].mode, M1), true});
         made.transitions.push_back(made.comp->addTransitionToC(
             mkTransition(guard, guard.size() > 1 ? "and" : "", atomOf(made.mode, move.to),
                          move.fails ? transFail : transNominal, move.proba, move.idle)));
@@ -338,7 +351,8 @@ void EngineModel::addClauses(int index) {
     made.out->setCurrentState(outNames[starts ? HI : LO]);
 }
 
-void EngineModel::run() {
+// The commands, a line for each step, and the observation.
+void EngineModel::writeScenario() const {
     std::ofstream file(scenarioFile);
     for (auto const& step : example.commands) {
         file << "Command";
@@ -347,11 +361,10 @@ void EngineModel::run() {
                 file << " " << compNames[i] << ".cmd=" << commandNames[step[i]];
         file << "\n";
     }
-    file << "Observation";
-    for (Observed const& seen : example.observed)
-        file << " " << compNames[seen.component] << ".out=" << outNames[seen.value];
-    file << "\n";
-    file.close();
+}
+
+void EngineModel::run(bool fillGaps) {
+    writeScenario();
     streams.err.str("");
     scheduler->raz();
     scheduler->bound = 0.0;
@@ -360,6 +373,25 @@ void EngineModel::run() {
         first->getState(0)->comps[entry.second->getName()] = entry.second;
     DataManager::tracked_traj.emplace(1.0, std::move(first));
     scheduler->runSchD(scenarioFile);
+    if (fillGaps)
+        holdEverywhere(DataManager::tracked_traj.begin()->second.get());
+    std::ofstream file(scenarioFile);
+    file << "Observation";
+    for (Observed const& seen : example.observed)
+        file << " " << compNames[seen.component] << ".out=" << outNames[seen.value];
+    file << "\n";
+    file.close();
+    int const time = scheduler->time;
+    scheduler->time = 0;
+    scheduler->runSchD(scenarioFile);
+    scheduler->time = time;
+}
+
+void EngineModel::holdEverywhere(Trajectory* trajectory) {
+    for (int t = trajectory->firstTime + 1; t <= trajectory->currentTime; ++t)
+        for (Built const& made : built)
+            if (trajectory->getElt(t, atomOf(made.mode, M0)->getId()) == nullptr)
+                trajectory->addComp(made.comp, trajectory->getState(t), t, true, false);
 }
 
 void EngineModel::allowRepeatedFailures() {
@@ -390,7 +422,7 @@ int EngineModel::valueOf(Trajectory const* trajectory, StateVar const* variable,
     return value < 0 ? 0 : value;
 }
 
-int EngineModel::moveInto(Trajectory const* trajectory, int index, int t, int from, int to,
+int EngineModel::moveInto(Trajectory const* trajectory, int index, int t, Modes const& from, int to,
                           std::vector<std::string>& errors) const {
     Built const& made = built[static_cast<std::size_t>(index)];
     auto const& moves = example.components[static_cast<std::size_t>(index)].moves;
@@ -451,7 +483,7 @@ History EngineModel::read(Trajectory const* trajectory, std::vector<std::string>
             std::vector<int> moves;
             for (std::size_t i = 0; i < built.size(); ++i) {
                 moves.push_back(moveInto(trajectory, static_cast<int>(i), t,
-                                         history.modes.back()[i], modes[i], errors));
+                                         history.modes.back(), modes[i], errors));
                 history.failures +=
                     example.components[i].moves[static_cast<std::size_t>(moves.back())].fails ? 1
                                                                                              : 0;

@@ -36,6 +36,7 @@ struct Move {
     bool fails;
     bool idle;
     double proba;
+    int witness = noComponent;  // another component that must be in m1 for the move
 };
 
 struct Component {
@@ -70,7 +71,7 @@ struct Case {
     std::vector<Observed> observed;          // after the last step
 
     int steps() const { return static_cast<int>(commands.size()); }
-    bool allows(int component, Move const& move, int mode, int step) const;
+    bool allows(int component, Move const& move, Modes const& modes, int step) const;
     // Whether the modes can show what was observed.
     bool agrees(Modes const& modes) const;
     // Every history of exactly *failures* failures from *first* on that agrees with what was
@@ -103,8 +104,9 @@ public:
     ~EngineModel();
     EngineModel(EngineModel const&) = delete;
 
-    // Runs the scenario of the case from a fresh start.
-    void run();
+    // Runs the scenario of the case from a fresh start. With *fillGaps* every state then holds every
+    // component before the observation comes.
+    void run(bool fillGaps = false);
     // Failures without a command may then be expanded any number of times in one search.
     void allowRepeatedFailures();
 
@@ -122,12 +124,14 @@ private:
         StateVar* out = nullptr;
         std::vector<Transition const*> transitions;
     };
+    void writeScenario() const;
+    void holdEverywhere(Trajectory* trajectory);
     void build(int index);
     void addMoves(int index);
     void addClauses(int index);
     int valueOf(Trajectory const* trajectory, StateVar const* variable, int t,
                 std::vector<std::string>& errors) const;
-    int moveInto(Trajectory const* trajectory, int component, int t, int from, int to,
+    int moveInto(Trajectory const* trajectory, int component, int t, Modes const& from, int to,
                  std::vector<std::string>& errors) const;
     void checkShown(Trajectory const* trajectory, int t, std::vector<std::string>& errors) const;
 

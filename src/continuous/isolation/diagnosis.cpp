@@ -174,4 +174,6 @@ int sorn_doCycle(s_runtime* rt, int mode, int threshold) {
     return invalid ? -1 : failures;
 }
 
-void sorn_close(s_runtime* rt) { faultIsolationEnd(rt); }
+void sorn_close(s_runtime* rt) {
+    faultIsolationEnd(rt);
+}

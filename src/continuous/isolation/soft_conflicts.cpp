@@ -1,16 +1,18 @@
 // Soft conflicts: what behaving measures tell of the misbehaving ones.
 //
 // A suspect common to a misbehaving and a behaving measure cannot by itself explain the one without
-// showing in the other, so a candidate lies in the parts that they do not share, or is compensated by
-// a further fault: the symmetric differences are conflict sets too. For each misbehaving measure the
-// behaving ones that share suspects with it, directly or through each other, form a tree; its sets
-// are made from the leaves up, from every union of a subset of a node's children.
+// showing in the other, so a candidate lies in the parts that they do not share, or is compensated
+// by a further fault: the symmetric differences are conflict sets too. For each misbehaving measure
+// the behaving ones that share suspects with it, directly or through each other, form a tree; its
+// sets are made from the leaves up, from every union of a subset of a node's children.
 #include <algorithm>
 #include <deque>
 
 #include "continuous/isolation.h"
 
-long numberUnionSubsets(int n) { return (1L << n) - 1; }
+long numberUnionSubsets(int n) {
+    return (1L << n) - 1;
+}
 
 namespace {
 

@@ -69,7 +69,9 @@ bool wasActive(s_Influence const* influence, int delay) {
 }
 
 // A range counts as zero only if both its bounds are.
-bool isZero(s_Objet const& value) { return sn_infOf(value) == 0.0 && sn_supOf(value) == 0.0; }
+bool isZero(s_Objet const& value) {
+    return sn_infOf(value) == 0.0 && sn_supOf(value) == 0.0;
+}
 
 int delayThrough(s_Influence const* influence, int delay) {
     return delay + influence->delayMax + (isZero(influence->respTime) ? 0 : 1);

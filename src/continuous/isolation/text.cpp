@@ -1,5 +1,5 @@
-// The text of a diagnosis: a pair of square brackets a leaf, a pair of curly ones a suspect, with the
-// influence's name, its delay and its condition, as in [{T1.i1,0,((thermostat.mode=on))}].
+// The text of a diagnosis: a pair of square brackets a leaf, a pair of curly ones a suspect, with
+// the influence's name, its delay and its condition, as in [{T1.i1,0,((thermostat.mode=on))}].
 #include <algorithm>
 #include <cstdarg>
 #include <cstdio>
@@ -94,7 +94,9 @@ void printDiagBody(s_runtime* rt, s_Condition const* condition) {
 
 }  // namespace
 
-void sn_razDiagBuf(s_runtime* rt) { rt->diagBuf.clear(); }
+void sn_razDiagBuf(s_runtime* rt) {
+    rt->diagBuf.clear();
+}
 
 void sn_prepareDiag(s_runtime* rt) {
     sn_razDiagBuf(rt);

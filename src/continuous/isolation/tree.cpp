@@ -1,14 +1,14 @@
 // The hitting-set tree, as a flat list of leaves.
 //
-// A new conflict set S meets every leaf. A leaf that already holds a suspect of S stays. Any other is
-// replaced by one leaf for each suspect of S. Branches are closed by this engine's own rule: a new
-// leaf that ends in suspect c is dropped when it holds every suspect of some leaf that stayed because
-// of c alone. Leaves that stayed because of several suspects close nothing, and new leaves are not
-// compared with each other, so a result may hold leaves that are not minimal.
+// A new conflict set S meets every leaf. A leaf that already holds a suspect of S stays. Any other
+// is replaced by one leaf for each suspect of S. Branches are closed by this engine's own rule: a
+// new leaf that ends in suspect c is dropped when it holds every suspect of some leaf that stayed
+// because of c alone. Leaves that stayed because of several suspects close nothing, and new leaves
+// are not compared with each other, so a result may hold leaves that are not minimal.
 //
-// Which leaves there are, in which order and with which numbers, is fixed; how they are held is not.
-// Equal suspects get one small number each, a leaf keeps its suspects as a set of bits beside their
-// list, and touching, closing and exoneration are operations on words.
+// Which leaves there are, in which order and with which numbers, is fixed; how they are held is
+// not. Equal suspects get one small number each, a leaf keeps its suspects as a set of bits beside
+// their list, and touching, closing and exoneration are operations on words.
 #include <algorithm>
 #include <bit>
 #include <cassert>
@@ -188,8 +188,7 @@ void HittingSetTree::exonerate(std::vector<MeasureConflicts> const& normalVars) 
         for (auto const& innocent : normal.conflicts) {
             int const number = tree.numberOf(*innocent);
             for (std::size_t i = 0; i < tree.met.size(); ++i)
-                if (tree.met[i].number == number &&
-                    tree.met[i].suspect->delay >= innocent->delay)
+                if (tree.met[i].number == number && tree.met[i].suspect->delay >= innocent->delay)
                     shown[i] = true;
         }
     std::erase_if(tree.branches, [&](Branch const& branch) {

@@ -53,12 +53,20 @@ void printLabelled(std::FILE* stream, char const* label, s_Objet const& value) {
     sn_printObjet(stream, &value);
 }
 
+void printIfSet(std::FILE* stream, char const* label, std::optional<s_Objet> const& value) {
+    if (value)
+        printLabelled(stream, label, *value);
+}
+
+// Nothing without the first numerator; a model may lack some of the rest.
 void printRational(std::FILE* stream, s_Influence const* influence) {
-    printLabelled(stream, ": n1 ", *influence->n1);
-    printLabelled(stream, ": n2 ", *influence->n2);
-    printLabelled(stream, ": d0 ", *influence->d0);
-    printLabelled(stream, ": d1 ", *influence->d1);
-    printLabelled(stream, ": d2 ", *influence->d2);
+    if (!influence->n1)
+        return;
+    printIfSet(stream, ": n1 ", influence->n1);
+    printIfSet(stream, ": n2 ", influence->n2);
+    printIfSet(stream, ": d0 ", influence->d0);
+    printIfSet(stream, ": d1 ", influence->d1);
+    printIfSet(stream, ": d2 ", influence->d2);
 }
 
 void printDelay(std::FILE* stream, s_Influence const* influence) {
@@ -77,16 +85,13 @@ void printRule(std::FILE* stream, s_Influence const* influence) {
         sn_printCondition(stream, influence->cond);
         std::fprintf(stream, " ");
     }
-    std::fprintf(stream, "%s -%s-> %s", influence->cause->nom.c_str(),
-                 sn_letterOf(influence->type), influence->effect->nom.c_str());
+    std::fprintf(stream, "%s -%s-> %s", influence->cause->nom.c_str(), sn_letterOf(influence->type),
+                 influence->effect->nom.c_str());
     printLabelled(stream, ": gain", influence->gain);
     // Required: the damping goes to standard output whatever the stream.
-    if (influence->xi)
-        printLabelled(stdout, ": xi ", *influence->xi);
-    if (influence->w)
-        printLabelled(stream, ": w ", *influence->w);
-    if (influence->n1)
-        printRational(stream, influence);
+    printIfSet(stdout, ": xi ", influence->xi);
+    printIfSet(stream, ": w ", influence->w);
+    printRational(stream, influence);
     printDelay(stream, influence);
     printLabelled(stream, "; resp. time", influence->respTime);
     std::fprintf(stream, ";\n");
@@ -201,11 +206,17 @@ void sn_printSpace(std::FILE* stream, s_runtime const* rt) {
             sn_printVarValue(stream, variable.get());
 }
 
-void sn_printInputs(std::FILE* stream, s_runtime const* rt) { printValues(stream, rt->input); }
+void sn_printInputs(std::FILE* stream, s_runtime const* rt) {
+    printValues(stream, rt->input);
+}
 
-void sn_printDisplays(std::FILE* stream, s_runtime const* rt) { printValues(stream, rt->display); }
+void sn_printDisplays(std::FILE* stream, s_runtime const* rt) {
+    printValues(stream, rt->display);
+}
 
-void sn_printMeasures(std::FILE* stream, s_runtime const* rt) { printValues(stream, rt->measure); }
+void sn_printMeasures(std::FILE* stream, s_runtime const* rt) {
+    printValues(stream, rt->measure);
+}
 
 void sn_printInits(std::FILE* stream, s_runtime const* rt) {
     for (s_InitVar const& initial : rt->init)

@@ -95,6 +95,8 @@ void updateStatic(s_runtime* rt, s_Variable* variable) {
 }
 
 void updateSecondOrder(s_runtime* rt, s_Variable* variable) {
+    // Corners that no active cause makes anew contribute nothing.
+    *TMPII = *TMPIS = *TMPSI = *TMPSS = *objZero;
     s_Influence* last = nullptr;
     for (s_Influence* influence : variable->graph->causes) {
         last = influence;

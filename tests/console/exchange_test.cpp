@@ -1,0 +1,294 @@
+// Opening, reading and closing the data files of a run, with files on disk.
+#include "console/exchange.h"
+
+#include <cmath>
+#include <limits>
+#include <vector>
+
+#include "console/run.h"
+#include "console_fixture.h"
+#include "continuous/exchange.h"
+#include "fixtures/reference_model.h"
+
+namespace {
+
+// ---- Preparation ----
+
+struct Preparation {
+    int (*prepare)();
+    std::FILE** stream;
+    std::string* path;
+    std::string label, okText;
+    bool written;
+};
+
+class PrepareTest : public testing::TestWithParam<Preparation> {
+protected:
+    int result = -1;
+    Streams prepare() {
+        return streamsOf([this] { result = GetParam().prepare(); });
+    }
+
+    ConsoleFiles files;
+};
+
+TEST_P(PrepareTest, OpensTheFile) {
+    *GetParam().path = "obs/there";
+    WorkDirectory::write("obs/there", "12");
+    Streams const said = prepare();
+    EXPECT_EQ(result, 1);
+    EXPECT_EQ(said.out, (GetParam().label.empty() ? "" : GetParam().label + "obs/there\n") +
+                            GetParam().okText);
+    EXPECT_EQ(said.err, "");
+    ASSERT_NE(*GetParam().stream, nullptr);
+    EXPECT_EQ(WorkDirectory::read("obs/there"), GetParam().written ? "" : "12")
+        << "a file to be written begins empty";
+}
+
+TEST_P(PrepareTest, TellsAFileThatCannotBeOpened) {
+    *GetParam().path = "nowhere/there";
+    Streams const said = prepare();
+    EXPECT_EQ(result, 0);
+    EXPECT_EQ(said.out, GetParam().label.empty() ? "" : GetParam().label + "nowhere/there\n");
+    EXPECT_EQ(said.err, "Can't open file nowhere/there\n");
+    EXPECT_EQ(*GetParam().stream, nullptr);
+}
+
+TEST_P(PrepareTest, TakesNoFileForAnEmptyPath) {
+    GetParam().path->clear();
+    Streams const said = prepare();
+    EXPECT_EQ(result, 1);
+    EXPECT_EQ(said.out,
+              (GetParam().label.empty() ? "" : GetParam().label + "\n") + GetParam().okText);
+    EXPECT_EQ(*GetParam().stream, GetParam().stream == &dataOut ? stdout : nullptr);
+}
+
+TEST_P(PrepareTest, OpensAgainFromTheStart) {
+    *GetParam().path = "obs/there";
+    WorkDirectory::write("obs/there", "12");
+    prepare();
+    if (GetParam().written)
+        std::fputs("x", *GetParam().stream);
+    else
+        EXPECT_EQ(std::fgetc(*GetParam().stream), '1');
+    prepare();
+    EXPECT_EQ(WorkDirectory::read("obs/there"), GetParam().written ? "" : "12");
+    if (!GetParam().written)
+        EXPECT_EQ(std::fgetc(*GetParam().stream), '1');
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Files, PrepareTest,
+    testing::Values(
+        Preparation{prepareEI, &dataIn, &inputFile, "inputfile : ", "input file is ok\n", false},
+        Preparation{prepareMS, &measIn, &measureFile, "inputfile : ", "measure file is ok\n",
+                    false},
+        Preparation{prepareDO, &dataOut, &displayFile, "", "display file is ok\n", true},
+        Preparation{prepareMO, &modesOut, &modesFile, "", "modes file is ok\n", true}));
+
+TEST(Prepare, ADirectoryReadsAsAnEmptyFile) {
+    ConsoleFiles const files;
+    inputFile = "inp/";
+    Streams const said = streamsOf([] {
+        EXPECT_EQ(prepareEI(), 1);
+        double value = 3.0;
+        EXPECT_EQ(tavro_getInputs("", 0, &value), 1);
+    });
+    EXPECT_EQ(said.out, "inputfile : inp/\ninput file is ok\ninputs: \n");
+    EXPECT_EQ(said.err, "");
+}
+
+TEST(PrepareSc, LoadsAScenario) {
+    ReferenceModel const model;
+    ConsoleFiles const files;
+    scenarFile = "inp/events";
+    WorkDirectory::write("inp/events", "2 Command room.cmdin=open\n");
+    Streams const said = streamsOf([] { EXPECT_EQ(prepareSc(), 1); });
+    EXPECT_EQ(said.out, "scenarFIle: inp/events\n");
+    EXPECT_EQ(sMM->scenario.count(2.0), 1u);
+}
+
+TEST(PrepareSc, AnswersOneWithoutAFile) {
+    ReferenceModel const model;
+    ConsoleFiles const files;
+    scenarFile = "inp/none";
+    Streams const said = streamsOf([] { EXPECT_EQ(prepareSc(), 1); });
+    EXPECT_EQ(said.err, "can't open scenario file: inp/none\n");
+    scenarFile.clear();
+    EXPECT_EQ(streamsOf([] { EXPECT_EQ(prepareSc(), 1); }).out, "scenarFIle: \n");
+}
+
+// ---- Reading ----
+
+class ReadTest : public testing::Test {
+protected:
+    // The file of measures holds *text*.
+    void open(std::string const& text) {
+        WorkDirectory::write(measureFile, text);
+        streamsOf([] { prepareMS(); });
+        simTime = 3.0;
+    }
+    Streams read(int count) {
+        return streamsOf([&] { EXPECT_EQ(tavro_getMeasures("", count, values.data()), 1); });
+    }
+
+    ConsoleFiles files;
+    std::vector<double> values{-1.0, -2.0, -3.0};
+};
+
+using Values = std::vector<double>;
+
+TEST_F(ReadTest, ALineIsAStep) {
+    open("1 2.5 -3e1\n4\t5 6\n");
+    EXPECT_EQ(read(3).out, "measures: 1 2.5 -30 \n");
+    EXPECT_EQ(values, (Values{1, 2.5, -30}));
+    EXPECT_EQ(read(3).out, "measures: 4 5 6 \n");
+}
+
+TEST_F(ReadTest, WhatFollowsTheColumnsIsSkipped) {
+    open("1 2 3 4 and words\n5 6\n");
+    EXPECT_EQ(read(2).out, "measures: 1 2 \n");
+    EXPECT_EQ(read(2).out, "measures: 5 6 \n");
+}
+
+TEST_F(ReadTest, MissingNumbersComeFromTheNextLine) {
+    open("1\n2 3 4\n5 6 7\n");
+    EXPECT_EQ(read(3).out, "measures: 1 2 3 \n");
+    EXPECT_EQ(read(3).out, "measures: 5 6 7 \n");
+}
+
+TEST_F(ReadTest, BeyondTheEndTheValuesStay) {
+    open("1 2 3\n4");
+    read(3);
+    Streams const said = read(3);
+    EXPECT_EQ(said.out, "measures: 4 2 3 \n");
+    EXPECT_EQ(said.err, "");
+    EXPECT_EQ(read(3).out, "measures: 4 2 3 \n");
+}
+
+TEST_F(ReadTest, AWordLeavesTheValuesAndTheLineIsSkipped) {
+    open("1 word 3\n4 5 6\n");
+    Streams const said = read(3);
+    EXPECT_EQ(said.out, "measures: 1 -2 -3 \n");
+    EXPECT_EQ(said.err, "obs/day: value 2 of time 3 is not a number, -2 stays\n");
+    EXPECT_EQ(read(3).out, "measures: 4 5 6 \n");
+}
+
+TEST_F(ReadTest, OnlyFiniteNumbersCount) {
+    open("nan inf 1\n-inf 1e999 2\n");
+    Streams const said = read(3);
+    EXPECT_EQ(values, (Values{-1, -2, 1}));
+    EXPECT_EQ(said.err,
+              "obs/day: value 1 of time 3 is not a number, -1 stays\n"
+              "obs/day: value 2 of time 3 is not a number, -2 stays\n");
+    read(3);
+    EXPECT_EQ(values, (Values{-1, -2, 2}));
+}
+
+TEST_F(ReadTest, WithoutColumnsNothingButTheLabelIsWritten) {
+    open("1 2\n3 4\n");
+    EXPECT_EQ(read(0).out, "measures: \n");
+    EXPECT_EQ(values, (Values{-1, -2, -3}));
+}
+
+TEST_F(ReadTest, AClosedFileIsAnEmptyOne) {
+    closeRunFiles();
+    EXPECT_EQ(read(2).out, "measures: -1 -2 \n");
+}
+
+TEST_F(ReadTest, ADirectoryCannotBeRead) {
+    measureFile = "obs/";
+    streamsOf([] { prepareMS(); });
+    Streams const said = read(2);
+    EXPECT_EQ(said.out, "measures: -1 -2 \n");
+    EXPECT_EQ(said.err, "Can't read file obs/\n");
+}
+
+TEST_F(ReadTest, InputsHaveTheirOwnFileAndLabel) {
+    open("1 2\n");
+    inputFile = "inp/day";
+    WorkDirectory::write(inputFile, "7 8\n");
+    streamsOf([] { prepareEI(); });
+    Streams const said =
+        streamsOf([&] { EXPECT_EQ(tavro_getInputs("", 2, values.data()), 1); });
+    EXPECT_EQ(said.out, "inputs: 7 8 \n");
+    EXPECT_EQ(read(2).out, "measures: 1 2 \n");
+}
+
+// ---- Writing and closing ----
+
+TEST(SetDisplays, WritesPairsOfBounds) {
+    ConsoleFiles const files;
+    streamsOf([] { prepareDO(); });
+    double const inf[] = {1.0, 0.1234567};
+    double const sup[] = {2.0, 1e10};
+    Streams const said = streamsOf([&] { EXPECT_EQ(tavro_setDisplays("", 2, inf, sup), 1); });
+    EXPECT_EQ(said.out, "");
+    closeRunFiles();
+    EXPECT_EQ(WorkDirectory::read("disp/day"), "1 2 0.123457 1e+10 ");
+}
+
+TEST(SetDisplays, AnnouncesThemOnStandardOutput) {
+    ConsoleFiles const files;
+    displayFile.clear();
+    streamsOf([] { prepareDO(); });
+    double const inf[] = {1.0};
+    double const sup[] = {2.0};
+    Streams const said = streamsOf([&] { tavro_setDisplays("", 1, inf, sup); });
+    EXPECT_EQ(said.out, "Displays: 1 2 ");
+}
+
+TEST(CloseRunFiles, ClosesAllButStandardOutput) {
+    ConsoleFiles const files;
+    displayFile.clear();
+    modesFile = "modes";
+    WorkDirectory::write(measureFile, "1");
+    Streams const said = streamsOf([] {
+        prepareEI();
+        prepareMS();
+        prepareDO();
+        prepareMO();
+        closeRunFiles();
+        std::fputs("still open", stdout);
+    });
+    EXPECT_EQ(said.err, "");
+    EXPECT_NE(said.out.find("still open"), std::string::npos);
+    for (std::FILE* stream : {dataIn, measIn, dataOut, modesOut})
+        EXPECT_EQ(stream, nullptr);
+}
+
+TEST(CloseRunFiles, TellsWhatCouldNotBeWritten) {
+    ConsoleFiles const files;
+    displayFile = "/dev/full";
+    streamsOf([] { prepareDO(); });
+    std::fputs("lost", dataOut);
+    EXPECT_EQ(streamsOf([] { closeRunFiles(); }).err, "Can't write file /dev/full\n");
+    EXPECT_EQ(streamsOf([] { closeRunFiles(); }).err, "") << "it is told once";
+}
+
+// More than a stream's buffer: the loss shows before the file is closed, and must not be forgotten.
+TEST(CloseRunFiles, TellsWhatWasLostOnTheWay) {
+    ConsoleFiles const files;
+    displayFile = "/dev/full";
+    streamsOf([] { prepareDO(); });
+    std::fputs(std::string(100000, 'x').c_str(), dataOut);
+    std::fflush(dataOut);
+    EXPECT_EQ(streamsOf([] { closeRunFiles(); }).err, "Can't write file /dev/full\n");
+}
+
+TEST(SetAlarms, LeavesThemInTheRuntime) {
+    int const alarms[] = {1, 2};
+    Streams const said =
+        streamsOf([&] { EXPECT_EQ(sorn_setAlarms("", 2, alarms, alarms, alarms), 1); });
+    EXPECT_EQ(said.out + said.err, "");
+}
+
+TEST(SendDiagnosis, PrintsATextThatIsNotEmpty) {
+    Streams said = streamsOf([] { EXPECT_EQ(sorn_sendDiagnosis("", "T1.i1"), 1); });
+    EXPECT_EQ(said.err, "Diagnostic Results:\nT1.i1\n");
+    EXPECT_EQ(said.out, "");
+    said = streamsOf([] { EXPECT_EQ(sorn_sendDiagnosis("", ""), 1); });
+    EXPECT_EQ(said.out + said.err, "");
+}
+
+}  // namespace

@@ -1,1 +1,0 @@
-#include "fixtures/reference_model.h"
