@@ -84,6 +84,11 @@ private:
         EXPECT_EQ(a.misbWindow, b.misbWindow);
         EXPECT_EQ(a.precision, b.precision);
         EXPECT_EQ(a.diagBuf, b.diagBuf);
+        EXPECT_EQ(a.isoMode, b.isoMode);
+        EXPECT_EQ(a.nbMisb, b.nbMisb);
+        EXPECT_EQ(a.nbNormal, b.nbNormal);
+        EXPECT_EQ(b.nbKnown, 0);  // what an isolation knows is its own runtime's
+        EXPECT_TRUE(b.knownMisb.empty());
     }
     void checkLists() const {
         same(a.input, b.input);

@@ -110,6 +110,11 @@ private:
         rt.misbWindow = 3;
         rt.precision = 0.01;
         rt.diagBuf = "text";
+        rt.isoMode = 1;
+        rt.nbMisb = 2;
+        rt.nbNormal = 3;
+        rt.nbKnown = 1;
+        rt.knownMisb = {x};
         rt.input = {u};
         rt.display = {x, y};
         rt.measure = {x};

@@ -2,7 +2,9 @@
 // test, and what may be read off a candidate.
 #pragma once
 
+#include <iomanip>
 #include <optional>
+#include <sstream>
 
 #include "console/exchange.h"
 #include "fixtures/reference_model.h"
@@ -37,7 +39,9 @@ class RoomRun {
 public:
     explicit RoomRun(double firstMeasure, int search = 0) : before(env_opti) {
         env_opti = search;
-        TextFile const measures(std::to_string(firstMeasure) + "\n");
+        std::ostringstream line;
+        line << std::setprecision(17) << firstMeasure << "\n";
+        TextFile const measures(line.str());
         measIn = std::fopen(measures.path.c_str(), "r");
         start = streamsOf([] { tavro_initialize(1, 0.01, "", 0); });
         std::fclose(measIn);

@@ -49,7 +49,6 @@ TEST(RandomRoomTest, ARoomThatObeysTheModelIsAlwaysTracked) {
         RoomRun run(room.rate);
         for (int k = 1; k <= 120; ++k) {
             room.step();
-            // The file of the first measure holds six digits, so the very first may be off by that.
             ASSERT_EQ(run.cycle(detection(2), k, room.rate).err.find("misbehave"),
                       std::string::npos)
                 << "at " << k;
@@ -80,8 +79,9 @@ void expectOrder(RunOptions const& options, bool nominal) {
         EXPECT_NE(candidate->traj->getLastState(), nullptr);
         EXPECT_NE(thermostatOf(candidate.get()), "");
         EXPECT_NE(windowOf(candidate.get()), "");
-        if (options.mode > RUN_RESET)
+        if (options.mode > RUN_RESET) {
             EXPECT_EQ(key, nominal ? -static_cast<double>(rt->num) : candidate->traj->rank);
+        }
     }
 }
 

@@ -25,8 +25,6 @@ std::string const endOfTimeLine = "}\n\tnode [ shape=ellipse, style=filled ];\n\
 
 class GraphTest : public testing::Test, protected History {
 protected:
-    GraphTest() { path.setTimeCorr(0.5); }
-
     // The modes of a component in the state of a step are as at the step before, but for the one
     // that ends and the one that begins.
     void change(Unit& unit, int step, char const* ends, char const* begins) {
@@ -97,7 +95,7 @@ TEST_F(GraphTest, TheTriggeringCommandIsTheLabel) {
 TEST_F(GraphTest, OneStateHasOneRankAndNoMove) {
     leave(pump, 0, "mode=off", start);
     leave(tank, 0, "mode=low", stayLow);
-    EXPECT_EQ(graph(), "digraph g" + historyHead + "0 [label = \"0 (0.5)\"];\n\t\ttime -> 0" +
+    EXPECT_EQ(graph(), "digraph g" + historyHead + "0 [label = \"0 (0)\"];\n\t\ttime -> 0" +
                            endOfTimeLine +
                            "{rank = same; 0; p_off0 [label=\"off\"]; t_low0 [label=\"low\"];}\n\t"
                            "p -> p_off0 [ style = invis ];\n\t"
@@ -119,7 +117,7 @@ TEST_F(GraphTest, MovesOfEveryKind) {
     leave(tank, 2, "mode=low", fill);
     EXPECT_EQ(graph(),
               "digraph g" + historyHead +
-                  "0 [label = \"0 (0.5)\"];\n\t1 [label = \"1 (10)\"];\n\t2 [label = \"2 (20)\"];"
+                  "0 [label = \"0 (0)\"];\n\t1 [label = \"1 (10)\"];\n\t2 [label = \"2 (20)\"];"
                   "\n\t\ttime -> 0 -> 1 -> 2" +
                   endOfTimeLine +
                   "{rank = same; 0; p_off0 [label=\"off\"]; t_low0 [label=\"low\"];}\n\t"
