@@ -112,8 +112,8 @@ s_Influence* mkInfluence(s_runtime& rt, std::string const& nom, influType type, 
     influence->condHisto.assign(static_cast<std::size_t>(std::max(condHistoLn, 1)), 1);
     influence->gain = gain;
     influence->delayMin = influence->delayMax = delay;
-    for (s_Objet* coefficient : {&influence->respTime, &influence->a1, &influence->b1,
-                                 &influence->a2, &influence->b2})
+    for (s_Objet* coefficient :
+         {&influence->respTime, &influence->a1, &influence->b1, &influence->a2, &influence->b2})
         *coefficient = makeReal(0.0);
     influence->useOpti = useOpti;
     return adoptInfluence(rt, std::move(influence));

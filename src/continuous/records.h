@@ -218,7 +218,7 @@ struct s_runtime {
     int nbNormal = 0;        // well-behaving ones
     int nbKnown = 0;         // entries of knownMisb in use; not carried by copies
     std::vector<s_Variable*> knownMisb;  // a place per measure in mode 0; not carried by copies
-    std::string diagBuf;     // text of the last diagnosis
+    std::string diagBuf;                 // text of the last diagnosis
 
     BridgeAtoms bridgeEvents;              // conditions that entered the validity space
     BridgeAtoms bridgeConds;               // atoms that the discrete step settled

@@ -1,14 +1,14 @@
 // The incremental truth maintenance engine.
 //
-// Every step of a candidate history is a State of elements. An element carries a three-valued label,
-// the clause that justifies it, the elements that depend on it, a propagation number that rises
-// along every chain of supports, and a lock. Labels never live on the shared atoms during a search:
-// a change is made on a private copy of the state, so that a retraction in one branch cannot touch
-// another one.
+// Every step of a candidate history is a State of elements. An element carries a three-valued
+// label, the clause that justifies it, the elements that depend on it, a propagation number that
+// rises along every chain of supports, and a lock. Labels never live on the shared atoms during a
+// search: a change is made on a private copy of the state, so that a retraction in one branch
+// cannot touch another one.
 //
-// addPropositions is the entry: it asserts propositions in a state and answers the consistent states
-// that follow, depth first, each a branch (ItmsRes). The functions are grouped by the file of
-// itmsrt/ that holds them. Trace lines go to standard output.
+// addPropositions is the entry: it asserts propositions in a state and answers the consistent
+// states that follow, depth first, each a branch (ItmsRes). The functions are grouped by the file
+// of itmsrt/ that holds them. Trace lines go to standard output.
 //
 // A trajectory and a step are passed along because a state holds the elements of those components
 // alone that changed at its step: getElt pulls the others forward.
@@ -28,7 +28,8 @@
 
 // Elements by atom id; they belong to a state.
 using ElementTable = string_map<TrajEl*>;
-// Elements with a sign. In propositions true asks for "true"; in a clause's literals true is negated.
+// Elements with a sign. In propositions true asks for "true"; in a clause's literals true is
+// negated.
 using SignedElements = std::multimap<bool, TrajEl*, eqbool>;
 
 // One open or finished branch of a propagation.
@@ -39,11 +40,11 @@ struct ItmsRes {
     ItmsRes(State const* source, std::queue<Clause*> const& pending)
         : state(std::make_unique<State>(source, true)), conflicts(pending) {}
 
-    std::unique_ptr<State> state;  // owned by the branch until a caller takes it
-    ElementTable already_changed;  // changed on this branch: conflicts may not change them again
-    ElementTable focus;            // elements whose clauses are to be checked again
-    std::vector<TrajEl*> deleted;  // retracted on this branch: where unit clauses are looked for
-    std::queue<Clause*> conflicts; // found violated, not yet handled
+    std::unique_ptr<State> state;   // owned by the branch until a caller takes it
+    ElementTable already_changed;   // changed on this branch: conflicts may not change them again
+    ElementTable focus;             // elements whose clauses are to be checked again
+    std::vector<TrajEl*> deleted;   // retracted on this branch: where unit clauses are looked for
+    std::queue<Clause*> conflicts;  // found violated, not yet handled
 };
 
 using ItmsResults = std::vector<std::unique_ptr<ItmsRes>>;
@@ -85,11 +86,9 @@ public:
     // Membership by identity; of texts, by content.
     using DataManager::inVector;
     static bool inVector(TrajEl const* element, std::vector<TrajEl*> const* elements);
-    static bool inVector(Transition const* transition,
-                         std::vector<Transition*> const* transitions);
+    static bool inVector(Transition const* transition, std::vector<Transition*> const* transitions);
     static bool inVector(char const* text, std::vector<char const*> const* texts);
-    static bool inVectorStateVar(StateVar const* variable,
-                                 std::vector<StateVar*> const* variables);
+    static bool inVectorStateVar(StateVar const* variable, std::vector<StateVar*> const* variables);
     static bool inVectorClause(Clause const* clause, std::vector<Clause*> const* clauses);
     // Ignores the key.
     static bool inMultimap(Atom const* atom, SignedAtoms const& atoms);

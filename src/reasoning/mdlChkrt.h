@@ -1,5 +1,5 @@
-// The layer between the registry and the truth maintenance: the place for checks of a model. It adds
-// nothing yet.
+// The layer between the registry and the truth maintenance: the place for checks of a model. It
+// adds nothing yet.
 #pragma once
 
 #include "model/DataManagerrt.h"

@@ -1,7 +1,7 @@
 // Prime implicates of atoms: for an atom, the alternative sets of atoms that make it hold at once.
 //
-// With a table, the resolution of a conflict changes all atoms of an alternative in one branch. Atoms
-// are borrowed from the model.
+// With a table, the resolution of a conflict changes all atoms of an alternative in one branch.
+// Atoms are borrowed from the model.
 #pragma once
 
 #include <string>

@@ -135,8 +135,7 @@ TEST(PrintHelp, ListsAllWithoutAnArgument) {
 TEST(PrintHelp, ListsThoseThatBeginWithTheArgument) {
     EXPECT_EQ(helpOn("in"), "init        Run initializations.\n");
     EXPECT_EQ(helpOn("gp"), "gp          Shortcut to gnuplot.\n");
-    EXPECT_EQ(helpOn("s"),
-              "simul       Simulation.\nsystem      Issue a shell command.\n");
+    EXPECT_EQ(helpOn("s"), "simul       Simulation.\nsystem      Issue a shell command.\n");
 }
 
 TEST(PrintHelp, NamesAllWhenNoneMatches) {

@@ -84,8 +84,8 @@ TEST(SetRTDisplays, RoundsTheRowUp) {
 TEST(SetRTDisplays, SkipsRowsOutsideTheTable) {
     auto const rt = runtimeOf(1, 5.0);
     initDispAll(rt.get(), 2.0);
-    for (double const row : {0.0, -0.5, -3.0, 3.0, 1e300, -1e300,
-                             std::numeric_limits<double>::quiet_NaN()})
+    for (double const row :
+         {0.0, -0.5, -3.0, 3.0, 1e300, -1e300, std::numeric_limits<double>::quiet_NaN()})
         tavro_setRTDisplays(1, rt.get(), row);
     EXPECT_EQ(tableOf(*rt), (Values{0, 0, 0, 0}));
 }

@@ -68,8 +68,8 @@ TEST_F(PartsTest, TheConditionOfAnInfluenceAlwaysHeld) {
 }
 
 TEST_F(PartsTest, AnInfluenceHasOneDelay) {
-    s_Influence const* influence = mkInfluence(rt, "c.i", INF_DYNAMIC, nullptr, nullptr, nullptr, 1,
-                                               makeReal(2.0), 4, 1);
+    s_Influence const* influence =
+        mkInfluence(rt, "c.i", INF_DYNAMIC, nullptr, nullptr, nullptr, 1, makeReal(2.0), 4, 1);
     EXPECT_EQ(influence->delayMin, 4);
     EXPECT_EQ(influence->delayMax, 4);
     EXPECT_EQ(influence->useOpti, 1);
@@ -78,8 +78,8 @@ TEST_F(PartsTest, AnInfluenceHasOneDelay) {
 
 TEST_F(PartsTest, AGraphNodeIsThatOfItsVariable) {
     s_Variable* variable = mkVariable(rt, "c.v", 1);
-    s_Influence* influence = mkInfluence(rt, "c.i", INF_DYNAMIC, nullptr, variable, nullptr, 1,
-                                         makeReal(2.0), 0, 0);
+    s_Influence* influence =
+        mkInfluence(rt, "c.i", INF_DYNAMIC, nullptr, variable, nullptr, 1, makeReal(2.0), 0, 0);
     s_CGraph* node = mkGraph(rt, variable, INF_DYNAMIC, {influence}, {});
     EXPECT_EQ(variable->graph, node);
     EXPECT_EQ(node->kind, INF_DYNAMIC);

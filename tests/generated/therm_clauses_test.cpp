@@ -32,8 +32,8 @@ TEST_F(ClausesTest, ThereAreTwentyThreeAndAllAreInternal) {
 
 TEST_F(ClausesTest, OfTheThermostat) {
     std::vector<std::pair<char const*, char const*>> const pairs = {
-        {"off", "on"},           {"off", "stuck_on"},      {"off", "stuck_off"},
-        {"off", "unknown"},      {"on", "stuck_on"},       {"on", "stuck_off"},
+        {"off", "on"},           {"off", "stuck_on"},       {"off", "stuck_off"},
+        {"off", "unknown"},      {"on", "stuck_on"},        {"on", "stuck_off"},
         {"on", "unknown"},       {"stuck_on", "stuck_off"}, {"stuck_on", "unknown"},
         {"stuck_off", "unknown"}};
     for (std::size_t i = 0; i < pairs.size(); ++i)
@@ -49,9 +49,9 @@ TEST_F(ClausesTest, OfTheRoomVariableByVariable) {
         std::string a, b, c;
     };
     std::size_t next = 11;
-    for (Variable const& v : {Variable{"room.cmdin", "none", "open", "close"},
-                              Variable{"room.c1", "c12", "c11", "c10"},
-                              Variable{"room.mode", "closed", "open", "unknown"}}) {
+    for (Variable const& v :
+         {Variable{"room.cmdin", "none", "open", "close"}, Variable{"room.c1", "c12", "c11", "c10"},
+          Variable{"room.mode", "closed", "open", "unknown"}}) {
         EXPECT_EQ(clause(next), notBoth(v.name, v.a, v.b));
         EXPECT_EQ(clause(next + 1), notBoth(v.name, v.a, v.c));
         EXPECT_EQ(clause(next + 2), notBoth(v.name, v.b, v.c));
@@ -63,9 +63,8 @@ TEST_F(ClausesTest, OfTheRoomVariableByVariable) {
 
 TEST_F(ClausesTest, EachBelongsToItsVariableItsComponentAndItsAtoms) {
     std::size_t next = 0;
-    for (StateVar* variable :
-         {static_cast<StateVar*>(T1->mode), static_cast<StateVar*>(R1->cmdin),
-          static_cast<StateVar*>(R1->c1), static_cast<StateVar*>(R1->mode)})
+    for (StateVar* variable : {static_cast<StateVar*>(T1->mode), static_cast<StateVar*>(R1->cmdin),
+                               static_cast<StateVar*>(R1->c1), static_cast<StateVar*>(R1->mode)})
         for (Clause* clause : variable->clauses) {
             EXPECT_EQ(clause, DataManager::cls.at(next++).get());
             EXPECT_EQ(clause->comp, variable->getComp());

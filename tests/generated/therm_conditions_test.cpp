@@ -87,10 +87,9 @@ TEST_F(ConditionsTest, ConditionsOnTheTemperature) {
         Atom const* atom;
         int atomRef;
     };
-    for (Expected const& expected : {Expected{6, 3, 5, R1->c1_c12, 5},
-                                     Expected{7, 1, 5, nullptr, 2},
-                                     Expected{8, 2, 4, nullptr, 3},
-                                     Expected{10, 0, 4, R1->c1_c10, 1}}) {
+    for (Expected const& expected :
+         {Expected{6, 3, 5, R1->c1_c12, 5}, Expected{7, 1, 5, nullptr, 2},
+          Expected{8, 2, 4, nullptr, 3}, Expected{10, 0, 4, R1->c1_c10, 1}}) {
         SCOPED_TRACE(expected.index);
         s_Condition const& found = condition(expected.index);
         EXPECT_EQ(found.kind, COND_EXPR);
@@ -153,8 +152,8 @@ TEST_F(ConditionsTest, NoConditionHasAValueYet) {
 
 // ---- What they say ----
 
-// The numbered conditions that hold when the temperature is *value*: 10 below the lower threshold, 9
-// between (with 7 and 8), 6 above the upper one.
+// The numbered conditions that hold when the temperature is *value*: 10 below the lower threshold,
+// 9 between (with 7 and 8), 6 above the upper one.
 std::vector<int> holding(s_runtime* rt, s_Variable* x, s_Objet const& value) {
     x->old = value;
     std::vector<int> found;

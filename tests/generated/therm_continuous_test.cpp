@@ -37,8 +37,8 @@ TEST_F(ContinuousTest, VariablesInOrder) {
     Texts found;
     for (auto const& variable : rt->dico)
         found.push_back(variable->nom);
-    EXPECT_EQ(found, (Texts{"thermostat.h", "room.xd", "room.x", "room.xdq", "room.xext",
-                            "room.Qc", "room.Qo", "room.m", "room.M", "room.un"}));
+    EXPECT_EQ(found, (Texts{"thermostat.h", "room.xd", "room.x", "room.xdq", "room.xext", "room.Qc",
+                            "room.Qo", "room.m", "room.M", "room.un"}));
     for (std::size_t i = 0; i < rt->dico.size(); ++i)
         EXPECT_EQ(rt->dico[i]->slot, static_cast<int>(i));
 }
@@ -180,8 +180,8 @@ TEST_F(ContinuousTest, ConditionsOfInfluencesHeldInThePast) {
 TEST_F(ContinuousTest, InfluencesHaveZeroCoefficientsAndNoSecondOrder) {
     for (auto const& influence : rt->influ) {
         SCOPED_TRACE(influence->nom);
-        for (s_Objet const* coefficient : {&influence->respTime, &influence->a1, &influence->b1,
-                                           &influence->a2, &influence->b2})
+        for (s_Objet const* coefficient :
+             {&influence->respTime, &influence->a1, &influence->b1, &influence->a2, &influence->b2})
             expectReal(*coefficient, 0.0);
         EXPECT_FALSE(influence->xi.has_value());
         EXPECT_FALSE(influence->w.has_value());
@@ -251,8 +251,7 @@ TEST_F(ContinuousTest, TheGraphAgreesWithTheInfluences) {
         auto const& causes = influence->effect->graph->causes;
         auto const& effects = influence->cause->graph->effects;
         EXPECT_EQ(std::count(causes.begin(), causes.end(), influence.get()), 1) << influence->nom;
-        EXPECT_EQ(std::count(effects.begin(), effects.end(), influence.get()), 1)
-            << influence->nom;
+        EXPECT_EQ(std::count(effects.begin(), effects.end(), influence.get()), 1) << influence->nom;
     }
 }
 

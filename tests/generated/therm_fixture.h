@@ -1,5 +1,5 @@
-// What the tests of the reference model share: the model as it was built and not yet started, its two
-// components by their classes, and texts of literals.
+// What the tests of the reference model share: the model as it was built and not yet started, its
+// two components by their classes, and texts of literals.
 #pragma once
 
 #include <initializer_list>
@@ -40,7 +40,8 @@ public:
 room* findRoom();
 therm* findTherm();
 
-// The literals of a bag in the order of a walk, as ids; those with the sign *marked* begin with "!".
+// The literals of a bag in the order of a walk, as ids; those with the sign *marked* begin with
+// "!".
 Texts literals(SignedAtoms const& bag, bool marked);
 
 // Names of records, in order; "null" for none.

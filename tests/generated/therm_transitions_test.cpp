@@ -157,8 +157,8 @@ TEST_F(TransitionsTest, WhatReachesTheAtoms) {
     EXPECT_EQ(reaching(T1->mode_stuck_on), (Texts{"T2", "T4"}));
     EXPECT_EQ(reaching(T1->mode_stuck_off), (Texts{"T3", "T5"}));
     EXPECT_EQ(reaching(T1->mode_unknown), (Texts{"T0", "T1", "T6"}));
-    for (Atom const* atom : {R1->cmdin_none, R1->cmdin_open, R1->cmdin_close, R1->c1_c12,
-                             R1->c1_c11, R1->c1_c10})
+    for (Atom const* atom :
+         {R1->cmdin_none, R1->cmdin_open, R1->cmdin_close, R1->c1_c12, R1->c1_c11, R1->c1_c10})
         EXPECT_EQ(reaching(atom), (Texts{})) << atom->id;
 }
 
@@ -176,8 +176,8 @@ TEST_F(TransitionsTest, OnlyFaultModesAreFailures) {
     for (Comp const* comp : {static_cast<Comp*>(R1), static_cast<Comp*>(T1)})
         for (auto const& entry : comp->atoms) {
             Atom const* atom = entry.second;
-            bool const fault = atom == T1->mode_unknown || atom == T1->mode_stuck_on ||
-                               atom == T1->mode_stuck_off;
+            bool const fault =
+                atom == T1->mode_unknown || atom == T1->mode_stuck_on || atom == T1->mode_stuck_off;
             EXPECT_EQ(atom->failure, fault) << atom->id;
         }
 }

@@ -41,11 +41,10 @@ TEST_F(ItmsBranch, TellsTheConflictTheCandidatesAndTheFlip) {
     std::string const text = model.trace.take();
     EXPECT_EQ(text.find("[propagateThroughConflict] --> "), 0u);
     std::size_t at = 0;
-    for (char const* part :
-         {"cl size: 1\nc.p=on\n", "not_unknown's size : 1\n", "label : false\n",
-          "[propagateThroughConflict] --> beginning propagation\n",
-          "[propagateThroughConflict] --> clause to be added :\n",
-          "\n[propagateThroughConflict] --> adding a new clause. true"}) {
+    for (char const* part : {"cl size: 1\nc.p=on\n", "not_unknown's size : 1\n", "label : false\n",
+                             "[propagateThroughConflict] --> beginning propagation\n",
+                             "[propagateThroughConflict] --> clause to be added :\n",
+                             "\n[propagateThroughConflict] --> adding a new clause. true"}) {
         std::size_t const found = text.find(part, at);
         ASSERT_NE(found, std::string::npos) << part;
         at = found;
@@ -102,8 +101,8 @@ TEST_F(ItmsBranch, PendingConflictsGoAlongAndRetractionsDoNot) {
     auto res = std::make_unique<ItmsRes>(std::make_unique<State>(model.state(), true));
     res->conflicts.push(waiting);
     res->deleted.push_back(model.elt("r", res->state.get()));
-    auto const branch = model.engine.propagateThroughConflict(
-        clause, std::move(res), model.agenda, searching, model.history.get(), 0);
+    auto const branch = model.engine.propagateThroughConflict(clause, std::move(res), model.agenda,
+                                                              searching, model.history.get(), 0);
     ASSERT_EQ(model.agenda.size(), 1u);
     for (ItmsRes const* each : {branch.get(), model.agenda.top().get()}) {
         ASSERT_EQ(each->conflicts.size(), 1u);
@@ -136,12 +135,10 @@ TEST_F(ItmsBranch, ConsequencesWhoseSupportFailsOrIsMissingAreRetracted) {
     model.label("p failing holding bare");
     model.elt("failing")->support = falls;
     model.elt("holding")->support = holds;
-    model.elt("p")->consequences = {model.elt("holding"), model.elt("bare"),
-                                    model.elt("failing")};
+    model.elt("p")->consequences = {model.elt("holding"), model.elt("bare"), model.elt("failing")};
     auto const branch = model.resolve(clause);
     EXPECT_EQ(model.labels("p failing holding bare", branch->state.get()), "futu");
-    EXPECT_EQ(branch->deleted,
-              (std::vector<TrajEl*>{in(branch, "bare"), in(branch, "failing")}));
+    EXPECT_EQ(branch->deleted, (std::vector<TrajEl*>{in(branch, "bare"), in(branch, "failing")}));
     EXPECT_EQ(in(branch, "p")->consequences.size(), 3u);  // the flip's own list stays
     EXPECT_EQ(model.labels("failing bare"), "tt");        // the other copies know nothing of it
 }
@@ -192,9 +189,9 @@ protected:
         return clause;
     }
     void addTwo() {
-        model.engine.piTable->addPIAtom(
-            model.atom("a"), {{model.atom("a"), model.atom("x")},
-                              {model.atom("y"), model.atom("a"), model.atom("z")}});
+        model.engine.piTable->addPIAtom(model.atom("a"),
+                                        {{model.atom("a"), model.atom("x")},
+                                         {model.atom("y"), model.atom("a"), model.atom("z")}});
     }
     std::unique_ptr<ItmsRes> resolve(Clause* clause, double maxRank = 9.0) {
         return model.resolve(clause, {false, maxRank}, "b");
@@ -215,7 +212,7 @@ TEST_F(ItmsFiveImplicates, EachAlternativeIsABranchOfItsOwn) {
     EXPECT_EQ(model.labels("a b x y z", branch->state.get()), "tftff");
     ASSERT_EQ(model.agenda.size(), 1u);
     EXPECT_EQ(waiting("a b x y z"), "tfftt");
-    EXPECT_EQ(branch->already_changed.size(), 3u);             // a, b and x
+    EXPECT_EQ(branch->already_changed.size(), 3u);              // a, b and x
     EXPECT_EQ(model.agenda.top()->already_changed.size(), 4u);  // a, b, y and z
     EXPECT_EQ(in(branch, "x")->support, nullptr);
 }
@@ -317,8 +314,8 @@ TEST_F(ItmsBlocked, ARefusalInTheSecondAlternativeKeepsTheFirst) {
     EXPECT_TRUE(model.agenda.empty());
 }
 
-// The refused branch was counted: the next candidate's is not the first, so it waits on the agenda and
-// nothing goes on.
+// The refused branch was counted: the next candidate's is not the first, so it waits on the agenda
+// and nothing goes on.
 TEST_F(ItmsBlocked, AfterARefusedFirstBranchTheNextCandidateWaits) {
     Clause* clause = begin();
     EXPECT_EQ(model.resolve(clause, {false, 0.5}), nullptr);

@@ -220,8 +220,8 @@ TEST_F(ItmsOrder, EqualEntropiesKeepTheOrderOfTheClause) {
     EXPECT_EQ(order(clause), "r q p ");
 }
 
-// A not-a-number is neither below nor above another key: what follows is entered behind it, and it is
-// entered behind what is there.
+// A not-a-number is neither below nor above another key: what follows is entered behind it, and it
+// is entered behind what is there.
 TEST_F(ItmsOrder, NotANumberStaysWhereTheClauseHasIt) {
     begin();
     Clause* first = model.clause("r far");

@@ -181,8 +181,8 @@ protected:
         StateSite const site{next.get(), model.history.get(), 1};
         SignedElements props;
         props.insert({true, model.engine.getElt(model.atom("q")->getId(), site)});
-        ItmsResults const results = model.engine.addPropositions(
-            props, next, {false, 9.0}, model.history.get(), 1, keep);
+        ItmsResults const results =
+            model.engine.addPropositions(props, next, {false, 9.0}, model.history.get(), 1, keep);
         EXPECT_FALSE(model.engine.keepLocks);
         int const lock = model.elt("seen=yes", results.at(0)->state.get())->lock;
         model.history->putState(1, std::move(results[0]->state));
@@ -404,8 +404,8 @@ TEST_F(ItmsDeletion, OnlyConsequencesWhoseSupportNoLongerHoldGoWithIt) {
     Clause* holding = model.clause("p r");
     model.clause("s");
     begin("p q r s");
-    model.elt("q")->support = failing;   // true under a negated literal: p alone kept it
-    model.elt("r")->support = holding;   // held by its own literal
+    model.elt("q")->support = failing;  // true under a negated literal: p alone kept it
+    model.elt("r")->support = holding;  // held by its own literal
     model.elt("p")->consequences = elements("r s q");
     remove("p");
     EXPECT_EQ(model.labels("p q r s"), "uutt");  // s has no support, and no support fails
@@ -445,8 +445,7 @@ TEST_F(ItmsDeletion, ALongChainOfRetractionsStaysSmall) {
     model.propositions(names);
     std::vector<Clause*> links;
     for (int i = 1; i < 40; ++i)
-        links.push_back(
-            model.clause("p" + std::to_string(i - 1) + " !p" + std::to_string(i)));
+        links.push_back(model.clause("p" + std::to_string(i - 1) + " !p" + std::to_string(i)));
     begin(names);
     for (int i = 1; i < 40; ++i) {
         TrajEl* element = model.elt("p" + std::to_string(i));

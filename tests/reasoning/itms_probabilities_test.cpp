@@ -72,8 +72,8 @@ TEST_F(ItmsProbabilities, WithoutComponentsEveryEntropyIsZero) {
     EXPECT_EQ(entropy("r"), 0.0);
 }
 
-// n is of a component that c does not import: each value has 1/3, so each of the three masses is 1/4,
-// each table is 2/3 and 1/3, and the sum is the entropy of those times 3/4.
+// n is of a component that c does not import: each value has 1/3, so each of the three masses is
+// 1/4, each table is 2/3 and 1/3, and the sum is the entropy of those times 3/4.
 TEST_F(ItmsProbabilities, AnUnrelatedVariableLeavesTheWeightsAsTheyAre) {
     begin();
     double const h = std::log(2.0 / 3.0) * (2.0 / 3.0) + std::log(1.0 / 3.0) / 3.0;
@@ -252,8 +252,7 @@ TEST_F(ItmsProbabilities, PredictedAtomsAreTheOppositesAndTheAtomItself) {
     Atoms const given = {model.atom("q"), model.atom("r")};
     EXPECT_EQ(itms::predictedAtoms(model.atom("q"), given),
               (Atoms{model.atom("q"), model.atom("r"), model.atom("p"), model.atom("m=on")}));
-    EXPECT_EQ(itms::predictedAtoms(model.atom("p"), {}),
-              (Atoms{model.atom("q"), model.atom("p")}));
+    EXPECT_EQ(itms::predictedAtoms(model.atom("p"), {}), (Atoms{model.atom("q"), model.atom("p")}));
 }
 
 TEST_F(ItmsProbabilities, TheChanceOfAnAtomGivenObservationsIsTheShareThatItPredicts) {
@@ -269,8 +268,8 @@ TEST_F(ItmsProbabilities, TheChanceOfAnAtomGivenObservationsIsTheShareThatItPred
 class ItmsFormulas : public ItmsProbabilities {
 protected:
     bool holds(std::string const& literals, std::string const& operat, int t = 0) {
-        auto formula = literals.empty() ? std::make_unique<StateFormula>()
-                                        : model.formula(literals);
+        auto formula =
+            literals.empty() ? std::make_unique<StateFormula>() : model.formula(literals);
         formula->operat = operat;
         return itms::evalStateFormula(formula.get(), model.history.get(), t);
     }

@@ -1,5 +1,5 @@
-// The pass over a fresh model: numbers and weights of transitions, guards, active atoms, links, dead
-// ends and first labels.
+// The pass over a fresh model: numbers and weights of transitions, guards, active atoms, links,
+// dead ends and first labels.
 #include <algorithm>
 #include <cmath>
 #include <set>
@@ -326,7 +326,8 @@ TEST_F(ItmsStartup, AnAtomIsIndependentOfAtomsWhoseClausesShareNothingWithIts) {
     EXPECT_FALSE(itms::intersectClauses(model.atom("p"), {model.atom("p")}));
 }
 
-// The compiled model goes through the same pass: what must hold of any model, checked on a real one.
+// The compiled model goes through the same pass: what must hold of any model, checked on a real
+// one.
 TEST(ItmsStartupOfTheReferenceModel, LeavesAConsistentRegistry) {
     ReferenceModel model;
     std::size_t transitions = 0;

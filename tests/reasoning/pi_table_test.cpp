@@ -77,8 +77,7 @@ TEST_F(PiTableTest, ANewListReplacesTheOldOne) {
 TEST_F(PiTableTest, ShowsTheAlternativesUnderOneAnother) {
     table.addPIAtom((*this)["a"], {{(*this)["b"], (*this)["d"]}, {(*this)["e"]}});
     table.showPI((*this)["a"]);
-    EXPECT_EQ(model.trace.take(),
-              "\nPI(c.a=on) => c.b=on - c.d=on - \n\t\t=>c.e=on - ");
+    EXPECT_EQ(model.trace.take(), "\nPI(c.a=on) => c.b=on - c.d=on - \n\t\t=>c.e=on - ");
     table.showPI((*this)["b"]);
     EXPECT_EQ(model.trace.take(), "");
 }
@@ -128,9 +127,8 @@ TEST_F(PiTableTest, WhatWasWrittenIsReadBack) {
 
 TEST_F(PiTableTest, TellsTheFileAndWhatItRead) {
     EXPECT_EQ(read("c.a=on:c.b=on c.d=on,c.e=on\n"), 1);
-    EXPECT_EQ(model.trace.take(),
-              "*** File " + path() + " found. Reading file...\n" +
-                  "\nPI(c.a=on) => c.b=on - c.d=on - \n\t\t=>c.e=on - ");
+    EXPECT_EQ(model.trace.take(), "*** File " + path() + " found. Reading file...\n" +
+                                      "\nPI(c.a=on) => c.b=on - c.d=on - \n\t\t=>c.e=on - ");
     EXPECT_EQ(implicates("a"), "bd,e");
 }
 
@@ -181,9 +179,8 @@ TEST_F(PiTableTest, OnlyTheFirstColonEndsTheHead) {
 TEST_F(PiTableTest, AMissingComponentIsOnlyAMessage) {
     model.comps.at("c")->symbol = "other";
     EXPECT_EQ(read("c.a=on:c.b=on\n"), 1);
-    EXPECT_EQ(model.trace.take(),
-              "*** File " + path() + " found. Reading file...\n" +
-                  "Component not found: c\n" + "\nPI(c.a=on) => c.b=on - ");
+    EXPECT_EQ(model.trace.take(), "*** File " + path() + " found. Reading file...\n" +
+                                      "Component not found: c\n" + "\nPI(c.a=on) => c.b=on - ");
     EXPECT_EQ(implicates("a"), "b");
 }
 
@@ -191,17 +188,15 @@ TEST_F(PiTableTest, TheComponentSymbolEndsAtTheFirstDot) {
     EXPECT_EQ(complaint([&] { EXPECT_EQ(read("x.y.a=on:c.b=on\n"), -1); }),
               "Atom not found: x.y.a=on\n");
     EXPECT_NE(model.trace.take().find("Component not found: x\n"), std::string::npos);
-    EXPECT_EQ(complaint([&] { EXPECT_EQ(read("nodot:c.b=on\n"), -1); }),
-              "Atom not found: nodot\n");
+    EXPECT_EQ(complaint([&] { EXPECT_EQ(read("nodot:c.b=on\n"), -1); }), "Atom not found: nodot\n");
     EXPECT_NE(model.trace.take().find("Component not found: nodot\n"), std::string::npos);
 }
 
 TEST_F(PiTableTest, AnUnknownHeadStopsTheReadingAndKeepsWhatWasRead) {
     std::size_t const atoms = DataManager::active_atoms.size();
-    EXPECT_EQ(complaint([&] {
-                  EXPECT_EQ(read("c.a=on:c.b=on\nc.z=on:c.a=on\nc.b=on:c.a=on\n"), -1);
-              }),
-              "Atom not found: c.z=on\n");
+    EXPECT_EQ(
+        complaint([&] { EXPECT_EQ(read("c.a=on:c.b=on\nc.z=on:c.a=on\nc.b=on:c.a=on\n"), -1); }),
+        "Atom not found: c.z=on\n");
     EXPECT_EQ(implicates("a"), "b");
     EXPECT_EQ(implicates("b"), "-");
     EXPECT_EQ(DataManager::active_atoms.size(), atoms);  // the word was not entered

@@ -56,10 +56,9 @@ std::pair<char, std::string> splitSign(std::string const& word) {
 }
 
 bool isWalk(SignedAtoms const& bag, Literals const& literals) {
-    return std::equal(bag.begin(), bag.end(), literals.begin(), literals.end(),
-                      [](auto const& a, auto const& b) {
-                          return a.first == b.first && a.second == b.second;
-                      });
+    return std::equal(
+        bag.begin(), bag.end(), literals.begin(), literals.end(),
+        [](auto const& a, auto const& b) { return a.first == b.first && a.second == b.second; });
 }
 
 // The order in which the literals must be inserted to be walked as they stand.
@@ -105,8 +104,8 @@ std::unique_ptr<StateFormula> SmallModel::formula(std::string const& literals) c
 
 Transition* SmallModel::transition(std::string const& pre, std::string const& post, double proba,
                                    std::string const& type, bool idle, std::string const& owner) {
-    return comps.at(owner)->addTransitionToC(std::make_unique<Transition>(
-        formula(pre), formula(post), type, proba, 0.0, idle));
+    return comps.at(owner)->addTransitionToC(
+        std::make_unique<Transition>(formula(pre), formula(post), type, proba, 0.0, idle));
 }
 
 void SmallModel::start() {
@@ -145,8 +144,7 @@ void SmallModel::weigh(std::initializer_list<char const*> names) {
         state()->comps[comps.at(name)->getName()] = comps.at(name);
 }
 
-ItmsResults SmallModel::assertAll(std::string const& props, SearchLimits const& limits,
-                                  bool keep) {
+ItmsResults SmallModel::assertAll(std::string const& props, SearchLimits const& limits, bool keep) {
     refused = std::make_unique<State>(state(), true);
     SignedElements asked;
     std::vector<std::string> const listed = words(props);
@@ -163,8 +161,8 @@ std::unique_ptr<ItmsRes> SmallModel::resolve(Clause* clause, SearchLimits const&
     auto branch = std::make_unique<ItmsRes>(std::make_unique<State>(state(), true));
     branch->already_changed = itms::copyState(table(changed), branch->state.get());
     engine.initPb(branch->state.get());
-    return engine.propagateThroughConflict(clause, std::move(branch), agenda, limits,
-                                           history.get(), 0);
+    return engine.propagateThroughConflict(clause, std::move(branch), agenda, limits, history.get(),
+                                           0);
 }
 
 }  // namespace reasoning_fixture

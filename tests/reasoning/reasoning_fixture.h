@@ -1,8 +1,8 @@
 // Small hand-made models for the tests of the reasoning, and the ways to read its results.
 //
 // A SmallModel owns the engine, and so the registry: one at a time. Atoms go by short names: a
-// proposition "p" is the one atom of its variable; the values of a variable "mode" are "mode=on" and
-// so on. Components share one name space, so the names of a model must differ.
+// proposition "p" is the one atom of its variable; the values of a variable "mode" are "mode=on"
+// and so on. Components share one name space, so the names of a model must differ.
 #pragma once
 
 #include <gtest/gtest.h>
@@ -67,8 +67,8 @@ public:
                        bool exclusive = true, std::string const& owner = "c") {
         Comp* comp = comps.at(owner);
         auto* made = comp->addStateVar(std::make_unique<Variable>(
-            owner + "." + name, std::set<std::string>(values.begin(), values.end()),
-            values.front(), comp));
+            owner + "." + name, std::set<std::string>(values.begin(), values.end()), values.front(),
+            comp));
         for (std::string const& value : values)
             atoms[name + "=" + value] = comp->newAtom((name + value).c_str(), made, value);
         if (exclusive)

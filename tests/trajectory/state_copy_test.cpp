@@ -26,9 +26,7 @@ protected:
         elt(source, "mode=off")->lock = LOCK_TRUE_PERM;
         elt(source, "mode=off")->nextTrans = {{0, nullptr}, {2, start}};
     }
-    TrajEl* elt(State const& state, char const* atom) const {
-        return state.getElt(pump.id(atom));
-    }
+    TrajEl* elt(State const& state, char const* atom) const { return state.getElt(pump.id(atom)); }
 
     Clause clause;
     State source;
@@ -132,8 +130,7 @@ TEST_F(StateCopyTest, AReplacedConsequenceBecomesTheElementThatStandsForIt) {
     off->consequences = {on};
     source.addElt(on, false);
     State const copy(&source, true);
-    EXPECT_EQ(elt(copy, "mode=off")->consequences,
-              (std::vector<TrajEl*>{elt(copy, "mode=on")}));
+    EXPECT_EQ(elt(copy, "mode=off")->consequences, (std::vector<TrajEl*>{elt(copy, "mode=on")}));
 }
 
 TEST_F(StateCopyTest, ACopyIsIndependentOfItsSource) {

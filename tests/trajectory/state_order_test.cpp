@@ -1,10 +1,10 @@
 // The order in which the elements of a state are walked. It decides which of two equal choices is
 // taken first, so it may not change by chance.
 //
-// The rule, on plain lists: the hash of an id is h = 5 * h + c over its characters; a table of up to
-// 193 entries has 193 buckets; a new entry goes to the front of its bucket, and the walk goes through
-// the buckets in order. A state that is copied is walked and entered again, so that entries of one
-// bucket change their order with every copy.
+// The rule, on plain lists: the hash of an id is h = 5 * h + c over its characters; a table of up
+// to 193 entries has 193 buckets; a new entry goes to the front of its bucket, and the walk goes
+// through the buckets in order. A state that is copied is walked and entered again, so that entries
+// of one bucket change their order with every copy.
 #include <algorithm>
 #include <cstdint>
 #include <list>
@@ -105,7 +105,8 @@ TEST(StateOrder, FollowsTheRuleWhenManyShareBuckets) {
 
 // The atoms stand in the order of their buckets: on 52, cmdin=open 53, c10 94, c11 95, c12 and
 // thermostat=unknown 96, stuck_off 105, off 129, none 132, open 153, closed 159, stuck_on 163,
-// close 168, room=unknown 178. Only the two of bucket 96 depend on how often they were entered anew.
+// close 168, room=unknown 178. Only the two of bucket 96 depend on how often they were entered
+// anew.
 Ids roomOrder(bool unknownFirst) {
     char const* const first = unknownFirst ? "thermostat.mode=unknown" : "room.c1=c12";
     char const* const second = unknownFirst ? "room.c1=c12" : "thermostat.mode=unknown";

@@ -54,7 +54,8 @@ TEST_F(StateTest, TheInitialStateTakesLabelsAndSupportsOfTheAtoms) {
     EXPECT_EQ(elt(state, pump, "mode=off")->support, nullptr);
     EXPECT_EQ(elt(state, pump, "mode=off")->atom, pump["mode=off"]);
     EXPECT_EQ(elt(state, pump, "mode=off")->lock, 2);
-    EXPECT_EQ(state.elts.find("p.mode=off")->first, pump.id("mode=off")) << "keyed by the atom's id";
+    EXPECT_EQ(state.elts.find("p.mode=off")->first, pump.id("mode=off"))
+        << "keyed by the atom's id";
 }
 
 // Idle transitions have off, on, low and high; the guards of on and high do not hold.

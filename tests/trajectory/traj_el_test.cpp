@@ -163,7 +163,8 @@ TEST_F(TrajElTest, NegativeSuccessorsOfOneVariableAllStay) {
     EXPECT_TRUE(off.nextTrans.empty());
 }
 
-// Transition 0 stands on both sides; a further negative one of the pump drops it from the true side.
+// Transition 0 stands on both sides; a further negative one of the pump drops it from the true
+// side.
 TEST_F(TrajElTest, ANegativeSuccessorDropsAPositiveOneThatIsNegativeToo) {
     off.addToNextTrans(stayOff);
     off.addToNextTrans(stayLow);

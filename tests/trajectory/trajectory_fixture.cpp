@@ -28,9 +28,9 @@ Transition* Unit::move(int id, char const* from, char const* to, double proba, c
                        bool idle, Literals const& also) {
     Literals guard{{(*this)[from], true}};
     guard.insert(guard.end(), also.begin(), also.end());
-    Transition* made = comp.addTransitionToC(std::make_unique<Transition>(
-        formulaOf(guard, guard.size() > 1 ? "and" : ""), formulaOf({{(*this)[to], true}}, ""), type,
-        proba, 0.0, idle));
+    Transition* made = comp.addTransitionToC(
+        std::make_unique<Transition>(formulaOf(guard, guard.size() > 1 ? "and" : ""),
+                                     formulaOf({{(*this)[to], true}}, ""), type, proba, 0.0, idle));
     made->setID(id);
     return made;
 }

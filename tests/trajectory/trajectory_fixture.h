@@ -57,8 +57,7 @@ public:
     }
     // A move of a mode, or a stay when both are the same; *also* are further literals of the guard.
     Transition* move(int id, char const* from, char const* to, double proba,
-                     char const* type = transNominal, bool idle = false,
-                     Literals const& also = {});
+                     char const* type = transNominal, bool idle = false, Literals const& also = {});
     // The transition that keeps a mode.
     Transition* stay(int id, char const* mode, double proba, char const* type = transNominal) {
         return move(id, mode, mode, proba, type, true);

@@ -22,8 +22,8 @@ protected:
 TEST_F(ProbabilityTest, TimesAreEnteredForTheCurrentStep) {
     addEmpty(2);
     path.setTimeCorr(21.5);
-    EXPECT_EQ(path.timeCorr, (std::vector<std::pair<int, double>>{
-                                 {0, 0.0}, {1, 10.0}, {2, 20.0}, {2, 21.5}}));
+    EXPECT_EQ(path.timeCorr,
+              (std::vector<std::pair<int, double>>{{0, 0.0}, {1, 10.0}, {2, 20.0}, {2, 21.5}}));
 }
 
 TEST_F(ProbabilityTest, TheFirstEntryAnswers) {
@@ -219,11 +219,14 @@ TEST_F(FarCoverTest, TheWalkFillsTheTablesWithNulls) {
     off(0)->nextTrans = {{start->id, start}};
     low(0)->nextTrans = {{fill->id, fill}};
     path.updateCover(from, to, 0, 2, die);
-    EXPECT_EQ(off(0)->nextTrans,
-              (TrajEl::Transitions{{0, nullptr}, {1, nullptr}, {2, start}}));
-    EXPECT_EQ(low(0)->nextTrans,
-              (TrajEl::Transitions{{0, nullptr}, {1, nullptr}, {2, nullptr}, {3, nullptr},
-                                   {4, nullptr}, {5, nullptr}, {6, fill}}));
+    EXPECT_EQ(off(0)->nextTrans, (TrajEl::Transitions{{0, nullptr}, {1, nullptr}, {2, start}}));
+    EXPECT_EQ(low(0)->nextTrans, (TrajEl::Transitions{{0, nullptr},
+                                                      {1, nullptr},
+                                                      {2, nullptr},
+                                                      {3, nullptr},
+                                                      {4, nullptr},
+                                                      {5, nullptr},
+                                                      {6, fill}}));
     EXPECT_TRUE(from->getElt(pump.id("mode=on"))->nextTrans.empty()) << "an empty one stays empty";
     path.updateCover(from, to, 0, 2, die);
     EXPECT_EQ(to->cover, 0.125) << "nulls count nothing: twice 0.0625";

@@ -89,8 +89,8 @@ void room::initConditions(s_runtime& rt) {
     cond_open = mkAtomCond(rt, mode_open, 0);
     cond_unknown = mkAtomCond(rt, mode_unknown, 0);
     cond_not_heating = mkBinaryCond(rt, COND_OR, nullptr, nullptr, 9);
-    cond_known = mkBinaryCond(rt, COND_OR, mkAtomCond(rt, mode_closed, 0),
-                              mkAtomCond(rt, mode_open, 0), 10);
+    cond_known =
+        mkBinaryCond(rt, COND_OR, mkAtomCond(rt, mode_closed, 0), mkAtomCond(rt, mode_open, 0), 10);
     linkAtom(c1, c1_c12, 6);
     linkAtom(c1, c1_c11, 9);
     linkAtom(c1, c1_c10, 10);
@@ -101,8 +101,8 @@ void room::initConditions(s_runtime& rt) {
 
 // The gains of i4 and i5 repeat the values of Qc and Qo; they are no links to them.
 void room::initInfluences(s_runtime& rt) {
-    i1 = mkInfluence(rt, "R1.i1", INF_COUPLING, xext, xdq, cond_not_heating, 1, makeReal(1.0), 0,
-                     0);
+    i1 =
+        mkInfluence(rt, "R1.i1", INF_COUPLING, xext, xdq, cond_not_heating, 1, makeReal(1.0), 0, 0);
     i2 = mkInfluence(rt, "R1.i2", INF_INTEGRAL, xd, x, cond_known, 2, makeRange(0.95, 1.05, 1, 1),
                      0, 1);
     i3 = mkInfluence(rt, "R1.i3", INF_STATIC, un, xd, cond_known, 1, makeRange(0.0, 0.3, 1, 1), 0,

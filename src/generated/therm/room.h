@@ -20,8 +20,8 @@ public:
 
     therm* peer;  // null: the thermostat is built later
 
-    s_Variable *xd, *x, *xdq;                  // rate of change, temperature, driving difference
-    s_Variable *xext, *Qc, *Qo, *m, *M, *un;   // outside, coefficients, thresholds, unit input
+    s_Variable *xd, *x, *xdq;                 // rate of change, temperature, driving difference
+    s_Variable *xext, *Qc, *Qo, *m, *M, *un;  // outside, coefficients, thresholds, unit input
 
     s_GVar* gv_x;
     s_Expr *below_m, *from_m, *below_M, *from_M;  // the constraints on x, in the order of aC

@@ -24,7 +24,9 @@ void therm::init(s_runtime& rt) {
     initTransitions();
 }
 
-void therm::initVariables(s_runtime& rt) { h = mkParameter(rt, name + ".h", 20.0, thermWindow); }
+void therm::initVariables(s_runtime& rt) {
+    h = mkParameter(rt, name + ".h", 20.0, thermWindow);
+}
 
 void therm::initModes() {
     mode = addStateVar(std::make_unique<ModeVar>(
@@ -43,8 +45,8 @@ void therm::initConditions(s_runtime& rt) {
     cond_stuck_on = mkAtomCond(rt, mode_stuck_on, 0);
     cond_stuck_off = mkAtomCond(rt, mode_stuck_off, 0);
     cond_unknown = mkAtomCond(rt, mode_unknown, 0);
-    cond_heating = mkBinaryCond(rt, COND_OR, mkAtomCond(rt, mode_stuck_on, 0),
-                                mkAtomCond(rt, mode_on, 0), 6);
+    cond_heating =
+        mkBinaryCond(rt, COND_OR, mkAtomCond(rt, mode_stuck_on, 0), mkAtomCond(rt, mode_on, 0), 6);
     linkAtom(mode, mode_off, 0);
     linkAtom(mode, mode_on, 1);
     linkAtom(mode, mode_stuck_on, 2);

@@ -1,4 +1,5 @@
-// The thermostat of the reference model: its modes, its heating set value, its influence on the room.
+// The thermostat of the reference model: its modes, its heating set value, its influence on the
+// room.
 //
 // Compiled form: everything is held by name, and the top level (therm_rt.cpp) reads and patches the
 // members when it wires the two components together.

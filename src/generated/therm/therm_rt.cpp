@@ -1,7 +1,7 @@
 // Top level of the reference model: a room heated through a thermostat.
 //
-// It builds both components, wires them together, and leaves one runtime, therm_rt, which the rest of
-// the system reaches as tavro_rt and only ever copies.
+// It builds both components, wires them together, and leaves one runtime, therm_rt, which the rest
+// of the system reaches as tavro_rt and only ever copies.
 #include "continuous/model_parts.h"
 #include "generated/therm/room.h"
 #include "generated/therm/therm.h"
@@ -60,21 +60,21 @@ void wireComponents() {
 }
 
 void arrangeRecords(s_runtime& rt) {
-    arrange(rt.dico, {T1->h, R1->xd, R1->x, R1->xdq, R1->xext, R1->Qc, R1->Qo, R1->m, R1->M,
-                      R1->un});
+    arrange(rt.dico,
+            {T1->h, R1->xd, R1->x, R1->xdq, R1->xext, R1->Qc, R1->Qo, R1->m, R1->M, R1->un});
     arrange(rt.influ, {T1->i1, R1->i1, R1->i2, R1->i3, R1->i4, R1->i5, R1->i6});
-    arrange(rt.cG, {T1->graph_h, R1->graph_xd, R1->graph_x, R1->graph_xdq, R1->graph_xext,
-                    R1->graph_un});
+    arrange(rt.cG,
+            {T1->graph_h, R1->graph_xd, R1->graph_x, R1->graph_xdq, R1->graph_xext, R1->graph_un});
     rt.display = {R1->xd, R1->x};
     rt.measure = {R1->xd};
     rt.temporal = {R1->x};
     rt.untemporal = {R1->xdq, R1->xd};
     rt.gV = {R1->gv_x};
     rt.aC = {R1->below_m, R1->from_m, R1->below_M, R1->from_M};
-    rt.condi = {T1->cond_off,     T1->cond_on,        T1->cond_stuck_on,     T1->cond_stuck_off,
-                T1->cond_unknown, T1->cond_heating,   R1->cond_c12,          R1->cond_from_m,
-                R1->cond_below_M, R1->cond_c11,       R1->cond_c10,          R1->cond_closed,
-                R1->cond_open,    R1->cond_unknown,   R1->cond_not_heating,  R1->cond_known};
+    rt.condi = {T1->cond_off,     T1->cond_on,      T1->cond_stuck_on,    T1->cond_stuck_off,
+                T1->cond_unknown, T1->cond_heating, R1->cond_c12,         R1->cond_from_m,
+                R1->cond_below_M, R1->cond_c11,     R1->cond_c10,         R1->cond_closed,
+                R1->cond_open,    R1->cond_unknown, R1->cond_not_heating, R1->cond_known};
 }
 
 }  // namespace

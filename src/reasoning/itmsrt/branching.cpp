@@ -1,10 +1,10 @@
 // From a violated clause to branches.
 //
 // The elements of the clause that may be flipped are ordered by an information measure, the lowest
-// entropy first. Each gets a copy of the state, in which it is flipped and what hung on its old value
-// is retracted. The first branch goes on in the caller's loop; the others wait on the agenda. What
-// bounds the search: locks, the elements changed already on the branch, and the rank that a history
-// may reach.
+// entropy first. Each gets a copy of the state, in which it is flipped and what hung on its old
+// value is retracted. The first branch goes on in the caller's loop; the others wait on the agenda.
+// What bounds the search: locks, the elements changed already on the branch, and the rank that a
+// history may reach.
 #include <iostream>
 #include <optional>
 
@@ -129,8 +129,7 @@ void retractConsequences(TrajEl const* flipped, ItmsRes& branch, StateSite const
 std::unique_ptr<ItmsRes> makeBranch(TrajEl const* candidate, Implicate const& implicate,
                                     Conflict const& conflict, itms& engine) {
     auto branch = std::make_unique<ItmsRes>(conflict.res.state.get(), conflict.res.conflicts);
-    branch->already_changed =
-        itms::copyState(conflict.res.already_changed, branch->state.get());
+    branch->already_changed = itms::copyState(conflict.res.already_changed, branch->state.get());
     StateSite const site{branch->state.get(), conflict.trajectory, conflict.timestep};
     TrajEl* flipped = engine.getElt(candidate->getId(), site);
     if (!applyImplicate(implicate, flipped, *branch, conflict, engine))

@@ -10,8 +10,8 @@ namespace {
 
 constexpr double ticksPerSecond = 1000000.0;
 
-// Each retraction doubles the list behind it. Nothing new stands in the copies, so beyond this length
-// they are left out, and a long chain of retractions does not fill the memory.
+// Each retraction doubles the list behind it. Nothing new stands in the copies, so beyond this
+// length they are left out, and a long chain of retractions does not fill the memory.
 constexpr std::size_t longestCopiedList = 1 << 12;
 
 bool isForbiddenCommand(TrajEl const* element) {
@@ -76,8 +76,7 @@ Clause* itms::checkForInternalConflicts(TrajEl const* element, StateSite const& 
 }
 
 void itms::checkForFocusedInternalConflicts(ElementTable const& table,
-                                            std::queue<Clause*>& conflicts,
-                                            StateSite const& site) {
+                                            std::queue<Clause*>& conflicts, StateSite const& site) {
     std::vector<StateVar*> seen;
     for (auto const& entry : table) {
         StateVar* variable = entry.second->getStateVar();

@@ -1,9 +1,9 @@
 // Labels of elements, tests of clauses over them, and supports.
 //
-// How a circle of supports is kept out: the number of an element is one more than the highest of its
-// support clause, itself included; only an element of a number no higher than that of the initial
-// state can be given a new support; and a conflict does not change an element twice on a branch. So
-// the numbers along a chain of supports rise strictly.
+// How a circle of supports is kept out: the number of an element is one more than the highest of
+// its support clause, itself included; only an element of a number no higher than that of the
+// initial state can be given a new support; and a conflict does not change an element twice on a
+// branch. So the numbers along a chain of supports rise strictly.
 #include <algorithm>
 
 #include "model/labels.h"

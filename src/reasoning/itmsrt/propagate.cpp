@@ -1,9 +1,9 @@
 // The agenda loop of unit propagation.
 //
-// The agenda is a stack: alternatives are explored depth first, the last pushed first, and the first
-// candidate of each conflict is followed to its end without passing over the agenda. Only elements
-// in the focus are checked again, and unit clauses are looked for only among the clauses of
-// retracted elements: the whole clause base is never scanned.
+// The agenda is a stack: alternatives are explored depth first, the last pushed first, and the
+// first candidate of each conflict is followed to its end without passing over the agenda. Only
+// elements in the focus are checked again, and unit clauses are looked for only among the clauses
+// of retracted elements: the whole clause base is never scanned.
 #include <iostream>
 
 #include "model/labels.h"

@@ -5,8 +5,8 @@
 // the transition ids are stable keys.
 #include <iostream>
 
-#include "model/StateVar.h"
 #include "model/CommandVar.h"
+#include "model/StateVar.h"
 #include "model/labels.h"
 #include "reasoning/itmsrt.h"
 
