@@ -75,8 +75,8 @@ public:
         hybTrajectory const& first = *tracked_trajs.begin()->second;
         HybMap copies;
         for (std::size_t i = 0; i < count; ++i)
-            copies.emplace(0.0, std::make_unique<hybTrajectory>(
-                                    &first, first.traj->getCurrentTime() + 1));
+            copies.emplace(
+                0.0, std::make_unique<hybTrajectory>(&first, first.traj->getCurrentTime() + 1));
         tracked_trajs = std::move(copies);
         hybNT = tracked_trajs.begin()->second.get();
     }

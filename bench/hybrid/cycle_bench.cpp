@@ -24,8 +24,8 @@ void DetectCycle(benchmark::State& state) {
     for (auto _ : state) {
         state.PauseTiming();
         tracked_trajs.clear();
-        tracked_trajs.emplace(0.0, std::make_unique<hybTrajectory>(
-                                       &pristine, pristine.traj->getCurrentTime() + 1));
+        tracked_trajs.emplace(
+            0.0, std::make_unique<hybTrajectory>(&pristine, pristine.traj->getCurrentTime() + 1));
         RoomBench::multiply(count);
         meas = {RoomBench::heatingRate()};
         bool nominal = false;
@@ -33,12 +33,16 @@ void DetectCycle(benchmark::State& state) {
         tavro_doCycle(detection(), 0.0, room.time + 1.0, nominal);
     }
     state.SetComplexityN(state.range(0));
-    state.counters["per_candidate"] =
-        benchmark::Counter(static_cast<double>(count), benchmark::Counter::kIsIterationInvariantRate |
-                                                           benchmark::Counter::kInvert);
+    state.counters["per_candidate"] = benchmark::Counter(
+        static_cast<double>(count),
+        benchmark::Counter::kIsIterationInvariantRate | benchmark::Counter::kInvert);
 }
-BENCHMARK(DetectCycle)->Arg(1)->Arg(8)->Arg(64)->Complexity(benchmark::oN)->Unit(
-    benchmark::kMicrosecond);
+BENCHMARK(DetectCycle)
+    ->Arg(1)
+    ->Arg(8)
+    ->Arg(64)
+    ->Complexity(benchmark::oN)
+    ->Unit(benchmark::kMicrosecond);
 
 void Simulate1000Steps(benchmark::State& state) {
     Silence const silence;

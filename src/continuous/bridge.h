@@ -6,8 +6,8 @@
 #include "continuous/records.h"
 
 // Condition *c* entered the validity space: an event on its atom. Nothing happens when the atom has
-// an event already, under either sign; otherwise c->val becomes *sign*. With a null atom there is no
-// one to tell, here and below: c->val alone changes.
+// an event already, under either sign; otherwise c->val becomes *sign*. With a null atom there is
+// no one to tell, here and below: c->val alone changes.
 void addBridgeEvent(s_Condition* c, Atom* atom, bool sign, s_runtime* rt);
 // Condition *c* left the space: its atom's event, if there is one, goes, and c->val becomes 0.
 void removeBridgeEvent(s_Condition* c, Atom const* atom, s_runtime* rt);

@@ -6,7 +6,7 @@
 // it. What stands before the first pushed entry is kept as runs of one value, since histories begin
 // filled with a single value.
 //
-// Invariants:
+// Invariants (checked by checkHistory in debug builds, but for what other histories see):
 //   1. entries 0 to pushed-1 are in the blocks, the newest in blocks.back() at position head-1;
 //   2. the runs cover the entries from `pushed` to length-1, newest run first, none of them empty;
 //   3. a block's `used` is at least what any of its histories sees of it: entries below `used` are
@@ -82,10 +82,11 @@ public:
         assert(i >= 0 && i < length);
         if (i >= pushed) {
             setInRuns(i - pushed, value);
-            return;
+        } else {
+            auto const [block, position] = locate(i);
+            blocks[block].write().entries[position] = value;
         }
-        auto const [block, position] = locate(i);
-        blocks[block].write().entries[position] = value;
+        checkHistory();
     }
 
     // Makes *value* entry 0; every other entry becomes one older and the oldest is lost.
@@ -100,6 +101,7 @@ public:
         append(value);
         ++pushed;
         dropUnseenBlocks();
+        checkHistory();
     }
 
     // Every entry becomes *value*.
@@ -110,6 +112,7 @@ public:
         pushed = 0;
         if (length > 0)
             runs.push_back({length, value});
+        checkHistory();
     }
 
     // Forgets the newest *count* entries: each older one becomes *count* newer, and the last
@@ -123,6 +126,7 @@ public:
         for (int left = count - fromBlocks; left > 0; --left)
             dropNewestOfRuns();
         runs.push_back({count, value});
+        checkHistory();
     }
 
 private:
@@ -201,6 +205,24 @@ private:
             head = blocks.empty() ? 0 : blockSize;
         }
         head -= count;
+    }
+
+    void checkHistory() const {
+#ifndef NDEBUG
+        int covered = 0;
+        for (Run const& run : runs) {
+            assert(run.count > 0);
+            covered += run.count;
+        }
+        assert(pushed >= 0 && covered == length - pushed);
+        int held = 0;
+        for (auto const& block : blocks) {
+            int const seen = &block == &blocks.back() ? head : blockSize;
+            assert(seen > 0 && block.read().used >= seen);
+            held += seen;
+        }
+        assert(pushed <= held);
+#endif
     }
 
     int length = 0;

@@ -1,8 +1,8 @@
 // The discrete run control, and the one object of the chain that holds the whole discrete side.
 //
-// It moves discrete trajectories step by step: a command step builds the next nominal state by firing
-// the transitions whose guards hold. In a hybrid run doCycle is called for each candidate, with the
-// events that its continuous side raised.
+// It moves discrete trajectories step by step: a command step builds the next nominal state by
+// firing the transitions whose guards hold. In a hybrid run doCycle is called for each candidate,
+// with the events that its continuous side raised.
 #pragma once
 
 #include <cstdio>
@@ -50,7 +50,8 @@ public:
     bool openScenario(std::string const& path);
     // The event of the next line of the open file; null at its end or on an unknown atom.
     std::unique_ptr<scenarEvent> readFromScenario();
-    // Schedules a command at *time*, or at the first later step where it is independent of all others.
+    // Schedules a command at *time*, or at the first later step where it is independent of all
+    // others.
     void addCommandEvent(Atom* atom, int time);
     // Moves the next event to the step after *now*; without one, reads the next line into the
     // current step, or with *late* into the one after. Tells whether there was one.
@@ -68,8 +69,8 @@ public:
     // Writes traj0.dot, traj1.dot and so on, a file a trajectory, in the order of the map.
     static void graphTraj(TrajectoryMap const& trajectories);
 
-    // The discrete histories that explain the observations on one misbehaving candidate, into *out*,
-    // best first, each with a copy of the runtime. Implemented by the hybrid side.
+    // The discrete histories that explain the observations on one misbehaving candidate, into
+    // *out*, best first, each with a copy of the runtime. Implemented by the hybrid side.
     void Diagnose(Trajectory* traj, s_runtime const* rt, Observations const& observations,
                   HybMap& out);
 
@@ -90,9 +91,9 @@ public:
     // Adds an empty state when the last one is locked; returns 1 if it did.
     int syncPreviousState(Trajectory* traj);
 
-    int time = 0;                 // current discrete step
+    int time = 0;  // current discrete step
     Scenario scenario;
-    SignedAtoms contEvents;       // from the continuous side: atoms to be fixed in the current state
+    SignedAtoms contEvents;  // from the continuous side: atoms to be fixed in the current state
     std::vector<Atom*> contCommands;  // from the continuous side: atoms that act as commands
     s_runtime* runtime = nullptr;     // of the candidate being cycled; borrowed
     double bound = 0.0;               // rank bound of the covering search

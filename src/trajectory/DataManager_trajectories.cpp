@@ -42,8 +42,7 @@ bool wentThroughTheSame(Trajectory const& a, Trajectory const& b) {
         State const* theirs = b.getState(t);
         if (mine == nullptr && theirs == nullptr)
             continue;
-        if (mine == nullptr || theirs == nullptr ||
-            !DataManager::compareTrajsStates(mine, theirs))
+        if (mine == nullptr || theirs == nullptr || !DataManager::compareTrajsStates(mine, theirs))
             return false;
     }
     return true;

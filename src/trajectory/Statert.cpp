@@ -15,7 +15,9 @@
 unsigned State::state_created = 0;
 unsigned State::state_del = 0;
 
-State::State() { ++state_created; }
+State::State() {
+    ++state_created;
+}
 
 State::State(string_map<Atom*> const* atoms) : locked(true) {
     ++state_created;

@@ -43,8 +43,8 @@ public:
 
     // The element, or null; enters nothing.
     TrajEl* getElt(char const* id) const;
-    // Enters a copy of *element* and returns it; without *keep* the copy is free and has no previous
-    // transition.
+    // Enters a copy of *element* and returns it; without *keep* the copy is free and has no
+    // previous transition.
     TrajEl* addElt(TrajEl const* element, bool const& keep);
     // Destroys the element of that id, if there is one.
     void removeElt(char const* id);
@@ -82,10 +82,10 @@ public:
     PostProbs postProbs;
     SortedPostProbs sortedPostProbs;
     AtomPostProbs atomPostProbs;  // what the entropy computed, by atom id
-    string_map<Comp*> comps;     // components whose elements this state holds
+    string_map<Comp*> comps;      // components whose elements this state holds
     bool locked = false;
     bool observed = false;
-    bool unknown = false;        // reached through an unknown mode
+    bool unknown = false;  // reached through an unknown mode
     std::vector<Atom*> observations;
 
     static unsigned state_created;

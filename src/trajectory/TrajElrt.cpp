@@ -22,7 +22,9 @@ TrajEl::Transitions withoutNulls(TrajEl::Transitions const& transitions) {
 
 }  // namespace
 
-TrajEl::TrajEl() { ++trajel_created; }
+TrajEl::TrajEl() {
+    ++trajel_created;
+}
 
 TrajEl::TrajEl(TrajEl const* source)
     : atom(source->atom),
@@ -46,9 +48,13 @@ TrajEl::TrajEl(Atom* atom, Transition* prev, Transitions const* next, std::strin
     ++trajel_created;
 }
 
-TrajEl::~TrajEl() { ++trajel_del; }
+TrajEl::~TrajEl() {
+    ++trajel_del;
+}
 
-bool TrajEl::evalTrajEl() const { return label == labelTrue; }
+bool TrajEl::evalTrajEl() const {
+    return label == labelTrue;
+}
 
 void TrajEl::addToNextTrans(Transition* transition) {
     std::erase_if(nextTrans, [transition](auto const& entry) {

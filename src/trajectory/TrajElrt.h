@@ -20,11 +20,11 @@ class Transition;
 
 // What conflict resolution may do with an element. Temporary locks last for one search.
 enum LockStatus {
-    LOCK_TRUE = 0,        // held at "true", temporary
-    LOCK_FALSE = 1,       // held at "false", temporary: a sibling of a LOCK_TRUE
+    LOCK_TRUE = 0,   // held at "true", temporary
+    LOCK_FALSE = 1,  // held at "false", temporary: a sibling of a LOCK_TRUE
     LOCK_FREE = 2,
-    LOCK_TRUE_PERM = 3,   // held at "true" for good
-    LOCK_FALSE_PERM = 4   // held at "false" for good
+    LOCK_TRUE_PERM = 3,  // held at "true" for good
+    LOCK_FALSE_PERM = 4  // held at "false" for good
 };
 
 class TrajEl {
@@ -64,15 +64,15 @@ public:
     void showTrajEl(bool const& full) const;
 
     Atom* atom = nullptr;
-    int prevTime = 0;                  // shown only
-    Transition* prevTrans = nullptr;   // the transition that made this element true here
-    int index = -1;                    // the step at which a running transition set this element
-    Transitions nextTrans;             // by id, what leaves this element; may hold nulls
-    Transitions nextTransNeg;          // the same for the false side
+    int prevTime = 0;                 // shown only
+    Transition* prevTrans = nullptr;  // the transition that made this element true here
+    int index = -1;                   // the step at which a running transition set this element
+    Transitions nextTrans;            // by id, what leaves this element; may hold nulls
+    Transitions nextTransNeg;         // the same for the false side
     std::string label;
-    Clause* support = nullptr;         // the justification of the label; null for a premise
-    std::vector<TrajEl*> consequences; // elements whose support uses this one
-    int propagationNumber = 0;         // rises along a chain of supports; 0 after a retraction
+    Clause* support = nullptr;          // the justification of the label; null for a premise
+    std::vector<TrajEl*> consequences;  // elements whose support uses this one
+    int propagationNumber = 0;          // rises along a chain of supports; 0 after a retraction
     int lock = LOCK_FREE;
     double proba = 1.0;
 

@@ -4,7 +4,9 @@
 #include "model/Transitionrt.h"
 #include "trajectory/Trajectoryrt.h"
 
-void Trajectory::setTimeCorr(double time) { timeCorr.emplace_back(currentTime, time); }
+void Trajectory::setTimeCorr(double time) {
+    timeCorr.emplace_back(currentTime, time);
+}
 
 double Trajectory::getTimeCorr(int step) const {
     for (auto const& [discrete, continuous] : timeCorr)
@@ -28,7 +30,9 @@ std::vector<Transition*> Trajectory::getStateTransitions(int t) const {
     return transitions;
 }
 
-void Trajectory::computePrevTransSetProb(int t) { getState(t)->computePrevTransProb(); }
+void Trajectory::computePrevTransSetProb(int t) {
+    getState(t)->computePrevTransProb();
+}
 
 void Trajectory::computeStateProb(int t) {
     if (t == 0)

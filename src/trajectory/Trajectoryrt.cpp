@@ -12,7 +12,9 @@ int Trajectory::twd = 5;
 unsigned Trajectory::traj_created = 0;
 unsigned Trajectory::traj_del = 0;
 
-Trajectory::Trajectory() { ++traj_created; }
+Trajectory::Trajectory() {
+    ++traj_created;
+}
 
 Trajectory::Trajectory(string_map<Atom*> const* atoms) {
     ++traj_created;
@@ -137,7 +139,9 @@ TrajEl* Trajectory::getElt(int t, char const* id) const {
     return state != nullptr ? state->getElt(id) : nullptr;
 }
 
-TrajEl* Trajectory::getElt(char const* id) const { return searchBack(id, sizeStart(), nullptr); }
+TrajEl* Trajectory::getElt(char const* id) const {
+    return searchBack(id, sizeStart(), nullptr);
+}
 
 TrajEl* Trajectory::getElt(char const* id, int& found) const {
     return searchBack(id, sizeStart(), &found);

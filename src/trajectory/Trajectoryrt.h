@@ -73,8 +73,8 @@ public:
     // The first step after t whose state has an element for the variable; 0 when there is none.
     int getNext(StateVar const* variable, int t) const;
 
-    // Extends a state of step t with the newest elements of a component from before t. With *idle* a
-    // mode that holds goes on by its idle transition; *keepLocks* matters to observables alone.
+    // Extends a state of step t with the newest elements of a component from before t. With *idle*
+    // a mode that holds goes on by its idle transition; *keepLocks* matters to observables alone.
     void addComp(Comp* comp, State* state, int t, bool idle, bool keepLocks);
     void removeComp(Comp* comp, int t);
     // Failures among the transitions into a state.
@@ -110,9 +110,9 @@ public:
     double rank = 0.0;   // failures in all states added, also in those that left the window
     double proba = 0.0;  // written by the search and the discrete run
     int stepCount = 0;   // goes up with currentTime, but not down again
-    std::optional<TransByTime> transByTime;  // transitions by step, of a diagnosed history
+    std::optional<TransByTime> transByTime;        // transitions by step, of a diagnosed history
     std::vector<std::pair<int, double>> timeCorr;  // discrete step to continuous time
-    bool unknown = false;  // a state with an unknown mode was added
+    bool unknown = false;                          // a state with an unknown mode was added
     double eventTime = -1.0;  // date of the scenario event taken last; -1 for none
 
     static int twd;  // window size in states

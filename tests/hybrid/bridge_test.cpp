@@ -10,8 +10,8 @@ namespace {
 
 using scheduler_fixture::HandModel;
 
-// A level whose high value has a transition and whose low one has none, and a gate with a mode and a
-// command. Conditions, by number: 0 high, 1 low, 2 gate open, 3 gate open once more.
+// A level whose high value has a transition and whose low one has none, and a gate with a mode and
+// a command. Conditions, by number: 0 high, 1 low, 2 gate open, 3 gate open once more.
 class Bridge : public testing::Test {
 protected:
     Bridge() {

@@ -7,7 +7,9 @@ using namespace hybrid_fixture;
 
 namespace {
 
-s_runtime* nominalRuntime() { return hybNT->rt.get(); }
+s_runtime* nominalRuntime() {
+    return hybNT->rt.get();
+}
 
 std::vector<double> const steadyMeasures = {0.95, 0.9, 0.85, 0.8, 0.75};
 

@@ -5,8 +5,8 @@ using namespace hybrid_fixture;
 
 namespace {
 
-// Candidates of the reference room whose rate is [0, 1] and whose measure the test gives. All of them
-// have the thermostat on, below 10.
+// Candidates of the reference room whose rate is [0, 1] and whose measure the test gives. All of
+// them have the thermostat on, below 10.
 class Walk : public testing::Test {
 protected:
     Walk() : run(0.95) {
@@ -338,8 +338,8 @@ int occurrences(std::string const& text, std::string const& line) {
 TEST_F(Walk, ADatedCommandReachesEveryCandidateOnce) {
     add(0.0, 0.5);
     add(0.0, 0.5);
-    sMM->scenario[2.0] = std::make_unique<scenarEvent>(
-        scenarEvent{true, {ReferenceModel::atom("room.cmdin=open")}});
+    sMM->scenario[2.0] =
+        std::make_unique<scenarEvent>(scenarEvent{true, {ReferenceModel::atom("room.cmdin=open")}});
     std::string const told = step(detection(1, RUN_NOMERGE));
     EXPECT_EQ(occurrences(told, "room.cmdin=open\n"), 3);
     EXPECT_EQ(told.find("Error"), std::string::npos);

@@ -68,10 +68,10 @@ TEST(Initialize, SwitchesTheThermostatOnAtTimeZero) {
 TEST(Initialize, TellsTheConditionsOfTheNewMode) {
     RoomRun run(0.95);
     s_runtime* rt = hybNT->rt.get();
-    EXPECT_EQ(rt->condi[0]->val, 0);   // off
-    EXPECT_EQ(rt->condi[1]->val, 1);   // on
-    EXPECT_EQ(rt->condi[11]->val, 1);  // closed
-    EXPECT_EQ(rt->condi[10]->val, 1);  // c10
+    EXPECT_EQ(rt->condi[0]->val, 0);               // off
+    EXPECT_EQ(rt->condi[1]->val, 1);               // on
+    EXPECT_EQ(rt->condi[11]->val, 1);              // closed
+    EXPECT_EQ(rt->condi[10]->val, 1);              // c10
     EXPECT_EQ(sn_evalCond(rt->condi[5], rt), 1);   // heating, through operands of its own
     EXPECT_EQ(sn_evalCond(rt->condi[14], rt), 0);  // not heating
     EXPECT_TRUE(rt->bridgeEvents.empty());

@@ -21,10 +21,10 @@ protected:
         inflow = mkParameter(rt(), "tank.inflow", 2.0, 0);
         level = mkVariable(rt(), "tank.level", 20);
         gauge = mkVariable(rt(), "tank.gauge", 20);
-        auto* fills = mkInfluence(rt(), "i1", INF_INTEGRAL, inflow, level, nullptr, 1,
-                                  makeReal(1.0), 0, 0);
-        auto* shows = mkInfluence(rt(), "i2", INF_STATIC, level, gauge, nullptr, 1, makeReal(1.0),
-                                  0, 0);
+        auto* fills =
+            mkInfluence(rt(), "i1", INF_INTEGRAL, inflow, level, nullptr, 1, makeReal(1.0), 0, 0);
+        auto* shows =
+            mkInfluence(rt(), "i2", INF_STATIC, level, gauge, nullptr, 1, makeReal(1.0), 0, 0);
         mkGraph(rt(), inflow, INF_STATIC, {}, {fills});
         mkGraph(rt(), level, INF_INTEGRAL, {fills}, {shows});
         mkGraph(rt(), gauge, INF_STATIC, {shows}, {});
@@ -100,18 +100,12 @@ TEST_F(Tank, AJumpIsMergedByTheKindsOfBothValues) {
     s_Objet const collapsed = makeReal(100.0);  // a range taken as a number is its lower bound
     s_Objet const unset;
     Merge const table[] = {
-        {one, five, false, five, five, mes},
-        {one, high, false, high, high, mes},
-        {one, five, true, one, collapsed, five},
-        {one, high, true, one, collapsed, high},
-        {low, five, false, five, before, mes},
-        {low, five, true, low, before, five},
-        {low, high, false, hull, before, mes},
-        {low, high, true, low, before, hull},
-        {high, low, false, hull, before, mes},
-        {low, unset, false, low, before, mes},
-        {unset, five, false, unset, before, mes},
-        {unset, five, true, unset, before, mes},
+        {one, five, false, five, five, mes},      {one, high, false, high, high, mes},
+        {one, five, true, one, collapsed, five},  {one, high, true, one, collapsed, high},
+        {low, five, false, five, before, mes},    {low, five, true, low, before, five},
+        {low, high, false, hull, before, mes},    {low, high, true, low, before, hull},
+        {high, low, false, hull, before, mes},    {low, unset, false, low, before, mes},
+        {unset, five, false, unset, before, mes}, {unset, five, true, unset, before, mes},
     };
     int row = 0;
     for (Merge const& merge : table) {

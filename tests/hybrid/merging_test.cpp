@@ -18,7 +18,9 @@ std::unique_ptr<s_runtime> gauges() {
     return rt;
 }
 
-s_Objet range(double inf, double sup) { return makeRange(inf, sup, 1, 1); }
+s_Objet range(double inf, double sup) {
+    return makeRange(inf, sup, 1, 1);
+}
 
 void give(s_runtime& rt, s_Objet const& a, s_Objet const& b, s_Objet const& c) {
     rt.dico[0]->old = a;

@@ -1,5 +1,5 @@
-// Random runs. A room that obeys the model is never reported and always tracked; whatever the measures
-// and the commands, the collections of candidates stay as the driver promises.
+// Random runs. A room that obeys the model is never reported and always tracked; whatever the
+// measures and the commands, the collections of candidates stay as the driver promises.
 #include <random>
 
 #include "hybrid/hybrid_fixture.h"
@@ -86,10 +86,15 @@ void expectOrder(RunOptions const& options, bool nominal) {
 }
 
 // Commands that are legal, impossible, or of the wrong side.
-std::vector<char const*> const anyCommand = {
-    "room.cmdin=open",      "room.cmdin=close",         "room.cmdin=none",
-    "room.mode=open",       "thermostat.mode=stuck_on", "thermostat.mode=off",
-    "thermostat.mode=on",   "room.c1=c10",              "room.c1=c12"};
+std::vector<char const*> const anyCommand = {"room.cmdin=open",
+                                             "room.cmdin=close",
+                                             "room.cmdin=none",
+                                             "room.mode=open",
+                                             "thermostat.mode=stuck_on",
+                                             "thermostat.mode=off",
+                                             "thermostat.mode=on",
+                                             "room.c1=c10",
+                                             "room.c1=c12"};
 
 void storm(RunOptions const& options, unsigned seed, int steps, std::size_t most) {
     SCOPED_TRACE("mode " + std::to_string(options.mode) + " seed " + std::to_string(seed));

@@ -52,8 +52,8 @@ bool isTrackedIn(TrueStep const& truth) {
     return false;
 }
 
-// A day without a fault: nothing is reported, and at every step a candidate has the true modes and a
-// temperature that covers the true one.
+// A day without a fault: nothing is reported, and at every step a candidate has the true modes and
+// a temperature that covers the true one.
 void expectTracked(std::string const& name, std::string const& scenario, int threshold) {
     std::vector<TrueStep> const day = readDay(name);
     RoomRun run(day[0].measure, 1);
@@ -83,9 +83,9 @@ TEST(HealthyDay, WithANoisySensorIsNotReported) {
     std::vector<TrueStep> const day = readDay("sensor_noise");
     RoomRun run(day[0].measure, 1);
     for (std::size_t k = 1; k < day.size(); ++k)
-        EXPECT_EQ(run.cycle(detection(3), static_cast<double>(k), day[k].measure)
-                      .err.find("misbehave"),
-                  std::string::npos)
+        EXPECT_EQ(
+            run.cycle(detection(3), static_cast<double>(k), day[k].measure).err.find("misbehave"),
+            std::string::npos)
             << k;
 }
 
@@ -104,25 +104,37 @@ std::size_t firstReport(std::string const& name, int threshold) {
 // doubted only when no temperature that the measures allow explains it, hence the steps of grace.
 void expectReported(std::string const& name, std::size_t inRate, std::size_t grace) {
     for (int threshold : {1, 3}) {
-        std::size_t const earliest = std::max<std::size_t>(inRate, 1) +
-                                     static_cast<std::size_t>(threshold) - 1;
+        std::size_t const earliest =
+            std::max<std::size_t>(inRate, 1) + static_cast<std::size_t>(threshold) - 1;
         std::size_t const reported = firstReport(name, threshold);
         EXPECT_GE(reported, earliest) << name << ", threshold " << threshold;
         EXPECT_LE(reported, earliest + grace) << name << ", threshold " << threshold;
     }
 }
 
-TEST(FaultyDay, AWindowOpenedUnseenIsReported) { expectReported("window_open", 71, 1); }
+TEST(FaultyDay, AWindowOpenedUnseenIsReported) {
+    expectReported("window_open", 71, 1);
+}
 
 // The heater should be on from the start.
-TEST(FaultyDay, AThermostatStuckOffFromTheStartIsReported) { expectReported("stuck_off", 0, 1); }
+TEST(FaultyDay, AThermostatStuckOffFromTheStartIsReported) {
+    expectReported("stuck_off", 0, 1);
+}
 
-TEST(FaultyDay, AThermostatStuckOffLaterIsReported) { expectReported("stuck_off_late", 47, 10); }
+TEST(FaultyDay, AThermostatStuckOffLaterIsReported) {
+    expectReported("stuck_off_late", 47, 10);
+}
 
-TEST(FaultyDay, AThermostatStuckOnIsReported) { expectReported("stuck_on", 23, 5); }
+TEST(FaultyDay, AThermostatStuckOnIsReported) {
+    expectReported("stuck_on", 23, 5);
+}
 
-TEST(FaultyDay, ABiasedSensorIsReported) { expectReported("sensor_bias", 50, 1); }
+TEST(FaultyDay, ABiasedSensorIsReported) {
+    expectReported("sensor_bias", 50, 1);
+}
 
-TEST(FaultyDay, ADeadSensorIsReported) { expectReported("sensor_dead", 50, 3); }
+TEST(FaultyDay, ADeadSensorIsReported) {
+    expectReported("sensor_dead", 50, 3);
+}
 
 }  // namespace

@@ -31,8 +31,7 @@ protected:
     }
     static void expectRange(s_runtime const* rt, double inf, double sup, int infClosed,
                             int supClosed) {
-        for (s_Objet const* value :
-             {&variable(rt, "room.x")->old, &variable(rt, "room.x")->new_}) {
+        for (s_Objet const* value : {&variable(rt, "room.x")->old, &variable(rt, "room.x")->new_}) {
             ASSERT_EQ(value->type, OBJ_RANGE);
             EXPECT_EQ(value->rng.inf, inf);
             EXPECT_EQ(value->rng.sup, sup);

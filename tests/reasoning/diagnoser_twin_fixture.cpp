@@ -145,9 +145,9 @@ Component randomComponent(Dice& dice, int index) {
         component.moves.push_back(
             {mode, BAD, atCommand ? command : anyCommand, false, true, false, bad});
         if (failures > 1)
-            component.moves.push_back({mode, WORSE, anyCommand, false, true, false, worse,
-                                       index > 0 && dice.oneIn(4) ? dice.upTo(index - 1)
-                                                                  : noComponent});
+            component.moves.push_back(
+                {mode, WORSE, anyCommand, false, true, false, worse,
+                 index > 0 && dice.oneIn(4) ? dice.upTo(index - 1) : noComponent});
         if (component.commanded) {
             component.moves.push_back({mode, 1 - mode, command, false, false, false, nominal});
             component.moves.push_back({mode, mode, command, true, false, true, nominal});
@@ -418,7 +418,8 @@ int EngineModel::valueOf(Trajectory const* trajectory, StateVar const* variable,
         }
     }
     if (holding != 1)
-        errors.push_back("step " + std::to_string(t) + ": " + variable->getName() + " is " + labels);
+        errors.push_back("step " + std::to_string(t) + ": " + variable->getName() + " is " +
+                         labels);
     return value < 0 ? 0 : value;
 }
 
@@ -430,13 +431,14 @@ int EngineModel::moveInto(Trajectory const* trajectory, int index, int t, Modes 
     Transition const* taken = element != nullptr ? element->prevTrans : nullptr;
     std::string const where = "step " + std::to_string(t) + " of " + compNames[index] + ": ";
     for (std::size_t m = 0; m < moves.size(); ++m) {
-        bool const meant = taken != nullptr ? made.transitions[m] == taken
-                                            : moves[m].idle && moves[m].from == to;
+        bool const meant =
+            taken != nullptr ? made.transitions[m] == taken : moves[m].idle && moves[m].from == to;
         if (!meant)
             continue;
         if (!example.allows(index, moves[m], from, t - 1) || moves[m].to != to)
-            errors.push_back(where + "move " + std::to_string(m) +
-                             (taken != nullptr ? " was not possible" : " (unsaid) was not possible"));
+            errors.push_back(
+                where + "move " + std::to_string(m) +
+                (taken != nullptr ? " was not possible" : " (unsaid) was not possible"));
         return static_cast<int>(m);
     }
     errors.push_back(where + "no move");
@@ -449,8 +451,7 @@ void EngineModel::checkShown(Trajectory const* trajectory, int t,
         bool satisfied = false;
         for (auto const& [negated, atom] : clause->atoms) {
             TrajEl const* element = trajectory->getElt(atom->getId(), t, 0);
-            if (element != nullptr &&
-                element->isLabelled(negated ? labelFalse : labelTrue))
+            if (element != nullptr && element->isLabelled(negated ? labelFalse : labelTrue))
                 satisfied = true;
         }
         if (satisfied)
@@ -482,19 +483,19 @@ History EngineModel::read(Trajectory const* trajectory, std::vector<std::string>
         if (t > trajectory->firstTime) {
             std::vector<int> moves;
             for (std::size_t i = 0; i < built.size(); ++i) {
-                moves.push_back(moveInto(trajectory, static_cast<int>(i), t,
-                                         history.modes.back(), modes[i], errors));
+                moves.push_back(moveInto(trajectory, static_cast<int>(i), t, history.modes.back(),
+                                         modes[i], errors));
                 history.failures +=
                     example.components[i].moves[static_cast<std::size_t>(moves.back())].fails ? 1
-                                                                                             : 0;
+                                                                                              : 0;
             }
             history.moves.push_back(moves);
         }
         history.modes.push_back(modes);
     }
     for (Observed const& seen : example.observed)
-        if (valueOf(trajectory, built[static_cast<std::size_t>(seen.component)].out, last, errors) !=
-            seen.value)
+        if (valueOf(trajectory, built[static_cast<std::size_t>(seen.component)].out, last,
+                    errors) != seen.value)
             errors.push_back("another value than the one observed");
     if (history.failures != static_cast<int>(trajectory->rank))
         errors.push_back("rank " + std::to_string(trajectory->rank) + " and " +

@@ -1,9 +1,9 @@
-// Random small models in two forms: plain numbers, whose histories are enumerated, and the records of
-// the engine, in which the covering search looks for them.
+// Random small models in two forms: plain numbers, whose histories are enumerated, and the records
+// of the engine, in which the covering search looks for them.
 //
-// A component has the modes m0 and m1, a failure "bad", and sometimes a second one "worse"; most have
-// a command (none, go, back). It shows lo or hi, as its mode says, and as what stands upstream of it
-// shows. A history begins at step 0 with every component in m0.
+// A component has the modes m0 and m1, a failure "bad", and sometimes a second one "worse"; most
+// have a command (none, go, back). It shows lo or hi, as its mode says, and as what stands upstream
+// of it shows. A history begins at step 0 with every component in m0.
 #pragma once
 
 #include <gtest/gtest.h>
@@ -43,7 +43,7 @@ struct Component {
     bool commanded = false;
     int modes = 3;
     std::vector<Move> moves;
-    std::vector<int> shows;     // by mode
+    std::vector<int> shows;      // by mode
     int upstream = noComponent;  // hi needs hi there
 };
 
@@ -104,8 +104,8 @@ public:
     ~EngineModel();
     EngineModel(EngineModel const&) = delete;
 
-    // Runs the scenario of the case from a fresh start. With *fillGaps* every state then holds every
-    // component before the observation comes.
+    // Runs the scenario of the case from a fresh start. With *fillGaps* every state then holds
+    // every component before the observation comes.
     void run(bool fillGaps = false);
     // Failures without a command may then be expanded any number of times in one search.
     void allowRepeatedFailures();

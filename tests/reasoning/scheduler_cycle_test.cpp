@@ -48,8 +48,7 @@ TEST_F(DiscreteCycle, AModelWithoutARuntimeTakesACycle) {
     model.start();
     discretemdl = true;
     sMM->addCommandEvent(model.open, 1);
-    EXPECT_EQ(complaint([&] { sMM->doCycle(model.traj.get(), nullptr, 1.0); }),
-              "valve.cmd=open\n");
+    EXPECT_EQ(complaint([&] { sMM->doCycle(model.traj.get(), nullptr, 1.0); }), "valve.cmd=open\n");
     EXPECT_EQ(model.label("valve.mode=open"), "true");
 }
 

@@ -91,7 +91,8 @@ public:
 
     // A variable with an atom for each value, in that order; the first value is the default.
     template <typename Variable>
-    Variable* variable(Comp* comp, std::string const& name, std::vector<std::string> const& values) {
+    Variable* variable(Comp* comp, std::string const& name,
+                       std::vector<std::string> const& values) {
         Variable* made = comp->addStateVar(std::make_unique<Variable>(
             comp->name + "." + name, std::set<std::string>(values.begin(), values.end()),
             values.front(), comp));
@@ -119,8 +120,8 @@ public:
         auto posts = std::make_unique<Transition::Posts>();
         for (auto const& [delay, literals] : effects)
             (*posts)[delay] = formulaOf(literals).release();
-        return comp->addTransitionToC(std::make_unique<Transition>(
-            formulaOf(guard), std::move(posts), transNominal, 0.9));
+        return comp->addTransitionToC(
+            std::make_unique<Transition>(formulaOf(guard), std::move(posts), transNominal, 0.9));
     }
 
     // Not both of two atoms of different variables.

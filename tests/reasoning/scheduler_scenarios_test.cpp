@@ -36,8 +36,7 @@ protected:
     std::string path;  // of the file loaded last
 };
 
-constexpr char const* badAtom =
-    "Scheduler::readFromScenario --> received command is not valid : ";
+constexpr char const* badAtom = "Scheduler::readFromScenario --> received command is not valid : ";
 
 TEST_F(Scenarios, ACommandLineIsReadAndTold) {
     EXPECT_EQ(load("2 Command valve.cmd=open valve.cmd=none\n"),

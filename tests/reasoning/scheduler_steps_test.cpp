@@ -126,9 +126,9 @@ TEST_F(NominalStep, NeitherFailuresNorIdleTransitionsFire) {
 
 // The guard names both commands, so the transition is reached from each of them.
 TEST_F(NominalStep, ATransitionIsTriedOnce) {
-    Transition* both = HandModel::transition(
-        model.valve, {{true, model.open}, {true, go}, {true, model.isClosed}},
-        {{true, model.isOpen}});
+    Transition* both =
+        HandModel::transition(model.valve, {{true, model.open}, {true, go}, {true, model.isClosed}},
+                              {{true, model.isOpen}});
     model.start();
     step({model.open, go});
     EXPECT_EQ(model.traj->getCurrentTime(), 1);
@@ -137,8 +137,7 @@ TEST_F(NominalStep, ATransitionIsTriedOnce) {
 
 TEST_F(NominalStep, TwoMovesMakeOneNextState) {
     model.addMoves();
-    Transition* starts =
-        HandModel::transition(pump, {{true, go}, {true, off}}, {{true, on}});
+    Transition* starts = HandModel::transition(pump, {{true, go}, {true, off}}, {{true, on}});
     model.start();
     step({go, model.open});
     EXPECT_EQ(model.traj->getCurrentTime(), 1);
@@ -151,8 +150,7 @@ TEST_F(NominalStep, TwoMovesMakeOneNextState) {
 // The command of the valve forces the pump's command from none to go, and that starts the pump.
 TEST_F(NominalStep, WhatTheCommandChangedFiresToo) {
     HandModel::exclude(pump, model.open, pumpNone);
-    Transition* starts =
-        HandModel::transition(pump, {{true, go}, {true, off}}, {{true, on}});
+    Transition* starts = HandModel::transition(pump, {{true, go}, {true, off}}, {{true, on}});
     model.start();
     step({model.open});
     EXPECT_EQ(model.label("pump.cmd=go", 0), "true");
@@ -160,8 +158,8 @@ TEST_F(NominalStep, WhatTheCommandChangedFiresToo) {
     EXPECT_EQ(model.rt.bridgeTrans, Transitions{starts});
 }
 
-// Not all three of valve.cmd=open, pump.cmd=none and valve.mode=... : either of two repairs would do,
-// and one of them is followed.
+// Not all three of valve.cmd=open, pump.cmd=none and valve.mode=... : either of two repairs would
+// do, and one of them is followed.
 TEST_F(NominalStep, OneOfSeveralStatesStands) {
     Comp* third = model.comp("third");
     auto const& links = model.variable<CommandVar>(third, "cmd", {"none", "go"})->getAtomLinks();
@@ -228,8 +226,7 @@ TEST_F(NominalStep, AnEffectThatNoStateHoldsHasNotFired) {
 }
 
 TEST_F(NominalStep, AnImpossibleEffectLeavesWhatFiredBefore) {
-    Transition* starts =
-        HandModel::transition(pump, {{true, go}, {true, off}}, {{true, on}});
+    Transition* starts = HandModel::transition(pump, {{true, go}, {true, off}}, {{true, on}});
     HandModel::transition(model.valve, {{true, model.open}, {true, model.isClosed}},
                           {{true, model.isOpen}, {true, model.isBroken}});
     model.start();

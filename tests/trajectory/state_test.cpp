@@ -399,8 +399,6 @@ TEST_F(StateTest, TheGuardOfTheTransitionsOutCountsEachOnce) {
 
 // ---- Text ----
 
-// One pump alone: "p.mode=off", "p.mode=on" and "p.mode=dead" have their places in the order that
-// the test of the walk pins; here one element is enough.
 TEST_F(StateTest, ShowsItsElementsInOneLineEach) {
     Unit unit("u");
     unit.variable("mode", {"only"});

@@ -79,7 +79,7 @@ string_map<Atom*> atomsOf(std::initializer_list<Unit const*> units);
 // The elements of a state in the order of a walk, as their ids.
 std::vector<std::string> walk(State const& state);
 
-// The shapes of an empty state and of one with the elements of these components, free and unbound.
+// A state without elements, and one with those of these components, free and without transitions.
 std::unique_ptr<State> emptyState();
 std::unique_ptr<State> stateOf(std::initializer_list<Unit const*> units);
 

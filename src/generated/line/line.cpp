@@ -9,7 +9,7 @@
 
 namespace {
 
-constexpr double lose = 0.001;   // falls into the unknown mode
+constexpr double lose = 0.001;  // falls into the unknown mode
 constexpr double breakDown = 0.01;
 constexpr double certain = 1.0;
 

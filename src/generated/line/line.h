@@ -1,7 +1,7 @@
 // A feed line: a pump, valves in series behind it, and a flow sensor at the end. Discrete only.
 //
-// The flow is positive exactly when the pump is on and every valve is open or stuck open. docs/line.md
-// holds the model as tables.
+// The flow is positive exactly when the pump is on and every valve is open or stuck open.
+// docs/line.md holds the model as tables.
 #pragma once
 
 #include <string>

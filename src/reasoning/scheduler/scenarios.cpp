@@ -1,7 +1,7 @@
 // Scenario files and the table of events.
 //
-// Two forms are read, an event a line: the dated one whole, before a hybrid run, and the undated one
-// line by line, during a discrete run. Tokens are separated by blanks and line ends alone.
+// Two forms are read, an event a line: the dated one whole, before a hybrid run, and the undated
+// one line by line, during a discrete run. Tokens are separated by blanks and line ends alone.
 #include <algorithm>
 #include <array>
 #include <cstdlib>
@@ -24,8 +24,12 @@ constexpr char const* commandKind = "Command";
 using Line = std::array<char, lineSize>;
 
 // The next tokens of a line, walked with strtok.
-char* firstToken(Line& line) { return std::strtok(line.data(), separators); }
-char* nextToken() { return std::strtok(nullptr, separators); }
+char* firstToken(Line& line) {
+    return std::strtok(line.data(), separators);
+}
+char* nextToken() {
+    return std::strtok(nullptr, separators);
+}
 
 // The atom, or null. Enters nothing for an unknown word, which does not live on.
 Atom* knownAtom(char const* id) {
@@ -34,7 +38,8 @@ Atom* knownAtom(char const* id) {
 }
 
 void reportInvalid(char const* token) {
-    std::cerr << "Scheduler::readFromScenario --> received command is not valid : " << token << "\n";
+    std::cerr << "Scheduler::readFromScenario --> received command is not valid : " << token
+              << "\n";
 }
 
 void reportReceived(bool isCommand, Atom const* atom) {

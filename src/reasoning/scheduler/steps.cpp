@@ -27,7 +27,9 @@ void reportNoState() {
 }
 
 // Of a list of results that is not empty, the first alone is followed.
-std::unique_ptr<ItmsRes> firstOf(ItmsResults& results) { return std::move(results.front()); }
+std::unique_ptr<ItmsRes> firstOf(ItmsResults& results) {
+    return std::move(results.front());
+}
 
 }  // namespace
 
@@ -93,8 +95,8 @@ bool Scheduler::settleCommands(NominalStep& step) {
             lockTrajElsPerm(element, site.state);
     }
     std::unique_ptr<State> current = step.traj->takeState(step.t);
-    ItmsResults results = addPropositions(props, current, {true, step.traj->rank}, step.traj,
-                                          step.t, false);
+    ItmsResults results =
+        addPropositions(props, current, {true, step.traj->rank}, step.traj, step.t, false);
     if (results.empty()) {
         reportNoState();
         return false;
@@ -172,8 +174,7 @@ SignedElements Scheduler::effectsOf(Transition* transition, StateFormula const* 
 // Asserts the effect in the next state, which is lost when there is no result.
 bool Scheduler::settleNext(SignedElements const& props, std::unique_ptr<State>& next,
                            Trajectory* traj, int now) {
-    ItmsResults results =
-        addPropositions(props, next, {true, traj->rank}, traj, now + 1, false);
+    ItmsResults results = addPropositions(props, next, {true, traj->rank}, traj, now + 1, false);
     if (results.empty()) {
         reportNoState();
         return false;
@@ -233,11 +234,10 @@ void Scheduler::triggerTransition(Transition* transition, State* current,
     std::unique_ptr<State> before = exactCopy(next.get());
     if (!discretemdl)
         addBridgeTrans(transition, runtime);
-    bool const fired =
-        transition->post
-            ? fireEffect(transition, transition->post.get(), noDelay, current, next, traj,
-                         pending, now)
-            : fireDelayedEffects(transition, current, next, traj, pending, now);
+    bool const fired = transition->post
+                           ? fireEffect(transition, transition->post.get(), noDelay, current, next,
+                                        traj, pending, now)
+                           : fireDelayedEffects(transition, current, next, traj, pending, now);
     if (fired) {
         if (transition->post)
             transition->showMove();
