@@ -68,11 +68,12 @@ std::unique_ptr<State> Trajectory::addState(int t, std::unique_ptr<State> state)
 
 void Trajectory::addCopyState(int t, State const* source, bool full) {
     auto copy = std::make_unique<State>(source, full);
-    takeState(t);
+    bool const reachedUnknown = source->unknown;
+    takeState(t);  // may be the source itself
     rank += getStateRank(copy.get());
     states[t] = copy.release();
     advanceTo(t);
-    if (source->unknown)
+    if (reachedUnknown)
         setUnknown();
     if (static_cast<int>(states.size()) > twd)
         reduceTrajectory();
