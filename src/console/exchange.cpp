@@ -134,7 +134,7 @@ int tavro_setDisplays(char const*, int count, double const* inf, double const* s
 // A row before the first is skipped, and so is one behind the table's end.
 void tavro_setRTDisplays(int count, s_runtime* rt, double row) {
     int const index = truncateToInt(std::ceil(row));
-    if (index < 1 || index > rt->extra.size())
+    if (count == 0 || index < 1 || index > rt->extra.size() / (2 * count))
         return;
     int const start = (index - 1) * 2 * count;
     for (int j = 0; j < count; ++j) {
