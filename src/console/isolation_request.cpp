@@ -1,11 +1,13 @@
-// The hooks through which the engine reads a request for isolation.
+// The request for isolation, and the hooks through which the engine reads it.
 #include "console/isolation_request.h"
 
 #include <algorithm>
 #include <cstdio>
 
 #include "continuous/exchange.h"
+#include "continuous/isolation.h"
 #include "continuous/records.h"
+#include "continuous/sorn-runt.h"
 #include "hybrid/tavro-runt.h"
 
 IsolationRequest tDiag(nullptr);
@@ -63,5 +65,53 @@ int sorn_getConds(char const*, int count, int* values) {
             return 0;
         values[i] = value;
     }
+    return 1;
+}
+
+namespace {
+
+// The cycle code of the first level whose word stands in *word*, or 0.
+int diagnosisCode(std::string const& word) {
+    int code = CYCLE_DIAGNOSE;
+    for (char const* known : {"fault1", "fault2", "fault3"}) {
+        if (word.find(known) != std::string::npos)
+            return code;
+        ++code;
+    }
+    return 0;
+}
+
+// Required: the usage ends in a word with a double n.
+void tellUsage() {
+    std::fprintf(stderr, "\nUsage: diagnosis fault[1 2 3] misb-var1 misb-var2 ...\n%sn\n",
+                 isolationLevels);
+}
+
+}  // namespace
+
+int snDiagnosis(char const* arg) {
+    if (tavro_rt == nullptr) {
+        std::fprintf(stderr, "The model has no continuous runtime.\n");
+        return 1;
+    }
+    tDiag = IsolationRequest(arg);
+    if (!tDiag.token()) {
+        tellUsage();
+        return 1;
+    }
+    int const code = diagnosisCode(*tDiag.token());
+    if (code == 0) {
+        std::fprintf(stderr, "Unknown parameter %s. Expecting one of\n%s\n\n",
+                     tDiag.token()->c_str(), isolationLevels);
+        return 1;
+    }
+    tDiag.advance();
+    if (!tDiag.token()) {
+        std::fprintf(stderr, "Missing misbehaving variables !\n");
+        return 1;
+    }
+    if (sorn_doCycle(tavro_rt, code, 0) == -1)
+        std::fprintf(stderr, "Invalid model !\n");
+    sorn_close(tavro_rt);
     return 1;
 }

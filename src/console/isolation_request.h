@@ -1,4 +1,5 @@
-// The line of a request for isolation: misbehaving measures by name, then condition values.
+// A request for isolation without a run: a level, misbehaving measures by name, then condition
+// values.
 #pragma once
 
 #include <string>
@@ -22,3 +23,13 @@ private:
 
 // The request being read.
 extern IsolationRequest tDiag;
+
+// What the levels of isolation mean, a line each; the last one is not ended.
+constexpr char const* isolationLevels =
+    "\t fault1 ---> NO One-Fault-Exoneration AND    Multiple-Fault-Compensation\n"
+    "\t fault2 --->    One-fault-Exoneration AND    Multiple-Fault-Compensation\n"
+    "\t fault3 --->    One-fault-Exoneration AND NO Multiple-Fault-Compensation";
+
+// Diagnoses `fault[1 2 3] misb-var1 misb-var2 ... condition-values` on the model's own runtime. The
+// measures and conditions of a run are not touched. Required: no command leads here.
+int snDiagnosis(char const* arg);

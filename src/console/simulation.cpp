@@ -7,6 +7,7 @@
 #include <iostream>
 
 #include "console/exchange.h"
+#include "console/isolation_request.h"
 #include "console/parameters.h"
 #include "console/run.h"
 #include "continuous/sorn-runt.h"
@@ -18,13 +19,6 @@
 namespace {
 
 constexpr double ticksPerSecond = 1000000.0;
-
-// What the levels of isolation mean, a line each.
-#define TAVRO_ISOLATION_LEVELS                                                     \
-    "\n\t nofault\n"                                                               \
-    "\t fault1 ---> NO One-Fault-Exoneration AND    Multiple-Fault-Compensation\n" \
-    "\t fault2 --->    One-fault-Exoneration AND    Multiple-Fault-Compensation\n" \
-    "\t fault3 --->    One-fault-Exoneration AND NO Multiple-Fault-Compensation\n\n"
 
 // Memory that a cycle may need on top of its candidates, in bytes.
 constexpr double memoryReserve = 64.0 * 1024.0 * 1024.0;
@@ -159,7 +153,8 @@ constexpr char const* isolationWords[] = {"nofault", "fault1", "fault2", "fault3
 // inside a longer one; they are tried in the order of the codes.
 int readIsolation(std::optional<std::string> const& word) {
     if (!word) {
-        std::fprintf(stderr, "\nExpecting fault isolation parameter:\n" TAVRO_ISOLATION_LEVELS);
+        std::fprintf(stderr, "\nExpecting fault isolation parameter:\n\n\t nofault\n%s\n\n",
+                     isolationLevels);
         return 0;
     }
     int code = CYCLE_DETECT;
@@ -168,8 +163,8 @@ int readIsolation(std::optional<std::string> const& word) {
             return code;
         ++code;
     }
-    std::fprintf(stderr, "Unknown parameter %s. Expecting one of" TAVRO_ISOLATION_LEVELS,
-                 word->c_str());
+    std::fprintf(stderr, "Unknown parameter %s. Expecting one of\n\t nofault\n%s\n\n",
+                 word->c_str(), isolationLevels);
     return 0;
 }
 

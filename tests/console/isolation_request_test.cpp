@@ -102,4 +102,101 @@ TEST_F(RequestTest, OneRequestServesBothHooks) {
     EXPECT_EQ(values[6], 0);
 }
 
+// The whole request, as the function that no command leads to answers it.
+class DiagnosisTest : public RequestTest {
+protected:
+    std::string diagnose(char const* request) {
+        said = streamsOf([&] { EXPECT_EQ(snDiagnosis(request), 1); });
+        EXPECT_EQ(said.out, "");
+        return said.err;
+    }
+};
+
+constexpr char const* levelLines =
+    "\t fault1 ---> NO One-Fault-Exoneration AND    Multiple-Fault-Compensation\n"
+    "\t fault2 --->    One-fault-Exoneration AND    Multiple-Fault-Compensation\n"
+    "\t fault3 --->    One-fault-Exoneration AND NO Multiple-Fault-Compensation";
+
+TEST_F(DiagnosisTest, WithoutALevelTheUsageIsTold) {
+    std::string const usage =
+        std::string("\nUsage: diagnosis fault[1 2 3] misb-var1 misb-var2 ...\n") + levelLines +
+        "n\n";
+    EXPECT_EQ(diagnose(nullptr), usage);
+    EXPECT_EQ(diagnose(""), usage);
+    EXPECT_EQ(diagnose("   "), usage);
+}
+
+TEST_F(DiagnosisTest, AnUnknownLevelIsTold) {
+    std::string const answer = std::string(". Expecting one of\n") + levelLines + "\n\n";
+    EXPECT_EQ(diagnose("nofault room.xd"), "Unknown parameter nofault" + answer);
+    EXPECT_EQ(diagnose("fault4"), "Unknown parameter fault4" + answer);
+}
+
+TEST_F(DiagnosisTest, AMeasureMustFollow) {
+    EXPECT_EQ(diagnose("fault1"), "Missing misbehaving variables !\n");
+}
+
+TEST_F(DiagnosisTest, AModelWithoutAContinuousSideHasNothingToDiagnose) {
+    s_runtime* const own = tavro_rt;
+    tavro_rt = nullptr;
+    EXPECT_EQ(diagnose("fault1 room.xd"), "The model has no continuous runtime.\n");
+    tavro_rt = own;
+}
+
+// Conditions are given in the order of the influences: the heater T1.i1, the outside R1.i1, the
+// integral R1.i2, the uncertain term R1.i3, the exchange closed R1.i4 and open R1.i5, the room's
+// own temperature R1.i6. With the room closed the walk from room.xd meets R1.i4, goes on through
+// room.xdq to T1.i1, to R1.i6 and, a cycle before, its integral R1.i2 (histories begin active), to
+// R1.i1, and ends with R1.i3. One measure misbehaves: each suspect is a diagnosis of its own.
+constexpr char const* heated =
+    "[{R1.i4,0,((room.mode=closed))}]"
+    "[{T1.i1,0,(((thermostat.mode=stuck_on)) | ((thermostat.mode=on)))}]"
+    "[{R1.i6,0,(((room.mode=closed)) | ((room.mode=open)))}]";
+constexpr char const* integral = "[{R1.i2,1,(((room.mode=closed)) | ((room.mode=open)))}]";
+constexpr char const* outside =
+    "[{R1.i1,0,(((thermostat.mode=stuck_off)) | ((thermostat.mode=off)))}]";
+constexpr char const* uncertain = "[{R1.i3,0,(((room.mode=closed)) | ((room.mode=open)))}]";
+
+std::string resultsOf(std::initializer_list<char const*> diagnoses) {
+    std::string text = "Diagnostic Results:\n";
+    for (char const* diagnosis : diagnoses)
+        text += diagnosis;
+    return text += "\n";
+}
+
+TEST_F(DiagnosisTest, SuspectsAreTheActiveInfluencesUpstream) {
+    EXPECT_EQ(diagnose("fault1 room.xd 1 1 1 1 1 0 1"),
+              resultsOf({heated, integral, outside, uncertain}));
+}
+
+// The conditions of a request are the newest of the history: the integral, given inactive, is no
+// suspect a cycle later, and is one again another cycle later.
+TEST_F(DiagnosisTest, ConditionsEnterTheHistory) {
+    diagnose("fault1 room.xd 1 1 0 1 1 0 1");
+    EXPECT_EQ(diagnose("fault1 room.xd 1 1 1 1 1 0 1"), resultsOf({heated, outside, uncertain}));
+    EXPECT_EQ(diagnose("fault1 room.xd 1 1 1 1 1 0 1"),
+              resultsOf({heated, integral, outside, uncertain}));
+}
+
+TEST_F(DiagnosisTest, WithOneMeasureEveryLevelIsTheFirst) {
+    for (char const* request : {"fault2 room.xd 1 1 1 1 1 0 1", "fault3 room.xd 1 1 1 1 1 0 1",
+                                "xfault1y room.xd 1 1 1 1 1 0 1"})
+        EXPECT_EQ(diagnose(request), resultsOf({heated, integral, outside, uncertain})) << request;
+}
+
+TEST_F(DiagnosisTest, WithoutAnActiveConditionTheModelIsInvalid) {
+    EXPECT_EQ(diagnose("fault1 room.xd 0 0 0 0 0 0 0"), "Invalid model !\n");
+}
+
+// A wrong name leaves no misbehaviour, and no token for the conditions.
+TEST_F(DiagnosisTest, AWrongNameDiagnosesNothing) {
+    EXPECT_EQ(diagnose("fault1 room.y 1 1 1 1 1 0 1"),
+              "Variable room.y either is not measured or does not exist !\n"
+              "Not enough condition values !\n");
+}
+
+TEST_F(DiagnosisTest, NoCommandLeadsToIt) {
+    EXPECT_EQ(whichCom(cde, "diagnosis"), nullptr);
+}
+
 }  // namespace
