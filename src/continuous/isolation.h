@@ -38,6 +38,8 @@ bool compareAndUpdateConflicts(Conflict& a, Conflict& b);
 bool compareConditions(s_Condition const* a, s_Condition const* b);
 // The suspect in the list that equals *conflict*, or null.
 Conflict* findConflict(Suspects const& suspects, Conflict const& conflict);
+// *name*, or without one "cause->effect".
+std::string createConflictName(s_Influence const* influence, char const* name);
 // Adds the influence as a suspect, unless an equal one is there, whose delay may rise.
 void makeUpConflict(s_Influence* influence, int delay, Suspects& conflicts);
 // Walks upstream from a variable: every influence that was active at its delay is a suspect. The
@@ -115,5 +117,8 @@ void sn_prepareDiag(s_runtime* rt);
 // Appends the leaves to the text, and hands the conditions of their suspects to the bridge.
 void printHSTree(s_runtime* rt, std::vector<Leaf> const& leaves);
 void printConflict(s_runtime* rt, Conflict const* conflict);
+// Digits of a number, one for 0: the width of a leaf's number in the headings that the text had
+// once.
+int numLength(int number);
 void sn_printDiagCond(s_runtime* rt, s_Condition const* condition);
 void sn_printDiagExpr(s_runtime* rt, s_Expr const* expr);

@@ -7,6 +7,7 @@
 
 #include <algorithm>
 #include <cstring>
+#include <memory>
 
 #include "hybrid/exchange.h"
 #include "hybrid/tavro-runt.h"
@@ -101,50 +102,61 @@ void bridgeActiveAtoms(s_runtime* rt) {
 
 namespace {
 
-using AtomSet = std::vector<Atom*>;
+using AtomSet = std::shared_ptr<std::vector<Atom*>>;
 
-// The set that the walk is filling, if there is one. Only a leaf with no set, or the disjunction
-// that began a set, adds to the runtime's sets.
-void parseCondConflicts(s_runtime* rt, s_Condition const* condition, bool sign, AtomSet* set);
+// One condition's walk. Required: a disjunction adds the set that it was given, not a copy, so the
+// sets of nested disjunctions are one set, each with the atoms of all.
+class ConditionWalk {
+public:
+    // *set* is the one being filled, or null. Only a leaf with no set, and disjunctions, add sets.
+    void parseCondConflicts(s_Condition const* condition, bool sign, AtomSet const& set);
+    std::vector<AtomSet> found;
+
+private:
+    void parseLeaf(Atom* atom, bool sign, AtomSet const& set);
+    void parseDisjunction(s_Condition const* condition, AtomSet const& set);
+    void parseConjunction(s_Condition const* condition, AtomSet const& set);
+};
 
 // Required: the set that a conjunction passes down is dropped, and so is the copy that a leaf below
 // it makes, so that only a disjunction nested under a conjunction yields a set.
-void parseLeaf(s_runtime* rt, Atom* atom, bool sign, AtomSet* set) {
+void ConditionWalk::parseLeaf(Atom* atom, bool sign, AtomSet const& set) {
     if (set != nullptr && !sign)
         set->push_back(atom);
     else if (set == nullptr)
-        rt->bridgeConflicts->push_back({atom});
+        found.push_back(std::make_shared<std::vector<Atom*>>(1, atom));
 }
 
-void parseDisjunction(s_runtime* rt, s_Condition const* condition, AtomSet* set) {
-    AtomSet begun;
-    AtomSet* target = set != nullptr ? set : &begun;
-    parseCondConflicts(rt, condition->left, false, target);
-    parseCondConflicts(rt, condition->right, false, target);
-    rt->bridgeConflicts->push_back(*target);
+void ConditionWalk::parseDisjunction(s_Condition const* condition, AtomSet const& set) {
+    AtomSet const target = set != nullptr ? set : std::make_shared<std::vector<Atom*>>();
+    parseCondConflicts(condition->left, false, target);
+    parseCondConflicts(condition->right, false, target);
+    found.push_back(target);
 }
 
-void parseConjunction(s_runtime* rt, s_Condition const* condition, AtomSet const* set) {
-    AtomSet own = set != nullptr ? *set : AtomSet{};
-    parseCondConflicts(rt, condition->left, true, &own);
-    parseCondConflicts(rt, condition->right, true, &own);
+void ConditionWalk::parseConjunction(s_Condition const* condition, AtomSet const& set) {
+    auto const own = set != nullptr ? std::make_shared<std::vector<Atom*>>(*set)
+                                    : std::make_shared<std::vector<Atom*>>();
+    parseCondConflicts(condition->left, true, own);
+    parseCondConflicts(condition->right, true, own);
 }
 
-void parseCondConflicts(s_runtime* rt, s_Condition const* condition, bool sign, AtomSet* set) {
+void ConditionWalk::parseCondConflicts(s_Condition const* condition, bool sign,
+                                       AtomSet const& set) {
     switch (condition->kind) {
         case COND_NOT:
             // Required: the sign is not inverted.
-            parseCondConflicts(rt, condition->left, sign, set);
+            parseCondConflicts(condition->left, sign, set);
             break;
         case COND_OR:
-            parseDisjunction(rt, condition, set);
+            parseDisjunction(condition, set);
             break;
         case COND_AND:
-            parseConjunction(rt, condition, set);
+            parseConjunction(condition, set);
             break;
         case COND_ATOM:
         case COND_EXPR:
-            parseLeaf(rt, condition->atom, sign, set);
+            parseLeaf(condition->atom, sign, set);
             break;
         default:
             break;
@@ -160,7 +172,10 @@ void addBridgeConflict(s_runtime* rt, s_Condition const* condition,
         return;
     if (!rt->bridgeConflicts)
         rt->bridgeConflicts.emplace();
-    parseCondConflicts(rt, condition, true, nullptr);
+    ConditionWalk walk;
+    walk.parseCondConflicts(condition, true, nullptr);
+    for (AtomSet const& set : walk.found)
+        rt->bridgeConflicts->push_back(*set);
     existing.push_back(condition);
 }
 

@@ -53,10 +53,10 @@ void Scheduler::Diagnose(Trajectory* traj, s_runtime const* rt, Observations con
     auto copy = std::make_unique<Trajectory>(traj, t + 1);
     std::cerr << "[Scheduler] --> updating tracked trajectories with observations (" << t << ")\n";
     TrajectoryMap results = observationResults(observations, traj, t, 0.0, true);
-    std::cerr << "[Scheduler] --> elapsed time (observations insertion) : " << secondsSince(start)
-              << "\n";
     bool const explained =
         results.size() == 1 && getConflicts(results.begin()->second.get(), t, true).empty();
+    std::cerr << "[Scheduler] --> elapsed time (observations insertion) : " << secondsSince(start)
+              << "\n";
     if (!explained) {
         std::cerr << "---------> Diagnosing...\n";
         double const highest = copy->rank + rankMargin;

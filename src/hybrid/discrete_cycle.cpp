@@ -8,10 +8,6 @@
 
 namespace {
 
-// Above this number of candidates that all misbehave, equal ones are merged: a run that nothing
-// explains would double its candidates in every cycle.
-constexpr std::size_t manyCandidates = 100;
-
 // The walk over tracked_trajs in one discrete step.
 struct DiscreteWalk {
     RunOptions const& options;
@@ -85,14 +81,9 @@ void keepNominal(RunOptions const& options, double time) {
 }
 
 // Nothing agrees with the measures: the misbehaving candidates go on being tracked.
-void keepMisbehaving(RunOptions const& options, double time) {
+void keepMisbehaving() {
     std::fprintf(stderr, "all trajs misbehave !\n");
     tracked_trajs = std::move(misbtrajs);
-    if (options.mode != RUN_DETECT || tracked_trajs.size() <= manyCandidates)
-        return;
-    std::fprintf(stderr, "too many candidates (%d): merging equal ones\n",
-                 static_cast<int>(tracked_trajs.size()));
-    sn_reduxTrajs(tracked_trajs, time);
 }
 
 }  // namespace
@@ -111,7 +102,7 @@ void tavroDiscreteCycle(RunOptions const& options, double time, bool& nominal) {
     else if (options.isolation > CYCLE_DETECT && !diag_flag)
         diagnoseMisbTrajs(options, time);
     else
-        keepMisbehaving(options, time);
+        keepMisbehaving();
     ntrajs.clear();
     misbtrajs.clear();
 }

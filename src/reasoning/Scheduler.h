@@ -78,8 +78,9 @@ public:
 
     // The discrete half of a hybrid step.
     void doCycle(Trajectory* traj, s_runtime* rt, double time);
-    // Builds the next nominal state of a trajectory under *commands*, if any transition fires.
-    void constructNextNominalStateLarge(Trajectory* traj, std::vector<Atom*> commands,
+    // Builds the next nominal state of a trajectory under *commands*, if any transition fires. Adds
+    // to them those of the transitions that still run.
+    void constructNextNominalStateLarge(Trajectory* traj, std::vector<Atom*>& commands,
                                         bool keepUnlocked, PendingTransitions& pending);
     // Fires a transition from *current* into *next*, which is replaced. An effect that no state can
     // hold is told, and then nothing has fired: *next* is as it was.
@@ -105,7 +106,9 @@ private:
     void lockFirstStates();
     void announceStep(scenarEvent const& event) const;
     void commandStep(scenarEvent const& event, PendingTransitions& pending);
-    bool observationStep(scenarEvent const& event);
+    void observationStep(scenarEvent const& event);
+    void diagnose(Trajectory const& refuted, Observations const& observations);
+    void skipObservations();
     TrajectoryMap explainedBy(Observations const& observations, ElapsedTime const& elapsed,
                               double& sum);
     void keepSurvivors(TrajectoryMap survivors, double sum);

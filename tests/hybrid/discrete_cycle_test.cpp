@@ -123,30 +123,15 @@ TEST_F(Walk, TheThresholdIsThatOfTheRun) {
     EXPECT_EQ(step(detection(2)), "all trajs misbehave !\n");
 }
 
-TEST_F(Walk, UpToAHundredMisbehavingCandidatesStayApart) {
+TEST_F(Walk, MisbehavingCandidatesStayApartAndTheirNumberHasNoLimit) {
     set(*first, 5.0);
-    for (int i = 1; i < 100; ++i)
-        add(1.0, 5.0);
-    EXPECT_EQ(step(detection(1)), "all trajs misbehave !\n");
-    EXPECT_EQ(tracked_trajs.size(), 100u);
-}
-
-TEST_F(Walk, MoreThanAHundredMisbehavingCandidatesAreMerged) {
-    set(*first, 5.0);
-    for (int i = 1; i < 101; ++i)
+    for (int i = 1; i < 300; ++i)
         add(0.0, 5.0);
-    EXPECT_EQ(step(detection(1)),
-              "all trajs misbehave !\ntoo many candidates (101): merging equal ones\n");
-    EXPECT_EQ(identities(), Identities{0});
+    EXPECT_EQ(step(detection(1)), "all trajs misbehave !\n");
+    EXPECT_EQ(tracked_trajs.size(), 300u);
     EXPECT_FALSE(nominal);
-}
-
-TEST_F(Walk, WithoutMergingTheirNumberHasNoLimit) {
-    set(*first, 5.0);
-    for (int i = 1; i < 101; ++i)
-        add(1.0, 5.0);
     EXPECT_EQ(step(detection(1, RUN_NOMERGE)), "all trajs misbehave !\n");
-    EXPECT_EQ(tracked_trajs.size(), 101u);
+    EXPECT_EQ(tracked_trajs.size(), 300u);
 }
 
 // ---- Simulation ----

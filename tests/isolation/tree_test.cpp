@@ -2,27 +2,13 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <map>
 #include <random>
 #include <set>
 
 #include "continuous/isolation.h"
+#include "fixtures/list_tree.h"
 
 namespace {
-
-// Suspects named by letters; equal names are equal suspects.
-class Names {
-public:
-    Suspects set(std::vector<std::string> const& names, int delay = 0) {
-        Suspects suspects;
-        for (std::string const& name : names)
-            suspects.push_back(std::make_shared<Conflict>(Conflict{name, &influence, delay}));
-        return suspects;
-    }
-
-private:
-    s_Influence influence;  // without a condition
-};
 
 std::vector<std::string> namesOf(Leaf const& leaf) {
     std::vector<std::string> names;
@@ -31,19 +17,29 @@ std::vector<std::string> namesOf(Leaf const& leaf) {
     return names;
 }
 
+void addLeaf(std::string& text, int number, std::vector<std::string> const& names) {
+    text += std::to_string(number) + "[";
+    for (std::string const& name : names)
+        text += name + " ";
+    text += "]";
+}
+
 std::string textOf(std::vector<Leaf> const& leaves) {
     std::string text;
-    for (Leaf const& leaf : leaves) {
-        text += std::to_string(leaf.number) + "[";
-        for (std::string const& name : namesOf(leaf))
-            text += name + " ";
-        text += "]";
-    }
+    for (Leaf const& leaf : leaves)
+        addLeaf(text, leaf.number, namesOf(leaf));
+    return text;
+}
+
+std::string textOf(ListTree const& tree) {
+    std::string text;
+    for (ListTree::Leaf const& leaf : tree.leaves)
+        addLeaf(text, leaf.number, leaf.names);
     return text;
 }
 
 TEST(HittingSetTree, OneSetGivesALeafPerSuspect) {
-    Names names;
+    NamedSuspects names;
     HittingSetTree tree;
     tree.grow(names.set({"a", "b"}));
     EXPECT_EQ(textOf(tree.leaves()), "1[a ]2[b ]");
@@ -52,7 +48,7 @@ TEST(HittingSetTree, OneSetGivesALeafPerSuspect) {
 // [b] hits {b, c}; [a] grows into [a, b], which [b] closes, since it stayed because of b alone, and
 // into [a, c].
 TEST(HittingSetTree, ALeafThatHitsTheSetClosesItsSupersets) {
-    Names names;
+    NamedSuspects names;
     HittingSetTree tree;
     tree.grow(names.set({"a", "b"}));
     tree.grow(names.set({"b", "c"}));
@@ -60,7 +56,7 @@ TEST(HittingSetTree, ALeafThatHitsTheSetClosesItsSupersets) {
 }
 
 TEST(HittingSetTree, AnEmptySetLeavesTheTree) {
-    Names names;
+    NamedSuspects names;
     HittingSetTree tree;
     tree.grow(names.set({"a"}));
     tree.grow({});
@@ -68,7 +64,7 @@ TEST(HittingSetTree, AnEmptySetLeavesTheTree) {
 }
 
 TEST(HittingSetTree, ABehavingMeasureExoneratesAtEqualOrLowerDelay) {
-    Names names;
+    NamedSuspects names;
     HittingSetTree tree;
     tree.grow(names.set({"a"}, 2));
     tree.grow(names.set({"b", "c"}, 1));
@@ -82,7 +78,7 @@ TEST(HittingSetTree, ABehavingMeasureExoneratesAtEqualOrLowerDelay) {
 }
 
 TEST(HittingSetTree, PreferenceGoesBySoftSuspectsAndThenBySize) {
-    Names names;
+    NamedSuspects names;
     HittingSetTree tree;
     tree.grow(names.set({"s", "a", "b"}));
     tree.grow(names.set({"s", "b", "c"}));
@@ -90,6 +86,25 @@ TEST(HittingSetTree, PreferenceGoesBySoftSuspectsAndThenBySize) {
     EXPECT_EQ(textOf(tree.leaves()), "1[s ]3[b ]6[a c ]");
     tree.sortByPreference(names.set({"s"}));
     EXPECT_EQ(textOf(tree.leaves()), "3[b ]6[a c ]1[s ]");
+}
+
+TEST(DiagnosisText, CountsDigits) {
+    EXPECT_EQ(numLength(0), 1);
+    EXPECT_EQ(numLength(9), 1);
+    EXPECT_EQ(numLength(10), 2);
+    EXPECT_EQ(numLength(12345), 5);
+}
+
+TEST(Suspects, AreNamedAfterTheirEndsWithoutANameOfTheirOwn) {
+    s_Variable inflow, level;
+    inflow.nom = "inflow";
+    level.nom = "level";
+    s_Influence influence;
+    influence.cause = &inflow;
+    influence.effect = &level;
+    EXPECT_EQ(createConflictName(&influence, "fill"), "fill");
+    EXPECT_EQ(createConflictName(&influence, ""), "");
+    EXPECT_EQ(createConflictName(&influence, nullptr), "inflow->level");
 }
 
 TEST(SoftConflicts, CountsTheNonEmptySubsets) {
@@ -101,7 +116,7 @@ TEST(SoftConflicts, CountsTheNonEmptySubsets) {
 // A misbehaving measure {a, b} and a behaving one {b, c} share b: a fault shows in the parts that
 // they do not share, {a, c}. c stands in that set only, so it is soft.
 TEST(SoftConflicts, AreTheSymmetricDifference) {
-    Names names;
+    NamedSuspects names;
     std::vector<MeasureConflicts> misb(1), normal(1);
     misb[0].conflicts = names.set({"a", "b"});
     misb[0].conflictSets = {misb[0].conflicts};
@@ -113,7 +128,7 @@ TEST(SoftConflicts, AreTheSymmetricDifference) {
 }
 
 TEST(SoftConflicts, AMeasureWithoutANeighbourKeepsItsOneSet) {
-    Names names;
+    NamedSuspects names;
     std::vector<MeasureConflicts> misb(1), normal(1);
     misb[0].conflicts = names.set({"a"});
     misb[0].conflictSets = {misb[0].conflicts};
@@ -122,75 +137,6 @@ TEST(SoftConflicts, AMeasureWithoutANeighbourKeepsItsOneSet) {
     EXPECT_EQ(misb[0].conflictSets.size(), 1u);
 }
 
-// The plain version: leaves as lists of names, every rule by walking the lists.
-class ListTree {
-public:
-    using Set = std::vector<std::string>;
-    struct ListLeaf {
-        int number;
-        Set names;
-    };
-
-    void grow(Set const& set) {
-        std::vector<ListLeaf> grown;
-        std::map<std::string, std::vector<ListLeaf>> open;
-        std::map<std::string, std::vector<Set>> closing;
-        auto const split = [&](Set const& from) {
-            for (std::string const& name : set) {
-                Set longer = from;
-                longer.push_back(name);
-                open[name].push_back({++made, longer});
-            }
-        };
-        if (leaves.empty() && made == 0)
-            split({});
-        for (ListLeaf const& leaf : leaves) {
-            Set common;
-            for (std::string const& name : set)
-                if (holds(leaf.names, name))
-                    common.push_back(name);
-            if (common.empty()) {
-                split(leaf.names);
-                continue;
-            }
-            grown.push_back(leaf);
-            if (common.size() == 1)
-                closing[common[0]].push_back(leaf.names);
-        }
-        for (std::string const& name : set)
-            for (ListLeaf const& leaf : open[name]) {
-                bool const closed =
-                    std::any_of(closing[name].begin(), closing[name].end(), [&](Set const& closer) {
-                        return std::all_of(closer.begin(), closer.end(), [&](std::string const& n) {
-                            return holds(leaf.names, n);
-                        });
-                    });
-                if (!closed)
-                    grown.push_back(leaf);
-            }
-        leaves = grown;
-    }
-
-    std::string text() const {
-        std::string all;
-        for (ListLeaf const& leaf : leaves) {
-            all += std::to_string(leaf.number) + "[";
-            for (std::string const& name : leaf.names)
-                all += name + " ";
-            all += "]";
-        }
-        return all;
-    }
-
-    static bool holds(Set const& names, std::string const& name) {
-        return std::find(names.begin(), names.end(), name) != names.end();
-    }
-
-private:
-    std::vector<ListLeaf> leaves;
-    int made = 0;
-};
-
 TEST(HittingSetTree, AgreesWithThePlainListVersion) {
     unsigned const seed = 20261121;
     SCOPED_TRACE("seed " + std::to_string(seed));
@@ -198,19 +144,32 @@ TEST(HittingSetTree, AgreesWithThePlainListVersion) {
     for (int trial = 0; trial < 200; ++trial) {
         // Some trials need more than one word of suspects.
         int const suspects = trial % 4 == 0 ? 90 : 12;
-        Names names;
+        std::vector<std::vector<std::string>> const sets =
+            randomConflictSets(random, 6, {2, 4, suspects});
+        NamedSuspects names;
         HittingSetTree tree;
         ListTree twin;
-        for (int i = 0; i < 6; ++i) {
-            std::set<std::string> chosen;
-            std::size_t const size = 2 + random() % 3;
-            while (chosen.size() < size)
-                chosen.insert("i" + std::to_string(random() % static_cast<unsigned>(suspects)));
-            std::vector<std::string> const set(chosen.begin(), chosen.end());
+        for (auto const& set : sets) {
             tree.grow(names.set(set));
             twin.grow(set);
         }
-        ASSERT_EQ(textOf(tree.leaves()), twin.text()) << "trial " << trial;
+        ASSERT_EQ(textOf(tree.leaves()), textOf(twin)) << "trial " << trial;
+    }
+}
+
+// The sizes that the benchmark takes, as far as plain lists can follow.
+TEST(HittingSetTree, AgreesWithThePlainListVersionOnLargeTrees) {
+    for (int const suspects : {30, 50}) {
+        SCOPED_TRACE(std::to_string(suspects) + " suspects");
+        NamedSuspects names;
+        HittingSetTree tree;
+        ListTree twin;
+        for (auto const& set : benchmarkConflictSets(8, suspects)) {
+            tree.grow(names.set(set));
+            twin.grow(set);
+        }
+        EXPECT_GT(twin.leaves.size(), 500u) << "a tree worth comparing";
+        EXPECT_EQ(textOf(tree.leaves()), textOf(twin));
     }
 }
 
@@ -255,7 +214,7 @@ struct Outcome {
 };
 
 Outcome outcomeOf(std::vector<std::vector<std::string>> const& sets) {
-    Names names;
+    NamedSuspects names;
     HittingSetTree tree;
     for (auto const& set : sets)
         tree.grow(names.set(set));

@@ -21,7 +21,7 @@ protected:
         fast = speed->getAtomLinks()[1];
     }
 
-    Streams step(std::vector<Atom*> const& commands) {
+    Streams step(std::vector<Atom*> commands) {
         return streamsOf([&] {
             sMM->constructNextNominalStateLarge(model.traj.get(), commands, false, pending);
         });

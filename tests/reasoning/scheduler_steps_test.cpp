@@ -23,7 +23,7 @@ protected:
     }
 
     // Builds the next state from *commands*; answers both streams.
-    Streams step(std::vector<Atom*> const& commands, bool keepUnlocked = false) {
+    Streams step(std::vector<Atom*> commands, bool keepUnlocked = false) {
         return streamsOf([&] {
             sMM->constructNextNominalStateLarge(model.traj.get(), commands, keepUnlocked, pending);
         });

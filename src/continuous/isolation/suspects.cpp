@@ -52,8 +52,14 @@ Conflict* findConflict(Suspects const& suspects, Conflict const& conflict) {
     return nullptr;
 }
 
+std::string createConflictName(s_Influence const* influence, char const* name) {
+    return name != nullptr ? name : influence->cause->nom + "->" + influence->effect->nom;
+}
+
+// Required: an influence without a name keeps none, and stands as an empty one in the text.
 void makeUpConflict(s_Influence* influence, int delay, Suspects& conflicts) {
-    auto made = std::make_shared<Conflict>(Conflict{influence->nom, influence, delay});
+    auto made = std::make_shared<Conflict>(
+        Conflict{createConflictName(influence, influence->nom.c_str()), influence, delay});
     for (auto const& present : conflicts)
         if (compareAndUpdateConflicts(*present, *made))
             return;

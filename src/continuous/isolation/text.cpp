@@ -114,6 +114,13 @@ void sn_prepareDiag(s_runtime* rt) {
     }
 }
 
+int numLength(int number) {
+    int digits = 1;
+    while (number /= 10)
+        ++digits;
+    return digits;
+}
+
 void printHSTree(s_runtime* rt, std::vector<Leaf> const& leaves) {
     // Each condition is handed over once in one isolation.
     std::vector<s_Condition const*> existingConflicts;

@@ -8,7 +8,8 @@
 //
 // Which leaves there are, in which order and with which numbers, is fixed; how they are held is
 // not. Equal suspects get one small number each, a leaf keeps its suspects as a set of bits beside
-// their list, and touching, closing and exoneration are operations on words.
+// their list, and touching and counting are operations on words. A set may close many of thousands
+// of leaves, so the closing sets of one suspect stand in an index of their own.
 #include <algorithm>
 #include <bit>
 #include <cassert>
@@ -24,14 +25,6 @@ public:
     void add(int number) { word(static_cast<std::size_t>(number) / bits) |= mask(number); }
     bool holds(int number) const {
         return (wordAt(static_cast<std::size_t>(number) / bits) & mask(number)) != 0;
-    }
-    bool includes(SuspectBits const& other) const {
-        if ((other.first & ~first) != 0)
-            return false;
-        for (std::size_t i = 0; i < other.more.size(); ++i)
-            if ((other.more[i] & ~wordAt(i + 1)) != 0)
-                return false;
-        return true;
     }
     int countCommon(SuspectBits const& other) const {
         int count = std::popcount(first & other.first);
@@ -64,7 +57,7 @@ private:
 
 // A leaf: its suspects as positions in the table of suspects met so far, in order of adding.
 struct Branch {
-    int number;
+    int number = 0;
     std::vector<int> members;
     SuspectBits held;
 };
@@ -75,11 +68,52 @@ struct Met {
     int number;
 };
 
-// closeBranch: every suspect of some closer is in the leaf.
-bool closeBranch(SuspectBits const& leaf, std::vector<SuspectBits> const& closers) {
-    return std::any_of(closers.begin(), closers.end(),
-                       [&](SuspectBits const& closer) { return leaf.includes(closer); });
-}
+// Sets of suspect numbers, kept so that the question whether one of them lies within another set
+// need not look at each: a tree in which every path from the root is the ascending members of a
+// set. (I. Savnik, "Index data structure for fast subset and superset queries", 2013.)
+class ClosingSets {
+public:
+    bool empty() const { return nodes.empty(); }
+
+    void add(std::vector<int> members) {
+        std::sort(members.begin(), members.end());
+        if (nodes.empty())
+            nodes.emplace_back();
+        std::size_t at = 0;
+        for (int const member : members)
+            at = childOf(at, member);
+        nodes[at].ends = true;
+    }
+
+    // Whether a set closes the leaf that holds *leaf* and the suspect that all these sets share,
+    // and that is left out of them: every suspect of the set is in it.
+    bool closeBranch(SuspectBits const& leaf) const { return isWithin(leaf, 0); }
+
+private:
+    struct Node {
+        bool ends = false;                                  // a set ends here
+        std::vector<std::pair<int, std::size_t>> children;  // by suspect number
+    };
+
+    std::size_t childOf(std::size_t at, int member) {
+        for (auto const& [number, child] : nodes[at].children)
+            if (number == member)
+                return child;
+        nodes[at].children.emplace_back(member, nodes.size());
+        nodes.emplace_back();
+        return nodes.size() - 1;
+    }
+
+    bool isWithin(SuspectBits const& leaf, std::size_t at) const {
+        Node const& node = nodes[at];
+        return node.ends ||
+               std::any_of(node.children.begin(), node.children.end(), [&](auto const& child) {
+                   return leaf.holds(child.first) && isWithin(leaf, child.second);
+               });
+    }
+
+    std::vector<Node> nodes;  // the root first
+};
 
 // The plain, not stable version: what it leaves of equal elements' order is part of the result.
 template <typename T, typename Less>
@@ -126,9 +160,19 @@ struct HittingSetTree::Implementation {
         return start;
     }
 
-    Branch extend(Branch const* from, int member) {
-        Branch extended = from != nullptr ? *from : Branch{};
-        extended.number = ++nbLeaves;
+    // The suspects of a branch by number, but for one of them.
+    std::vector<int> numbersWithout(Branch const& branch, int left) const {
+        std::vector<int> numbers;
+        for (int const member : branch.members)
+            if (int const number = met[static_cast<std::size_t>(member)].number; number != left)
+                numbers.push_back(number);
+        return numbers;
+    }
+
+    Branch extend(Branch const& from, int member, int number) const {
+        Branch extended{number, {}, from.held};
+        extended.members.reserve(from.members.size() + 1);
+        extended.members = from.members;
         extended.members.push_back(member);
         extended.held.add(met[static_cast<std::size_t>(member)].number);
         return extended;
@@ -153,30 +197,34 @@ void HittingSetTree::grow(Suspects const& conflictSet) {
     for (std::size_t i = 0; i < width; ++i)
         set.add(numberAt(i));
     std::vector<Branch> grown;
-    std::vector<std::vector<Branch>> open(width);
-    std::vector<std::vector<SuspectBits>> closing(width);
-    auto const split = [&](Branch const* branch) {
-        for (std::size_t i = 0; i < width; ++i)
-            open[i].push_back(tree.extend(branch, start + static_cast<int>(i)));
+    // The branches to be split, each with the last number given before its leaves got theirs: most
+    // leaves of a large tree are closed at once, and never made.
+    std::vector<std::pair<Branch const*, int>> open;
+    std::vector<ClosingSets> closing(width);
+    auto const split = [&](Branch const& branch) {
+        open.emplace_back(&branch, tree.nbLeaves);
+        tree.nbLeaves += static_cast<int>(width);
     };
+    Branch const root{};
     if (tree.branches.empty() && tree.nbLeaves == 0)
-        split(nullptr);
+        split(root);
     for (Branch& branch : tree.branches) {
         int const common = branch.held.countCommon(set);
         if (common == 0) {
-            split(&branch);
+            split(branch);
             continue;
         }
         if (common == 1)
             for (std::size_t i = 0; i < width; ++i)
                 if (branch.held.holds(numberAt(i)))
-                    closing[i].push_back(branch.held);
+                    closing[i].add(tree.numbersWithout(branch, numberAt(i)));
         grown.push_back(std::move(branch));
     }
     for (std::size_t i = 0; i < width; ++i)
-        for (Branch& branch : open[i])
-            if (closing[i].empty() || !closeBranch(branch.held, closing[i]))
-                grown.push_back(std::move(branch));
+        for (auto const& [branch, before] : open)
+            if (closing[i].empty() || !closing[i].closeBranch(branch->held))
+                grown.push_back(tree.extend(*branch, start + static_cast<int>(i),
+                                            before + static_cast<int>(i) + 1));
     tree.branches = std::move(grown);
 }
 

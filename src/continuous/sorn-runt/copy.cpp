@@ -58,11 +58,14 @@ void copyScalars(s_runtime const& from, s_runtime& to) {
 
 void copyVariables(s_runtime const& from, s_runtime& to) {
     clonePool(from.dico, to.dico);
-    for (auto const& variable : to.dico)
-        // Required: the misbehaviour history of a well-behaved measure is dropped by a copy. That
-        // of a misbehaving one has a place for each cycle of the window, whatever the source had.
-        variable->misbHisto.resize(
-            variable->mesmisb ? static_cast<std::size_t>(std::max(from.misbWindow, 0)) : 0);
+    for (auto const& variable : to.dico) {
+        // Required: of a misbehaviour history a copy keeps the newest entry, and that only of a
+        // measure that misbehaves. There is a place for each cycle of the window all the same.
+        bool const kept = variable->mesmisb != 0;
+        variable->misbHisto.resize(kept ? 1 : 0, 0);
+        if (kept)
+            variable->misbHisto.resize(static_cast<std::size_t>(std::max(from.misbWindow, 0)), 0);
+    }
     to.input = counterparts(to.dico, from.input);
     to.display = counterparts(to.dico, from.display);
     to.measure = counterparts(to.dico, from.measure);

@@ -86,8 +86,10 @@ void Scheduler::run2() {
         announceStep(event);
         if (event.isCommand)
             commandStep(event, pending);
-        else if (!observationStep(event))
-            return;
+        else if (tracked_traj.empty())
+            skipObservations();
+        else
+            observationStep(event);
         scenario.erase(time);
         // The line stands for the step, also where a transition has scheduled a command for it.
         auto& following = scenario[time + 1];
@@ -99,10 +101,12 @@ void Scheduler::commandStep(scenarEvent const& event, PendingTransitions& pendin
     ++time;
     ElapsedTime const elapsed;
     double sum = 0.0;
+    // Required: one list for all histories, to which each adds the commands that still run.
+    std::vector<Atom*> commands = event.atoms;
     for (auto const& entry : tracked_traj) {
         Trajectory* traj = entry.second.get();
         int const before = traj->getCurrentTime();
-        constructNextNominalStateLarge(traj, event.atoms, false, pending);
+        constructNextNominalStateLarge(traj, commands, false, pending);
         if (traj->getCurrentTime() == before)
             syncPreviousState(traj);
         if (State const* state = traj->getState(time)) {
@@ -155,8 +159,7 @@ void Scheduler::keepSurvivors(TrajectoryMap survivors, double sum) {
     }
 }
 
-// False when no history explains the observations: the run cannot go on.
-bool Scheduler::observationStep(scenarEvent const& event) {
+void Scheduler::observationStep(scenarEvent const& event) {
     ElapsedTime const elapsed;
     Observations const observations = allTrue(event.atoms);
     Trajectory const* first = tracked_traj.begin()->second.get();
@@ -164,17 +167,27 @@ bool Scheduler::observationStep(scenarEvent const& event) {
     double sum = 0.0;
     TrajectoryMap survivors = explainedBy(observations, elapsed, sum);
     bool const diagnosing = survivors.empty();
-    if (!diagnosing) {
+    if (!diagnosing)
         keepSurvivors(std::move(survivors), sum);
-    } else {
-        std::cerr << "---------> Diagnosing...\n";
-        double const highest = copy->rank + rankMargin;
-        tracked_traj = coverTrack3(std::move(copy), bound + 1.0, highest, observations, bound);
-    }
+    else
+        diagnose(*copy, observations);
     addBmkEntry(time, elapsed.report(""), diagnosing, static_cast<unsigned>(tracked_traj.size()));
     ++time;
     if (tracked_traj.empty())
-        std::cerr << "no history explains the observations of step " << time
-                  << ": the run ends here\n";
-    return !tracked_traj.empty();
+        std::cerr << "no history explains the observations of step " << time << "\n";
+}
+
+// Required: the search works on a copy of the copy. Every copy turns around the order of elements
+// that share a bucket of their table, and the search meets them in that order.
+void Scheduler::diagnose(Trajectory const& refuted, Observations const& observations) {
+    std::cerr << "---------> Diagnosing...\n";
+    auto copy = std::make_unique<Trajectory>(&refuted, refuted.getCurrentTime() + 1);
+    double const highest = copy->rank + rankMargin;
+    tracked_traj = coverTrack3(std::move(copy), bound + 1.0, highest, observations, bound);
+}
+
+// Once nothing is tracked, the steps go on without a candidate.
+void Scheduler::skipObservations() {
+    ++time;
+    std::cerr << "no history is left to observe at step " << time << "\n";
 }

@@ -37,7 +37,7 @@ std::unique_ptr<ItmsRes> firstOf(ItmsResults& results) {
 struct Scheduler::NominalStep {
     Trajectory* traj;
     int t;
-    std::vector<Atom*> commands;
+    std::vector<Atom*>& commands;
     bool keepUnlocked;
     PendingTransitions& pending;
     std::unique_ptr<State> next;
@@ -47,10 +47,10 @@ struct Scheduler::NominalStep {
     State* current() const { return traj->getState(t); }
 };
 
-void Scheduler::constructNextNominalStateLarge(Trajectory* traj, std::vector<Atom*> commands,
+void Scheduler::constructNextNominalStateLarge(Trajectory* traj, std::vector<Atom*>& commands,
                                                bool keepUnlocked, PendingTransitions& pending) {
     int const t = traj->getCurrentTime();
-    NominalStep step{traj, t, std::move(commands), keepUnlocked, pending, nullptr, nullptr, {}};
+    NominalStep step{traj, t, commands, keepUnlocked, pending, nullptr, nullptr, {}};
     traj->addState(t + 1, std::make_unique<State>());
     step.next = traj->takeState(t + 1);
     states_cover[t + 1] = 0.0;
@@ -318,7 +318,7 @@ void Scheduler::doCycle(Trajectory* traj, s_runtime* rt, double when) {
         syncPreviousState(traj);
         addContEvents(traj);
     }
-    std::vector<Atom*> const commands = commandsAt(when, traj);
+    std::vector<Atom*> commands = commandsAt(when, traj);
     if (!commands.empty()) {
         syncPreviousState(traj);
         for (Atom const* command : commands)
