@@ -1,10 +1,6 @@
 // The reference room, started and followed for some steps, for benchmarks to work on.
 #pragma once
 
-#include <fcntl.h>
-#include <unistd.h>
-
-#include <cstdio>
 #include <memory>
 
 #include "console/console.h"
@@ -12,36 +8,7 @@
 #include "hybrid/tavro-runt.h"
 #include "reasoning/Scheduler.h"
 #include "reasoning/compiled_model.h"
-
-// Sends both standard streams to the null device for its lifetime: the engine's traces would drown
-// the results.
-class Silence {
-public:
-    Silence() : out(swap(STDOUT_FILENO)), err(swap(STDERR_FILENO)) {}
-    ~Silence() {
-        restore(STDOUT_FILENO, out);
-        restore(STDERR_FILENO, err);
-    }
-    Silence(Silence const&) = delete;
-    Silence& operator=(Silence const&) = delete;
-
-private:
-    static int swap(int descriptor) {
-        std::fflush(nullptr);
-        int const kept = dup(descriptor);
-        int const null = open("/dev/null", O_WRONLY);
-        dup2(null, descriptor);
-        close(null);
-        return kept;
-    }
-    static void restore(int descriptor, int kept) {
-        std::fflush(nullptr);
-        dup2(kept, descriptor);
-        close(kept);
-    }
-
-    int out, err;
-};
+#include "silence.h"
 
 // The rate of change that the model itself would show in the middle of its bounds, while heating.
 class RoomBench {

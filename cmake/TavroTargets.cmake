@@ -4,7 +4,8 @@
 #   tavro_model()                 the library of a compiled model, a folder of src/generated/
 #   tavro_executive(name model)   a console executable around one compiled model
 #   tavro_tests(LINK ...)         the test executable of the current folder of tests/
-#   tavro_benchmarks()            the benchmark executable of the current folder of bench/
+#   tavro_benchmarks(LINK ...)    the benchmark executable of the current folder of bench/, with the
+#                                 reference model unless told otherwise
 #
 # An include path is only as wide as the declared dependencies: each library exposes one private
 # directory that holds a single link, named after its folder, to its sources. So
@@ -80,11 +81,16 @@ function(tavro_tests)
 endfunction()
 
 function(tavro_benchmarks)
+  cmake_parse_arguments(ARG "" "" "LINK" ${ARGN})
+  if(NOT ARG_LINK)
+    set(ARG_LINK tavro_therm ${TAVRO_ENGINE})
+  endif()
   tavro_folder_name(folder)
   file(GLOB sources CONFIGURE_DEPENDS ${CMAKE_CURRENT_SOURCE_DIR}/*_bench.cpp)
   add_executable(bench_${folder} ${sources})
-  target_include_directories(bench_${folder} PRIVATE ${CMAKE_SOURCE_DIR}/bench)
-  tavro_link_engine(bench_${folder} tavro_therm ${TAVRO_ENGINE})
+  # A benchmark may set what the engine does beside the plain version that the tests keep.
+  target_include_directories(bench_${folder} PRIVATE ${CMAKE_SOURCE_DIR}/bench ${CMAKE_SOURCE_DIR}/tests)
+  tavro_link_engine(bench_${folder} ${ARG_LINK})
   target_link_libraries(bench_${folder} PRIVATE benchmark::benchmark_main)
   set_target_properties(bench_${folder} PROPERTIES RUNTIME_OUTPUT_DIRECTORY ${CMAKE_BINARY_DIR}/bench)
 endfunction()

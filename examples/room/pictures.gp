@@ -81,7 +81,8 @@ set rmargin 4
 do for [i = 1 : words(events)] {
   set arrow from first word(events, i), graph 0 to first word(events, i), graph 1 \
     nohead front lw 1.5 dt 3 lc rgb EVENT
-  set label word(labels, i) at first word(events, i), graph 0.97 \
+  # In two rows, since events may lie close together.
+  set label word(labels, i) at first word(events, i), graph 0.97 - 0.05 * ((i - 1) % 2) \
     offset 0.6, 0 front textcolor rgb EVENT
 }
 

@@ -1,5 +1,6 @@
 // From the misbehaving measures of a cycle to the text of their diagnoses.
 #include <algorithm>
+#include <cassert>
 
 #include "continuous/isolation.h"
 #include "continuous/sorn-runt.h"
@@ -22,7 +23,9 @@ struct Case {
     std::vector<MeasureConflicts> normalVars;
 };
 
+// With a memory of known misbehaviours, faultIsolationSetup has made a place for each measure.
 Case sortMeasures(s_runtime* rt, bool incremental) {
+    assert(rt->isoMode != 0 || rt->knownMisb.size() == rt->measure.size());
     Case sorted;
     for (s_Variable* measure : rt->measure) {
         if (!measure->mesmisb) {
@@ -148,8 +151,6 @@ void finishRuntime(s_runtime* model, s_runtime* rt, int mode, int threshold) {
     if (rt->globalOn)
         sn_globalConstraints(rt);
     sn_yieldDisplays(rt);
-    if (mode == CYCLE_RESET)
-        sn_resetMs(rt);
     if (mode <= CYCLE_RESET)
         return;
     sn_checkMs(rt, threshold);
@@ -171,6 +172,8 @@ int sorn_doCycle(s_runtime* rt, int mode, int threshold) {
     bool const invalid = sn_yieldMRTConds(rt) == 2;
     for (auto const& entry : nrt)
         finishRuntime(rt, entry.second, mode, threshold);
+    if (mode == CYCLE_RESET)
+        sn_resetMs(rt);
     return invalid ? -1 : failures;
 }
 

@@ -70,8 +70,9 @@ namespace {
 
 // What lies behind the history counts as inactive.
 bool wasActive(s_Influence const* influence, int delay) {
+    auto const entry = static_cast<std::size_t>(delay);
     return delay >= 0 && delay < std::max(influence->condHistoLn, 1) &&
-           influence->condHisto[static_cast<std::size_t>(delay)] != 0;
+           entry < influence->condHisto.size() && influence->condHisto[entry] != 0;
 }
 
 // A range counts as zero only if both its bounds are.

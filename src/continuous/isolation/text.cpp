@@ -1,6 +1,7 @@
 // The text of a diagnosis: a pair of square brackets a leaf, a pair of curly ones a suspect, with
 // the influence's name, its delay and its condition, as in [{T1.i1,0,((thermostat.mode=on))}].
 #include <algorithm>
+#include <cassert>
 #include <cstdarg>
 #include <cstdio>
 
@@ -167,6 +168,7 @@ void sn_printDiagExpr(s_runtime* rt, s_Expr const* expr) {
     } else {
         append(rt, "(");
         sn_printDiagExpr(rt, expr->left);
+        assert(expr->op >= EXPR_ADD && expr->op < EXPR_ADD + 5);
         append(rt, ")%s(", operators[expr->op - EXPR_ADD]);
         sn_printDiagExpr(rt, expr->right);
         append(rt, ")");

@@ -3,8 +3,9 @@
 // A new conflict set S meets every leaf. A leaf that already holds a suspect of S stays. Any other
 // is replaced by one leaf for each suspect of S. Branches are closed by this engine's own rule: a
 // new leaf that ends in suspect c is dropped when it holds every suspect of some leaf that stayed
-// because of c alone. Leaves that stayed because of several suspects close nothing, and new leaves
-// are not compared with each other, so a result may hold leaves that are not minimal.
+// because of c alone. That is enough: the leaves are the minimal hitting sets. A leaf that stayed
+// and lies within a new one can hit S through c alone, and of two new leaves the one can lie within
+// the other only if their parents did.
 //
 // Which leaves there are, in which order and with which numbers, is fixed; how they are held is
 // not. Equal suspects get one small number each, a leaf keeps its suspects as a set of bits beside

@@ -26,6 +26,7 @@ void Scheduler::raz() {
     tracked_traj.clear();
     contEvents.clear();
     contCommands.clear();
+    bound = 0.0;
     initSchD();
 }
 
