@@ -154,12 +154,14 @@ TEST_F(CommandEvents, EventsThatNoStepMetAreTold) {
 // What one run left must not act in the next.
 TEST_F(CommandEvents, AResetForgetsTimeEventsAndTrajectories) {
     sMM->time = 4;
+    sMM->bound = 2.0;  // a search of the earlier run came to two failures
     sMM->addCommandEvent(model.open, 3);
     sMM->contCommands.push_back(model.isOpen);
     sMM->contEvents.insert({true, model.isOpen});
     DataManager::tracked_traj.emplace(1.0, std::make_unique<Trajectory>());
     sMM->raz();
     EXPECT_EQ(sMM->time, 0);
+    EXPECT_EQ(sMM->bound, 0.0);
     EXPECT_TRUE(sMM->scenario.empty());
     EXPECT_TRUE(sMM->contCommands.empty());
     EXPECT_TRUE(sMM->contEvents.empty());

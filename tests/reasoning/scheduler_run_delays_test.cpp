@@ -1,0 +1,72 @@
+// The discrete run over transitions whose effects come at delays.
+#include "reasoning/scheduler_fixture.h"
+
+using namespace scheduler_fixture;
+
+namespace {
+
+// A pump whose start takes effect at once, and starts a fan a step later. The command of its guard
+// is asserted as long as the transition runs: two effects, so up to step 2.
+class DelayedRun : public testing::Test {
+protected:
+    DelayedRun() {
+        Comp* pump = model.comp("pump");
+        auto* cmd = model.variable<CommandVar>(pump, "cmd", {"none", "go"});
+        auto* mode = model.variable<ModeVar>(pump, "mode", {"off", "on"});
+        Comp* fan = model.comp("fan");
+        auto* fanCmd = model.variable<CommandVar>(fan, "cmd", {"none", "go"});
+        starts = HandModel::delayed(
+            pump, {{true, cmd->getAtomLinks()[1]}, {true, mode->getAtomLinks()[0]}},
+            {{1, {{true, mode->getAtomLinks()[1]}}}, {2, {{true, fanCmd->getAtomLinks()[1]}}}});
+        model.start();
+        traj = model.traj.get();
+        DataManager::tracked_traj.clear();
+        DataManager::tracked_traj.emplace(1.0, std::move(model.traj));
+    }
+
+    static Streams run(std::string const& lines) {
+        TextFile const file(lines);
+        return streamsOf([&] { sMM->runSchD(file.path); });
+    }
+    // Whether the state of step *t* itself holds the atom as true.
+    bool holds(char const* id, int t) const {
+        TrajEl const* element = traj->getState(t)->getElt(id);
+        return element != nullptr && element->evalTrajEl();
+    }
+
+    HandModel model;
+    Transition* starts = nullptr;
+    Trajectory* traj = nullptr;
+};
+
+TEST_F(DelayedRun, TheCommandIsAssertedUntilTheTransitionEnds) {
+    Streams const told =
+        run("Command pump.cmd=go\nCommand fan.cmd=none\nCommand fan.cmd=none\n"
+            "Command fan.cmd=none\n");
+    ASSERT_EQ(traj->getCurrentTime(), 4);
+    for (int t : {0, 1, 2}) {
+        EXPECT_TRUE(holds("pump.cmd=go", t)) << t;
+        EXPECT_EQ(traj->getState(t)->getElt("pump.cmd=go")->lock, LOCK_TRUE_PERM) << t;
+    }
+    EXPECT_FALSE(holds("pump.cmd=go", 3));
+    std::string const shown = streamsOf([this] { starts->showTransition(); }).out;
+    std::size_t const at = told.out.find(shown);
+    EXPECT_NE(at, std::string::npos);
+    EXPECT_EQ(told.out.find(shown, at + 1), std::string::npos);
+}
+
+// The next line is stored for its step, and what a transition had scheduled for that step is lost.
+TEST_F(DelayedRun, ALineTakesTheStepOfAScheduledCommand) {
+    Streams const told = run("Command pump.cmd=go\nCommand fan.cmd=none\n");
+    EXPECT_TRUE(holds("fan.cmd=none", 1));
+    EXPECT_FALSE(holds("fan.cmd=go", 1));
+    EXPECT_NE(told.err.find("Time : 2\nFrom scenario:\nfan.cmd=none \n"), std::string::npos);
+}
+
+TEST_F(DelayedRun, SoDoesTheEndOfTheScenario) {
+    Streams const told = run("Command pump.cmd=go\n");
+    EXPECT_EQ(told.err.find("Time : 2"), std::string::npos);
+    EXPECT_EQ(sMM->time, 1);
+}
+
+}  // namespace

@@ -1,0 +1,70 @@
+// What the tests of the search share: silent streams, a first history, and scenarios given as text.
+#pragma once
+
+#include <iostream>
+#include <memory>
+#include <sstream>
+#include <streambuf>
+#include <string>
+
+#include "reasoning/Scheduler.h"
+#include "reasoning/scheduler_fixture.h"
+
+namespace search_fixture {
+
+// While it lives, the error stream goes into a buffer and standard output nowhere.
+class Redirected {
+public:
+    explicit Redirected(std::streambuf* errors) : before(std::cerr.rdbuf(errors)) {
+        std::cout.setstate(std::ios::failbit);
+    }
+    ~Redirected() {
+        std::cout.clear();
+        std::cerr.rdbuf(before);
+    }
+    Redirected(Redirected const&) = delete;
+
+private:
+    std::streambuf* before;
+};
+
+class QuietStreams {
+public:
+    std::ostringstream errors;
+
+private:
+    Redirected redirected{errors.rdbuf()};
+};
+
+// A scheduler, which the model is built in and which then follows a history. One at a time: the
+// registry of the model is one for the process.
+class Engine {
+public:
+    explicit Engine(char const* model) : scheduler(std::make_unique<Scheduler>(model)) {
+        sMM = scheduler.get();
+        DataManager::states_cover.clear();
+        DataManager::traj_cover = 0.0;
+    }
+    ~Engine() {
+        sMM = nullptr;
+        scheduler.reset();
+        discretemdl = false;
+    }
+    Engine(Engine const&) = delete;
+
+    // Once the model is built: tracks one history, of the model's start.
+    void start() {
+        scheduler->rtInit();
+        auto first = std::make_unique<Trajectory>(&DataManager::active_atoms);
+        for (auto const& entry : DataManager::active_comps)
+            first->getState(0)->comps[entry.second->getName()] = entry.second;
+        DataManager::tracked_traj.emplace(1.0, std::move(first));
+    }
+    void run(std::string const& lines) {
+        scheduler->runSchD(scheduler_fixture::TextFile(lines).path);
+    }
+
+    std::unique_ptr<Scheduler> scheduler;
+};
+
+}  // namespace search_fixture
