@@ -6,6 +6,7 @@
 // thermostat.mode=off 129, room.mode=open 153, closed 159, unknown 178.
 #include "fixtures/graph_files.h"
 #include "hybrid/hybrid_fixture.h"
+#include "trajectory/model_tools.h"
 
 namespace {
 
@@ -91,6 +92,28 @@ TEST_F(CandidateGraphs, TheyCanBeDrawn) {
     streamsOf([&] { graphTrajs(map); });
     EXPECT_NE(GraphFiles::drawing("htraj0.dot").find("<title>room_closed0</title>"),
               std::string::npos);
+}
+
+// The moves of a component, by the names that scenarios and messages use.
+TEST_F(CandidateGraphs, TheComponentsOfTheRoomCanBeDrawn) {
+    if (!GraphFiles::canDraw())
+        GTEST_SKIP() << "dot is missing";
+    struct Drawn {
+        char const* component;
+        char const* move;
+        char const* label;
+    };
+    Drawn const all[] = {
+        {"thermostat", "on&#45;&gt;stuck_on", "(0.01)"},
+        {"room", "closed&#45;&gt;open", "open (0.99)"},
+    };
+    for (Drawn const& drawn : all) {
+        streamsOf([&] { toDot(DataManager::getComp(drawn.component)); });
+        std::string const picture = GraphFiles::drawing(std::string(drawn.component) + ".dot");
+        EXPECT_NE(picture.find("<title>" + std::string(drawn.move) + "</title>"),
+                  std::string::npos);
+        EXPECT_NE(picture.find(drawn.label), std::string::npos) << picture;
+    }
 }
 
 }  // namespace
