@@ -1,10 +1,15 @@
 # Joins a measure file and the display file of a run into one table, for pictures.gp to draw.
 #
-# Usage: awk -f pictures.awk obs/NAME.obs disp/NAME.disp
+# Usage: awk [-v per=candidate] -f pictures.awk obs/NAME.obs disp/NAME.disp
 #
 # One line per step, with the same number of columns in all lines:
 #
 #   step  measure  true temperature  outside  xd low  xd high  x low  x high  (again per candidate)
+#
+# With per=candidate the bounds alone, one candidate below the other with a blank line between, so
+# that all bands can be drawn as one:
+#
+#   step  xd low  xd high  x low  x high
 #
 # The true temperature comes from the comment of the measure line. outside is 1 where the measure
 # lies beyond the bounds of room.xd of every candidate, else 0. What is not known is NaN.
@@ -43,8 +48,11 @@ END {
   if (rows < 2)
     rows = width = 0
   steps = rows > 0 ? rows : measures
-  for (step = 0; step < steps; step++)
-    write(step)
+  if (per == "candidate")
+    write_candidates()
+  else
+    for (step = 0; step < steps; step++)
+      write(step)
 }
 
 function whole() {
@@ -57,6 +65,21 @@ function write(step,   bound, i) {
   for (i = 1; i <= width; i++)
     printf " %s", bound[number(step, i)]
   printf "\n"
+}
+
+# Each line is split once, so what a candidate gets is gathered over all steps.
+function write_candidates(   lines, bound, c, i, step) {
+  for (step = 0; step < steps; step++) {
+    split(bounds[step], bound)
+    for (c = 0; c < width / EACH; c++) {
+      lines[c] = lines[c] step
+      for (i = 1; i <= EACH; i++)
+        lines[c] = lines[c] " " bound[number(step, c * EACH + i)]
+      lines[c] = lines[c] "\n"
+    }
+  }
+  for (c = 0; c < width / EACH; c++)
+    printf "%s\n", lines[c]
 }
 
 # Where the line of a step has the number that column i of the later lines goes on from.

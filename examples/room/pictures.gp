@@ -33,13 +33,17 @@ do for [file in measures_file.' '.display_file] {
   }
 }
 
+table(options) = system('LC_ALL=C awk '.options.' -f pictures.awk '.measures_file.' '.display_file)
 set print $steps
-print system('LC_ALL=C awk -f pictures.awk '.measures_file.' '.display_file)
+print table('')
+set print $candidates
+print table('-v per=candidate')
 set print
 
 stats $steps using 1 nooutput
 last = STATS_max
 candidates = (STATS_columns - 4) / 4
+any_candidate = candidates > 0 ? 1 : 0
 
 if (strstrt(GPVAL_TERMINALS, 'pngcairo') > 0) {
   set terminal pngcairo size 1200, 620 font 'Sans,12' noenhanced
@@ -57,8 +61,8 @@ edge_opacity(n) = n > 10 ? 0.1 : 0.5
 veil(colour, a) = int(255 * (1 - a)) * 0x1000000 + colour
 # A bound can be as large as a number gets, which no axis can map: beyond 1000 all are alike.
 fence(v) = v > 1000 ? 1000 : v < -1000 ? -1000 : v
-low(variable, c) = fence(column(5 + 4 * c + 2 * variable))
-high(variable, c) = fence(column(6 + 4 * c + 2 * variable))
+low(variable) = fence(column(2 + 2 * variable))
+high(variable) = fence(column(3 + 2 * variable))
 only_if(flag, v) = flag ? v : NaN
 
 band = veil(BAND, band_opacity(candidates))
@@ -90,11 +94,11 @@ set output 'plots/'.name.'_xd.'.suffix
 set ylabel 'rate of change room.xd (degrees per step)'
 set yrange [-1.5 : 1.5]
 plot \
-  for [c = 0 : candidates - 1] $steps using 1:(low(0, c)):(high(0, c)) \
+  for [i = 1 : any_candidate] $candidates using 1:(low(0)):(high(0)) \
     with filledcurves fc rgb band notitle, \
-  for [c = 0 : candidates - 1] $steps using 1:(low(0, c)) \
+  for [i = 1 : any_candidate] $candidates using 1:(low(0)) \
     with lines lw 1 lc rgb edge notitle, \
-  for [c = 0 : candidates - 1] $steps using 1:(high(0, c)) \
+  for [i = 1 : any_candidate] $candidates using 1:(high(0)) \
     with lines lw 1 lc rgb edge notitle, \
   keyentry with filledcurves fc rgb veil(BAND, 0.67) title bounds_key, \
   $steps using 1:(only_if($4 == 0, $2)) with points pt 7 ps 0.6 lc rgb 'black' title 'measure', \
@@ -108,11 +112,11 @@ set ylabel 'temperature room.x (degrees)'
 set yrange [0 : 30]
 set ytics add (10, 17)
 plot \
-  for [c = 0 : candidates - 1] $steps using 1:(low(1, c)):(high(1, c)) \
+  for [i = 1 : any_candidate] $candidates using 1:(low(1)):(high(1)) \
     with filledcurves fc rgb band notitle, \
-  for [c = 0 : candidates - 1] $steps using 1:(low(1, c)) \
+  for [i = 1 : any_candidate] $candidates using 1:(low(1)) \
     with lines lw 1 lc rgb edge notitle, \
-  for [c = 0 : candidates - 1] $steps using 1:(high(1, c)) \
+  for [i = 1 : any_candidate] $candidates using 1:(high(1)) \
     with lines lw 1 lc rgb edge notitle, \
   keyentry with filledcurves fc rgb veil(BAND, 0.67) title bounds_key, \
   10 with lines lw 1.2 dt 2 lc rgb GREY title 'thresholds 10 and 17', \
