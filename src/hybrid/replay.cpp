@@ -55,6 +55,9 @@ void replay(hybTrajectory const& candidate, int faultStep, double time, int thre
             std::fprintf(stderr, "Tavro recursive cycle failed!\n");
     }
     for (auto& entry : replayed) {
+        // Each step clears the bridge. A fault of the present has none, and its mode change, which
+        // the runtime has taken already, must not be taken again by the next cycle.
+        clearRunTime(entry.second->rt.get());
         double const key = entry.second->traj->rank;
         result.emplace(key, std::move(entry.second));
     }

@@ -31,11 +31,18 @@ State::State(string_map<Atom*> const* atoms) : locked(true) {
     }
     for (auto const& entry : elts) {
         Transition* idle = entry.second->atom->idleTrans;
-        if (idle == nullptr || !evalStateFormula(idle->pre.get(), this))
+        Comp* comp = entry.second->atom->getVarComp();
+        if (idle == nullptr)
+            continue;
+        if (!idle->pre || comp == nullptr) {
+            std::cerr << "the idle transition of " << entry.second->getId()
+                      << " has no guard or no component\n";
+            continue;
+        }
+        if (!evalStateFormula(idle->pre.get(), this))
             continue;
         entry.second->prevTrans = idle;
         ++prevTransCount;
-        Comp* comp = entry.second->atom->getVarComp();
         comps[comp->getName()] = comp;
     }
     computePrevTransProb();

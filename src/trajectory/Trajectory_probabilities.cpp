@@ -1,4 +1,5 @@
 // Times, probabilities and covers of a trajectory.
+#include <cassert>
 #include <set>
 
 #include "model/Transitionrt.h"
@@ -38,6 +39,7 @@ void Trajectory::computeStateProb(int t) {
     if (t == 0)
         return;
     State* state = getState(t);
+    assert(state != nullptr);
     state->computePrevTransProb();
     if (State const* before = getState(t - 1))
         state->proba = state->obsProb * state->prevTransProb * before->proba;

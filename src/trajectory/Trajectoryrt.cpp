@@ -162,6 +162,7 @@ TrajEl* Trajectory::getElt(char const* id, int t, int offset, int& found) const 
 
 void Trajectory::insertElt(TrajEl* element, int t, bool recurse) {
     State* state = getState(t);
+    assert(state != nullptr);
     state->addElt(element, false);
     // Required: the source, not the copy, takes the idle transition.
     if (element->getVarType() == typeMode && element->evalTrajEl())
@@ -174,6 +175,8 @@ void Trajectory::insertElt(TrajEl* element, int t, bool recurse) {
 }
 
 int Trajectory::getNext(StateVar const* variable, int t) const {
+    if (variable == nullptr || variable->getAtomLinks().empty())
+        return 0;  // of a transition without a mode
     char const* id = variable->getAtomLinks().front()->getId();
     for (int u = t + 1; u <= currentTime; ++u)
         if (getElt(u, id) != nullptr)

@@ -178,9 +178,8 @@ TEST(TwoOutcomes, AreSearchedFor) {
 
 // ---- What the search cannot see ----
 
-// A failure without a command is taken once in a search, at the newest step that it fits. A pump
-// that must have died before the newest step, since it could not work in it, is not explained by
-// that.
+// A failure without a command is taken once in a search, at the newest step that it fits: that the
+// pump died a step earlier, and was dead in the newest, is not found beside it.
 class LatePump : public Pump {
 protected:
     // A third step, in which the pump goes on.

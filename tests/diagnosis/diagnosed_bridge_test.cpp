@@ -1,5 +1,5 @@
-// From the conditions of suspects to the sets of atoms that they accuse, and from a diagnosed
-// history back to the conditions and transitions of a runtime.
+// From a diagnosed history back over the bridge: its transitions and its conditions, in a runtime
+// that was moved back to the fault.
 #include "continuous/bridge.h"
 #include "continuous/model_parts.h"
 #include "diagnosis/fault_run.h"

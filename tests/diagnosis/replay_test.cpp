@@ -140,6 +140,9 @@ TEST_F(Warming, AFaultOfThePresentIsFollowedByNoStep) {
     happenedAt({0.0, 0.0, 5.0});
     verify();
     EXPECT_EQ(rewritten(), std::vector<int>{5});
+    // The next cycle must not take the failure for a new change of mode.
+    EXPECT_TRUE(rt()->bridgeTrans.empty());
+    EXPECT_TRUE(rt()->bridgeConds.empty());
 }
 
 // Time 0 has no row, and the bounds of the start stand in the file already.

@@ -1,7 +1,11 @@
 // The engine's form of a case, its runs, and the histories that it tells.
 #include "search/engine_model_fixture.h"
 
+#include <gtest/gtest.h>
+
+#include <algorithm>
 #include <cstdio>
+#include <sstream>
 
 #include "model/CommandVar.h"
 #include "model/ModeVarrt.h"
@@ -184,22 +188,30 @@ bool EngineModel::hasSearched() const {
     return trace.find("---------> Diagnosing...\n") != std::string::npos;
 }
 
-// The text that the search writes when it chooses a transition and then leaves it out.
-bool EngineModel::wasLeftOutWithinRank(int component, int move) const {
-    Transition const* transition = built[at(component)].transitions[at(move)];
-    std::string const chosen = "transition chosen : \n" + std::to_string(transition->id) + " ";
-    std::string const leftOut = "out of rank !\ncurrent rank : ";
-    for (std::size_t found = trace.find(chosen); found != std::string::npos;
-         found = trace.find(chosen, found + 1)) {
-        std::size_t const next = trace.find('\n', found + chosen.size()) + 1;
+// The search tells a transition that it chooses, then that it leaves it out.
+std::set<MoveOf> EngineModel::leftOutWithinRank() const {
+    std::set<MoveOf> leftOut;
+    std::istringstream lines(trace);
+    std::string line, before;
+    int chosen = -1;  // the id told last
+    for (; std::getline(lines, line); before = line) {
+        if (before.ends_with("transition chosen : "))
+            chosen = std::stoi(line);
         double current = 0.0, rank = 0.0;
-        if (trace.compare(next, leftOut.size(), leftOut) == 0 &&
-            std::sscanf(trace.c_str() + next, "out of rank !\ncurrent rank : %lf -- rank : %lf",
-                        &current, &rank) == 2 &&
+        if (std::sscanf(line.c_str(), "current rank : %lf -- rank : %lf", &current, &rank) == 2 &&
             current + 1.0 <= rank)
-            return true;
+            leftOut.insert(moveOf(chosen));
     }
-    return false;
+    return leftOut;
+}
+
+MoveOf EngineModel::moveOf(int id) const {
+    for (std::size_t i = 0; i < built.size(); ++i)
+        for (std::size_t move = 0; move < built[i].transitions.size(); ++move)
+            if (built[i].transitions[move]->id == id)
+                return {static_cast<int>(i), static_cast<int>(move)};
+    ADD_FAILURE() << "no transition " << id;
+    return {};
 }
 
 // ---- Histories as the engine tells them ----
@@ -254,16 +266,17 @@ int EngineModel::moveInto(Trajectory const* trajectory, int component, int step,
 void EngineModel::checkShown(Trajectory const* trajectory, int step,
                              std::vector<std::string>& errors) const {
     for (auto const& clause : DataManager::cls) {
-        bool satisfied = false;
-        std::string text;
-        for (auto const& [negated, atom] : clause->atoms) {
-            TrajEl const* element = trajectory->getElt(atom->getId(), step, 0);
-            satisfied = satisfied || (element != nullptr &&
-                                      element->isLabelled(negated ? labelFalse : labelTrue));
-            text += std::string(negated ? " not " : " ") + atom->getId();
-        }
-        if (!satisfied)
-            errors.push_back("step " + std::to_string(step) + ": violated:" + text);
+        bool const satisfied =
+            std::any_of(clause->atoms.begin(), clause->atoms.end(), [&](auto const& literal) {
+                TrajEl const* element = trajectory->getElt(literal.second->getId(), step, 0);
+                return element != nullptr &&
+                       element->isLabelled(literal.first ? labelFalse : labelTrue);
+            });
+        if (satisfied)
+            continue;
+        errors.push_back("step " + std::to_string(step) + ": violated:");
+        for (auto const& [negated, atom] : clause->atoms)
+            errors.back() += std::string(negated ? " not " : " ") + atom->getId();
     }
 }
 

@@ -4,14 +4,18 @@
 // A run is command(), then observe(). The search works in between on the followed history alone.
 #pragma once
 
-#include <memory>
+#include <set>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "search/random_models_fixture.h"
 #include "search/search_fixture.h"
 
 namespace random_models {
+
+// A component and the index of one of its moves.
+using MoveOf = std::pair<int, int>;
 
 // Borrows the case.
 class EngineModel {
@@ -33,8 +37,8 @@ public:
     bool holds(int component, int step) const;
 
     bool hasSearched() const;
-    // Whether the search left a failing move out although the rank allowed for one more failure.
-    bool wasLeftOutWithinRank(int component, int move) const;
+    // The failing moves that the search left out although the rank allowed for one more failure.
+    std::set<MoveOf> leftOutWithinRank() const;
     // What observe() wrote on the error stream.
     std::string trace;
 
@@ -59,6 +63,7 @@ private:
     std::string commandLines() const;
     std::string observationLine() const;
     static Trajectory* followed();
+    MoveOf moveOf(int id) const;
 
     int valueOf(Trajectory const* trajectory, StateVar const* variable, int step,
                 std::vector<std::string>& errors) const;

@@ -143,10 +143,10 @@ TEST_F(LongDiscreteRun, KeepsAsMuchAfterTenThousandStepsAsAfterAThousand) {
 }
 
 TEST_F(LongDiscreteRun, KeepsAsMuchLongAfterASearchAsSoonAfter) {
-    run(scenario(600, 24));
+    run(scenario(300, 24));
     // The flow that does not come on the third day is explained once, by several histories.
     EXPECT_EQ(sampler.troubles, std::vector<std::string>{"---------> Diagnosing..."});
-    ASSERT_EQ(sampler.atStep.size(), 600u);
+    ASSERT_EQ(sampler.atStep.size(), 300u);
     EXPECT_GT(sampler.atStep.back().trajectories, 1u);
     EXPECT_EQ(sampler.atStep.back().states, 5u * sampler.atStep.back().trajectories);
     expectFlatFrom(100);

@@ -234,7 +234,7 @@ void addRandomMoves(Component& component, Dice& dice, int index) {
 Component randomComponent(Dice& dice, int index) {
     Component component;
     component.commanded = index == 0 || !dice.oneIn(4);  // a step needs a command
-    component.modes = dice.oneIn(4) ? 4 : 3;
+    component.modes = dice.oneIn(5) ? 4 : 3;
     addRandomMoves(component, dice, index);
     bool const flipped = dice.oneIn(2);
     component.shows = {flipped ? HI : LO, flipped ? LO : HI, dice.upTo(1), dice.upTo(1)};
@@ -311,15 +311,15 @@ Case randomCase(unsigned seed) {
     Dice dice(seed);
     Case example;
     example.seed = seed;
-    int const count = 1 + dice.upTo(2);
+    int const count = dice.oneIn(5) ? 3 : 1 + dice.upTo(1);
     for (int i = 0; i < count; ++i)
         example.components.push_back(randomComponent(dice, i));
-    int const steps = 1 + dice.upTo(dice.oneIn(8) || count == 1 ? 4 : 4 - count);
+    int const steps = 1 + dice.upTo(dice.oneIn(12) || count == 1 ? 4 : 4 - count);
     for (int step = 0; step < steps; ++step)
         command(example, dice);
     // Most ends without a failure to explain are thrown again.
     for (int throws = 0; throws < 6; ++throws) {
-        observe(example, randomEnd(example, dice, dice.oneIn(5) ? 2 : 1), dice);
+        observe(example, randomEnd(example, dice, dice.oneIn(8) ? 2 : 1), dice);
         if (example.explanations(0, 0).empty())
             break;
     }

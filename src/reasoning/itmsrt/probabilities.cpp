@@ -116,6 +116,9 @@ bool shareClause(Comp const* comp, Comp const* other) {
     return false;
 }
 
+// A neighbour that no clause links is left at the uniform chance: were it counted as imported, a
+// model whose components meet in their guards alone would have only chances of 0, and no measure of
+// uncertainty at all.
 bool imports(Comp const* comp, Comp const* other) {
     for (CommandVar const* command : comp->importedCommands)
         if (command->getComp() == other)
