@@ -314,7 +314,7 @@ Case randomCase(unsigned seed) {
     int const count = dice.oneIn(5) ? 3 : 1 + dice.upTo(1);
     for (int i = 0; i < count; ++i)
         example.components.push_back(randomComponent(dice, i));
-    int const steps = 1 + dice.upTo(dice.oneIn(25) || count == 1 ? 4 : 4 - count);
+    int const steps = 1 + dice.upTo(dice.oneIn(16) || count == 1 ? 4 : 4 - count);
     for (int step = 0; step < steps; ++step)
         command(example, dice);
     // Most ends without a failure to explain are thrown again.
