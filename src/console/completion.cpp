@@ -17,7 +17,7 @@ char** sn_completion(char const*, int, int) {
 }
 
 char const* command_generator(char const* text, int state) {
-    static snCom const* record;
+    static snCom const* record = cde;
     static std::size_t length;
     if (state == 0) {
         record = cde;

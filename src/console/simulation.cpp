@@ -42,6 +42,14 @@ private:
     double before;
 };
 
+// A run whose last cycle, at *time*, left no candidate, or too many for the memory, stops there.
+bool mustStop(MemoryWatch const& memory, double time) {
+    if (hybNT != nullptr)
+        return memory.runsShort();
+    std::fprintf(stderr, "No candidate is left: the run stops at time %g.\n", time);
+    return true;
+}
+
 void announceTime() {
     std::fprintf(stderr, "-- time = %g --------------------------\n", simTime);
 }
@@ -74,7 +82,7 @@ void endRun(int cycles, bool graphs) {
     if (graphs)
         graphTrajs(tracked_trajs);
     clearMultiTrajs();
-    sMM->reportUnmetEvents();
+    sMM->reportUnmetEvents(std::min(simTime, totalTime));
     closeRunFiles();
     for (auto* values : {&inps, &meas})
         if (!values->empty()) {
@@ -135,7 +143,7 @@ void simulate(RunOptions const& options) {
     double countdown = options.period - Ts;
     int cycles = 0;
     for (simTime = Ts; simTime <= totalTime; simTime += Ts, countdown -= Ts) {
-        if (hybNT == nullptr || memory.runsShort())
+        if (mustStop(memory, simTime - Ts))
             break;
         announceTime();
         readDataLines(hybNT->rt.get());
@@ -233,7 +241,7 @@ void detect(RunOptions const& options) {
     double const Ts = hybNT->rt->Ts;
     int cycles = 0;
     for (simTime = Ts; simTime <= totalTime; simTime += Ts) {
-        if (hybNT == nullptr || memory.runsShort())
+        if (mustStop(memory, simTime - Ts))
             break;
         announceTime();
         readDataLines(hybNT->rt.get());

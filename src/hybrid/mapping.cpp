@@ -23,6 +23,18 @@ bool guardHolds(s_runtime* rt, MapFunc const& function) {
     return sn_evalCond(rt->condPool[static_cast<std::size_t>(function.guard->slot)].get(), rt) != 0;
 }
 
+// The variable that an assignment sets; null, and a message, when the model has no such variable or
+// expression.
+s_Variable* targetOf(s_runtime* rt, s_mapfVar const& target) {
+    s_Variable* variable = sn_getVarDico(rt, target.name.c_str());
+    bool const exists = target.expr >= 0 && target.expr < static_cast<int>(rt->mapExprs.size());
+    if (variable != nullptr && exists)
+        return variable;
+    std::fprintf(stderr, "Mapping of %s: the model has no such %s.\n", target.name.c_str(),
+                 variable == nullptr ? "variable" : "expression");
+    return nullptr;
+}
+
 // Calls act(variable, expression) for each assignment of the transitions that fired.
 template <typename Act>
 void walkMappingFuncs(s_runtime* rt, bool testGuards, Act act) {
@@ -31,7 +43,7 @@ void walkMappingFuncs(s_runtime* rt, bool testGuards, Act act) {
             if (testGuards && !guardHolds(rt, *function))
                 continue;
             for (s_mapfVar const& target : function->vars)
-                if (s_Variable* variable = sn_getVarDico(rt, target.name.c_str()))
+                if (s_Variable* variable = targetOf(rt, target))
                     act(variable, rt->mapExprs[static_cast<std::size_t>(target.expr)]);
         }
 }

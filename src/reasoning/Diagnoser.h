@@ -133,8 +133,6 @@ private:
     ItmsResults settleEffect(likelyTransition const& candidate, Trajectory* trajectory, int t,
                              std::unique_ptr<State> state, double rank);
 
-    // A step that no state of the window holds, so that nothing can be explained there.
-    static void tellLostStep(int step);
     // Normalises the probabilities of what a search found, and tells it.
     static void reportResults(TrajectoryMap const& results, double coverSum);
 

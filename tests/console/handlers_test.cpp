@@ -247,6 +247,28 @@ TEST_F(HandlerTest, DetectLogsItsCycles) {
     EXPECT_EQ(dataOut, nullptr);
 }
 
+TEST_F(HandlerTest, DetectTakesEveryLevelWithAndWithoutMerging) {
+    for (char const* level : {"nofault", "fault1", "fault2", "fault3"})
+        for (char const* merging : {"", " xnomergey"}) {
+            init();
+            EXPECT_EQ(call(snDetect, (std::string("1 ") + level + " 3" + merging).c_str()), 1);
+            std::string const mode = *merging == '\0' ? "mode: 3\n" : "mode: 4\n";
+            EXPECT_EQ(said.err, mode + "-- time = 1 --------------------------\n") << level;
+        }
+}
+
+// 0.1 + 0.1 + 0.1 is more than 0.3: the third cycle falls out.
+TEST_F(HandlerTest, TheLastCycleMayFallOutThroughRounding) {
+    tavro_rt->Ts = 0.1;
+    init();
+    call(snSimul, "0.3 multi");
+    EXPECT_EQ(said.err,
+              "-- time = 0.1 --------------------------\n"
+              "-- time = 0.2 --------------------------\n");
+    std::string const display = WorkDirectory::read(displayFile);
+    EXPECT_EQ(std::count(display.begin(), display.end(), '\n'), 3) << "time 0, and two cycles";
+}
+
 TEST_F(HandlerTest, DetectEndsTheProcessWithoutItsLog) {
     init();
     std::filesystem::create_directory("cycbench.bmk");

@@ -219,11 +219,11 @@ TEST_F(PartialCopyDeath, OutsideTheDiscreteWindowTheProgramEnds) {
     plant.rt.Ts = 10;
     EXPECT_EXIT(call(4, 7, 9, 5), testing::ExitedWithCode(1),
                 "^The fault isn't in the discrete temporal window !\n$");
-    EXPECT_EXIT(call(5, 7, 9, 5), testing::ExitedWithCode(0), "^still there$");
+    EXPECT_EXIT(call(5, 7, 9, 5), testing::ExitedWithCode(0), "still there$");
 }
 
 TEST_F(PartialCopyDeath, TheCurrentTimeDoesNotCountForTheDiscreteWindow) {
-    EXPECT_EXIT(call(0, 1000, 1000, 5), testing::ExitedWithCode(0), "^still there$");
+    EXPECT_EXIT(call(0, 1000, 1000, 5), testing::ExitedWithCode(0), "still there$");
     EXPECT_EXIT(call(-5, 1000, 1000, 5), testing::ExitedWithCode(1), "discrete temporal window");
 }
 
@@ -231,7 +231,7 @@ TEST_F(PartialCopyDeath, OutsideTheContinuousWindowTheProgramEnds) {
     EXPECT_EXIT(call(3, 99.5, 400, 5), testing::ExitedWithCode(1),
                 "^discrete fault time: 3\ncont_fault_time: 99.5 -- stime: 400-- twc: 300\n"
                 "The fault isn't in the continuous temporal window !\n$");
-    EXPECT_EXIT(call(3, 100, 400, 5), testing::ExitedWithCode(0), "^still there$");
+    EXPECT_EXIT(call(3, 100, 400, 5), testing::ExitedWithCode(0), "still there$");
 }
 
 }  // namespace

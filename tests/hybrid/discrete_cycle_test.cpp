@@ -334,7 +334,7 @@ TEST_F(Walk, ADatedCommandReachesEveryCandidateOnce) {
         EXPECT_EQ(entry.second->rt->condi[12]->val, 1);
         EXPECT_EQ(entry.second->rt->condi[11]->val, 0);
     }
-    EXPECT_EQ(complaint([] { sMM->reportUnmetEvents(); }), "");
+    EXPECT_EQ(complaint([] { sMM->reportUnmetEvents(1000.0); }), "");
     // And not again at another time.
     EXPECT_EQ(step(detection(1, RUN_NOMERGE), 3.0), "");
 }

@@ -66,7 +66,7 @@ void expectTracked(std::string const& name, std::string const& scenario, int thr
         EXPECT_TRUE(run.nominal) << name << " at " << k;
         EXPECT_TRUE(isTrackedIn(day[k])) << name << " at " << k;
     }
-    EXPECT_EQ(complaint([] { sMM->reportUnmetEvents(); }), "");
+    EXPECT_EQ(complaint([] { sMM->reportUnmetEvents(1000.0); }), "");
 }
 
 TEST(HealthyDay, IsTracked) {

@@ -145,8 +145,9 @@ TEST_F(CommandEvents, EventsThatNoStepMetAreTold) {
     sMM->addCommandEvent(model.close, 2);
     sMM->scenario[3.0] = nullptr;
     observe(2.5, {model.isOpen});
+    observe(7.0, {model.isOpen});  // later than the run
     complaint([&] { sMM->doCycle(model.traj.get(), &model.rt, 2.0); });
-    EXPECT_EQ(complaint([] { sMM->reportUnmetEvents(); }),
+    EXPECT_EQ(complaint([] { sMM->reportUnmetEvents(6.0); }),
               "scenario event of date 1 met no time step\n"
               "scenario event of date 2.5 met no time step\n");
 }

@@ -28,10 +28,13 @@ void shiftBack(std::vector<int>& history, std::size_t count) {
     }
 }
 
-// Takes what the history holds at *i*, if it reaches that far.
-void takeEntry(History<s_Objet> const& history, int i, s_Objet* into) {
+// Takes what the history holds at *i*. A variable without a history keeps its value; one whose
+// history is too short does so too, which is told, since it stands for the past from then on.
+void takeEntry(s_Variable const* variable, History<s_Objet> const& history, int i, s_Objet* into) {
     if (i < history.size())
         sn_putObjet(&history[i], into);
+    else if (history.size() > 0)
+        std::cerr << variable->nom << ": no value is kept of " << i << " cycles back\n";
 }
 
 void leaveForWindow(char const* which) {
@@ -46,14 +49,14 @@ void moveHistory(s_runtime* rt, s_Variable* variable, double from, double to) {
     if (distance <= 0)
         return;
     if (!variable->isParam) {
-        takeEntry(variable->histo, distance - 1, &variable->new_);
-        takeEntry(variable->histo, distance, &variable->old);
+        takeEntry(variable, variable->histo, distance - 1, &variable->new_);
+        takeEntry(variable, variable->histo, distance, &variable->old);
     }
     shiftBack(variable->histo, distance + 1, *objZero);
     if (!sn_isMeasure(rt, variable))
         return;
     // Required: measures move by the distance, values by one more.
-    takeEntry(variable->mesHisto, distance - 1, &variable->mes);
+    takeEntry(variable, variable->mesHisto, distance - 1, &variable->mes);
     shiftBack(variable->mesHisto, distance, *objZero);
     shiftBack(variable->misbHisto, static_cast<std::size_t>(distance));
     shiftBack(variable->lowHisto, distance, 0);

@@ -54,7 +54,7 @@ bool Diagnoser::stepBack(Round& round, std::unique_ptr<Trajectory>& current,
                          TrajectoryMap& results) {
     int const step = current->stepCount;
     if (current->getState(step) == nullptr) {
-        tellLostStep(step);
+        // The step has left the window, and nothing can be explained there.
         current = nullptr;
         return true;
     }
@@ -92,10 +92,6 @@ bool Diagnoser::exploreRound(Round& round, TrajectoryMap& results) {
             return false;
     }
     return true;
-}
-
-void Diagnoser::tellLostStep(int step) {
-    std::cerr << "step " << step << " is not in the window: the history is given up\n";
 }
 
 void Diagnoser::reportResults(TrajectoryMap const& results, double coverSum) {

@@ -58,10 +58,8 @@ void Diagnoser::descend(Descent& descent) {
         std::unique_ptr<Trajectory> current = std::move(descent.pending.top());
         descent.pending.pop();
         int const step = current->stepCount;
-        if (current->getState(step) == nullptr) {
-            tellLostStep(step);
-            continue;
-        }
+        if (current->getState(step) == nullptr)
+            continue;  // the step has left the window
         ConflictSet const conflicts = getConflicts(current.get(), step, true);
         if (conflicts.empty()) {
             descent.advance(std::move(current), step);

@@ -171,8 +171,8 @@ std::vector<Atom*> Scheduler::getNoneCommands(std::vector<Atom*> const& commands
     return none;
 }
 
-void Scheduler::reportUnmetEvents() const {
+void Scheduler::reportUnmetEvents(double until) const {
     for (auto const& [date, event] : scenario)
-        if (event != nullptr && !event->met)
+        if (date <= until && event != nullptr && !event->met)
             std::cerr << "scenario event of date " << date << " met no time step\n";
 }
