@@ -9,8 +9,8 @@
 //
 // Which leaves there are, in which order and with which numbers, is fixed; how they are held is
 // not. Equal suspects get one small number each, a leaf keeps its suspects as a set of bits beside
-// their list, and touching and counting are operations on words. A set may close many of thousands
-// of leaves, so the closing sets of one suspect stand in an index of their own.
+// their list, and touching, counting and closing are operations on words. A set may close many of
+// thousands of leaves, so the closing sets of one suspect stand in an index of their own.
 #include <algorithm>
 #include <bit>
 #include <cassert>
@@ -26,6 +26,27 @@ public:
     void add(int number) { word(static_cast<std::size_t>(number) / bits) |= mask(number); }
     bool holds(int number) const {
         return (wordAt(static_cast<std::size_t>(number) / bits) & mask(number)) != 0;
+    }
+    // How many members come before a number.
+    int rank(int number) const {
+        std::size_t const place = static_cast<std::size_t>(number) / bits;
+        int count = std::popcount(wordAt(place) & (mask(number) - 1));
+        for (std::size_t i = 0; i < place; ++i)
+            count += std::popcount(wordAt(i));
+        return count;
+    }
+    // Whether test(rank of the member) holds for a member that is in both, in ascending order.
+    template <typename Test>
+    bool anyCommon(SuspectBits const& other, Test test) const {
+        int before = 0;
+        for (std::size_t i = 0; i <= more.size(); ++i) {
+            std::uint64_t const own = wordAt(i);
+            for (std::uint64_t left = own & other.wordAt(i); left != 0; left &= left - 1)
+                if (test(before + std::popcount(own & ((left & -left) - 1))))
+                    return true;
+            before += std::popcount(own);
+        }
+        return false;
     }
     int countCommon(SuspectBits const& other) const {
         int count = std::popcount(first & other.first);
@@ -92,25 +113,26 @@ public:
 
 private:
     struct Node {
-        bool ends = false;                                  // a set ends here
-        std::vector<std::pair<int, std::size_t>> children;  // by suspect number
+        bool ends = false;                  // a set ends here
+        SuspectBits next;                   // the members that sets go on with,
+        std::vector<std::size_t> children;  // and the node of each, in ascending order
     };
 
     std::size_t childOf(std::size_t at, int member) {
-        for (auto const& [number, child] : nodes[at].children)
-            if (number == member)
-                return child;
-        nodes[at].children.emplace_back(member, nodes.size());
-        nodes.emplace_back();
-        return nodes.size() - 1;
+        auto const rank = nodes[at].next.rank(member);
+        if (!nodes[at].next.holds(member)) {
+            nodes[at].next.add(member);
+            nodes[at].children.insert(nodes[at].children.begin() + rank, nodes.size());
+            nodes.emplace_back();
+        }
+        return nodes[at].children[static_cast<std::size_t>(rank)];
     }
 
     bool isWithin(SuspectBits const& leaf, std::size_t at) const {
         Node const& node = nodes[at];
-        return node.ends ||
-               std::any_of(node.children.begin(), node.children.end(), [&](auto const& child) {
-                   return leaf.holds(child.first) && isWithin(leaf, child.second);
-               });
+        return node.ends || node.next.anyCommon(leaf, [&](int rank) {
+            return isWithin(leaf, node.children[static_cast<std::size_t>(rank)]);
+        });
     }
 
     std::vector<Node> nodes;  // the root first
