@@ -58,8 +58,8 @@ public:
     bool organizeCommands(int now, bool late);
     // Per command, the value "none" of its variable.
     static std::vector<Atom*> getNoneCommands(std::vector<Atom*> const& commands);
-    // Tells on the error stream which events up to a time no step of a hybrid run has met: a date that
-    // falls between two steps would be lost without a word.
+    // Tells on the error stream which events up to a time no step of a hybrid run has met: a date
+    // that falls between two steps would be lost without a word.
     void reportUnmetEvents(double until) const;
 
     // ---- The discrete run (scheduler/run.cpp) ----
