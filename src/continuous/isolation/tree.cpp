@@ -157,6 +157,8 @@ void quickSort(std::vector<T>& items, int low, int high, Less less) {
 }  // namespace
 
 struct HittingSetTree::Implementation {
+    class Growth;
+
     std::vector<Met> met;
     std::vector<Conflict const*> kinds;  // by number, the first suspect of its kind
     std::vector<Branch> branches;
@@ -202,6 +204,60 @@ struct HittingSetTree::Implementation {
     }
 };
 
+// What becomes of the branches when one conflict set meets them.
+class HittingSetTree::Implementation::Growth {
+public:
+    Growth(Implementation& tree, Suspects const& conflictSet)
+        : tree(tree), start(tree.enter(conflictSet)), closing(conflictSet.size()) {
+        for (std::size_t i = 0; i < closing.size(); ++i)
+            set.add(numberAt(i));
+    }
+
+    // A branch that holds nothing of the set is to get a leaf for each suspect of it.
+    void split(Branch const& branch) {
+        open.emplace_back(&branch, tree.nbLeaves);
+        tree.nbLeaves += static_cast<int>(closing.size());
+    }
+
+    // A branch that holds something of the set stays, and closes others if that is one suspect.
+    void meet(Branch& branch) {
+        int const common = branch.held.countCommon(set);
+        if (common == 0) {
+            split(branch);
+            return;
+        }
+        if (common == 1)
+            for (std::size_t i = 0; i < closing.size(); ++i)
+                if (branch.held.holds(numberAt(i)))
+                    closing[i].add(tree.numbersWithout(branch, numberAt(i)));
+        grown.push_back(std::move(branch));
+    }
+
+    // Makes the leaves that nothing closes, by suspect.
+    void extendOpen() {
+        for (std::size_t i = 0; i < closing.size(); ++i)
+            for (auto const& [branch, before] : open)
+                if (closing[i].empty() || !closing[i].closeBranch(branch->held))
+                    grown.push_back(tree.extend(*branch, start + static_cast<int>(i),
+                                                before + static_cast<int>(i) + 1));
+    }
+
+    std::vector<Branch> grown;
+
+private:
+    int numberAt(std::size_t i) const {
+        return tree.met[static_cast<std::size_t>(start) + i].number;
+    }
+
+    Implementation& tree;
+    int start;  // of the set, in the table of suspects met
+    SuspectBits set;
+    // The branches to be split, each with the last number given before its leaves got theirs: most
+    // leaves of a large tree are closed at once, and never made.
+    std::vector<std::pair<Branch const*, int>> open;
+    std::vector<ClosingSets> closing;  // by suspect of the set
+};
+
 HittingSetTree::HittingSetTree() : own(std::make_unique<Implementation>()) {}
 HittingSetTree::~HittingSetTree() = default;
 HittingSetTree::HittingSetTree(HittingSetTree&&) noexcept = default;
@@ -210,45 +266,14 @@ HittingSetTree& HittingSetTree::operator=(HittingSetTree&&) noexcept = default;
 void HittingSetTree::grow(Suspects const& conflictSet) {
     if (conflictSet.empty())
         return;
-    Implementation& tree = *own;
-    int const start = tree.enter(conflictSet);
-    std::size_t const width = conflictSet.size();
-    auto const numberAt = [&](std::size_t i) {
-        return tree.met[static_cast<std::size_t>(start) + i].number;
-    };
-    SuspectBits set;
-    for (std::size_t i = 0; i < width; ++i)
-        set.add(numberAt(i));
-    std::vector<Branch> grown;
-    // The branches to be split, each with the last number given before its leaves got theirs: most
-    // leaves of a large tree are closed at once, and never made.
-    std::vector<std::pair<Branch const*, int>> open;
-    std::vector<ClosingSets> closing(width);
-    auto const split = [&](Branch const& branch) {
-        open.emplace_back(&branch, tree.nbLeaves);
-        tree.nbLeaves += static_cast<int>(width);
-    };
+    Implementation::Growth growth(*own, conflictSet);
     Branch const root{};
-    if (tree.branches.empty() && tree.nbLeaves == 0)
-        split(root);
-    for (Branch& branch : tree.branches) {
-        int const common = branch.held.countCommon(set);
-        if (common == 0) {
-            split(branch);
-            continue;
-        }
-        if (common == 1)
-            for (std::size_t i = 0; i < width; ++i)
-                if (branch.held.holds(numberAt(i)))
-                    closing[i].add(tree.numbersWithout(branch, numberAt(i)));
-        grown.push_back(std::move(branch));
-    }
-    for (std::size_t i = 0; i < width; ++i)
-        for (auto const& [branch, before] : open)
-            if (closing[i].empty() || !closing[i].closeBranch(branch->held))
-                grown.push_back(tree.extend(*branch, start + static_cast<int>(i),
-                                            before + static_cast<int>(i) + 1));
-    tree.branches = std::move(grown);
+    if (own->branches.empty() && own->nbLeaves == 0)
+        growth.split(root);
+    for (Branch& branch : own->branches)
+        growth.meet(branch);
+    growth.extendOpen();
+    own->branches = std::move(growth.grown);
 }
 
 void HittingSetTree::exonerate(std::vector<MeasureConflicts> const& normalVars) {
