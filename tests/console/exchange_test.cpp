@@ -22,6 +22,11 @@ struct Preparation {
     bool written;
 };
 
+// By the message up to its line end.
+void PrintTo(Preparation const& preparation, std::ostream* out) {
+    *out << preparation.okText.substr(0, preparation.okText.find('\n'));
+}
+
 class PrepareTest : public testing::TestWithParam<Preparation> {
 protected:
     int result = -1;

@@ -62,6 +62,10 @@ struct InitCase {
     double precision;
 };
 
+void PrintTo(InitCase const& tested, std::ostream* out) {
+    *out << "init " << tested.arg;
+}
+
 class InitTest : public HandlerTest, public testing::WithParamInterface<InitCase> {};
 
 TEST_P(InitTest, ReadsItsParameters) {
