@@ -68,18 +68,14 @@ int sorn_getConds(char const*, int count, int* values) {
     return 1;
 }
 
-namespace {
-
-// The cycle code of the first level whose word stands in *word*, or 0.
-int diagnosisCode(std::string const& word) {
-    int code = CYCLE_DIAGNOSE;
-    for (char const* known : {"fault1", "fault2", "fault3"}) {
-        if (word.find(known) != std::string::npos)
-            return code;
-        ++code;
-    }
+int isolationLevelOf(std::string const& word) {
+    for (int level : {LEVEL_PLAIN, LEVEL_PREFERENCE, LEVEL_EXONERATION})
+        if (word.find(std::string("fault").append(std::to_string(level))) != std::string::npos)
+            return level;
     return 0;
 }
+
+namespace {
 
 // Required: the usage ends in a word with a double n.
 void tellUsage() {
@@ -99,8 +95,8 @@ int snDiagnosis(char const* arg) {
         tellUsage();
         return 1;
     }
-    int const code = diagnosisCode(*tDiag.token());
-    if (code == 0) {
+    int const level = isolationLevelOf(*tDiag.token());
+    if (level == 0) {
         std::fprintf(stderr, "Unknown parameter %s. Expecting one of\n%s\n\n",
                      tDiag.token()->c_str(), isolationLevels);
         return 1;
@@ -110,7 +106,7 @@ int snDiagnosis(char const* arg) {
         std::fprintf(stderr, "Missing misbehaving variables !\n");
         return 1;
     }
-    if (sorn_doCycle(tavro_rt, code, 0) == -1)
+    if (sorn_doCycle(tavro_rt, CYCLE_DIAGNOSE + level - LEVEL_PLAIN, 0) == -1)
         std::fprintf(stderr, "Invalid model !\n");
     sorn_close(tavro_rt);
     return 1;

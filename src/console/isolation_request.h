@@ -24,12 +24,16 @@ private:
 // The request being read.
 extern IsolationRequest tDiag;
 
+// The level, 1 to 3, whose word (fault1 and so on) stands in *word*, which may be longer; 0 for
+// none.
+int isolationLevelOf(std::string const& word);
 // What the levels of isolation mean, a line each; the last one is not ended.
 constexpr char const* isolationLevels =
     "\t fault1 ---> NO One-Fault-Exoneration AND    Multiple-Fault-Compensation\n"
     "\t fault2 --->    One-fault-Exoneration AND    Multiple-Fault-Compensation\n"
     "\t fault3 --->    One-fault-Exoneration AND NO Multiple-Fault-Compensation";
 
-// Diagnoses `fault[1 2 3] misb-var1 misb-var2 ... condition-values` on the model's own runtime. The
-// measures and conditions of a run are not touched. Required: no command leads here.
+// Diagnoses `fault[1 2 3] misb-var1 misb-var2 ... condition-values` on the model's own runtime, of
+// which a later `init` makes its copy; a candidate of a run is not touched. Required: no command
+// leads here.
 int snDiagnosis(char const* arg);

@@ -155,22 +155,18 @@ void simulate(RunOptions const& options) {
 
 // ---- detect ----
 
-constexpr char const* isolationWords[] = {"nofault", "fault1", "fault2", "fault3"};
-
 // The code of the continuous step for an isolation word, or 0 and a message. A word may stand
-// inside a longer one; they are tried in the order of the codes.
+// inside a longer one; "nofault" is tried first.
 int readIsolation(std::optional<std::string> const& word) {
     if (!word) {
         std::fprintf(stderr, "\nExpecting fault isolation parameter:\n\n\t nofault\n%s\n\n",
                      isolationLevels);
         return 0;
     }
-    int code = CYCLE_DETECT;
-    for (char const* known : isolationWords) {
-        if (word->find(known) != std::string::npos)
-            return code;
-        ++code;
-    }
+    if (word->find("nofault") != std::string::npos)
+        return CYCLE_DETECT;
+    if (int const level = isolationLevelOf(*word); level != 0)
+        return CYCLE_DETECT + level;
     std::fprintf(stderr, "Unknown parameter %s. Expecting one of\n\t nofault\n%s\n\n",
                  word->c_str(), isolationLevels);
     return 0;

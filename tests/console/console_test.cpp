@@ -262,6 +262,18 @@ TEST(Completion, IsNamedAndAnswersNothing) {
     EXPECT_EQ(rl_attempted_completion_function, nullptr) << "it is not installed";
 }
 
+// In a process of its own: before the first start the walk stands at the first command, and the
+// empty text is met by all, so the last one is the answer.
+TEST(CompletionDeath, TheGeneratorAnswersBeforeItsFirstStart) {
+    testing::FLAGS_gtest_death_test_style = "threadsafe";
+    EXPECT_EXIT(
+        {
+            char const* found = command_generator("", 1);
+            std::exit(found != nullptr && std::string(found) == "debug" ? 0 : 1);
+        },
+        testing::ExitedWithCode(0), "");
+}
+
 TEST(Completion, TheGeneratorAnswersTheLastMatchAndThenNone) {
     EXPECT_STREQ(command_generator("d", 0), "debug");
     EXPECT_EQ(command_generator("d", 1), nullptr);

@@ -107,11 +107,26 @@ TEST(MoveHistory, WithoutAnyHistory) {
     EXPECT_EQ(moved.state(), "old -1 new -2 mes -3 |  |  |  |  | ");
 }
 
+// The present values stand for the past from then on, which is told for each that is missing.
 TEST(MoveHistory, FarBehindTheHistory) {
     Moved moved(3);
     std::string const before = moved.state();
+    testing::internal::CaptureStderr();
     moved.move(0, 2e9);
+    EXPECT_EQ(testing::internal::GetCapturedStderr(),
+              "v: no value is kept of 1999999999 cycles back\n"
+              "v: no value is kept of 2000000000 cycles back\n"
+              "v: no value is kept of 1999999999 cycles back\n");
     EXPECT_EQ(moved.state(), before);
+}
+
+// Of three values the newest is one cycle old. The value at the end of the third cycle back is the
+// last one; the one that it began with is missing.
+TEST(MoveHistory, JustBehindTheHistory) {
+    Moved moved(3);
+    testing::internal::CaptureStderr();
+    moved.move(0, 3);
+    EXPECT_EQ(testing::internal::GetCapturedStderr(), "v: no value is kept of 3 cycles back\n");
 }
 
 // ---- The twin ----

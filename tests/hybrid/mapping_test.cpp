@@ -169,7 +169,16 @@ TEST_F(Tank, AtTheStartAStateThatCannotBePlacedIsTold) {
 TEST_F(Tank, AnUnknownTargetIsPassed) {
     assign("tank.depth", makeReal(7.0));
     fire();
-    EXPECT_FALSE(tavro_applyMappingFuncs(&rt()));
+    EXPECT_EQ(streamsOf([this] { EXPECT_FALSE(tavro_applyMappingFuncs(&rt())); }).err,
+              "Mapping of tank.depth: the model has no such variable.\n");
+}
+
+TEST_F(Tank, AnUnknownExpressionIsPassed) {
+    assign("tank.level", makeReal(7.0));
+    rt().mapExprs.clear();
+    fire();
+    EXPECT_EQ(streamsOf([this] { EXPECT_FALSE(tavro_applyMappingFuncs(&rt())); }).err,
+              "Mapping of tank.level: the model has no such expression.\n");
 }
 
 // ---- Simulation ----

@@ -204,4 +204,11 @@ void ForkedTap::start(std::string const& likely) {
     label(1, "!out=lo out=hi !q !r");
 }
 
+void ForkedTap::expectFound(TrajectoryMap const& results, std::string const& expected) const {
+    ASSERT_EQ(results.size(), 1u);
+    Trajectory const& result = *results.begin()->second;
+    EXPECT_EQ(moves(result), "1:sticks");
+    EXPECT_EQ(labels("q r", result, 1), expected);
+}
+
 }  // namespace diagnoser_fixture

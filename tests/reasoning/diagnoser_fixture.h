@@ -134,6 +134,8 @@ protected:
 class ForkedTap : public MovingTap {
 protected:
     void start(std::string const& likely);
+    // One history was found, which sticks, with those labels of q and r.
+    void expectFound(TrajectoryMap const& results, std::string const& expected) const;
 };
 
 }  // namespace diagnoser_fixture

@@ -55,6 +55,21 @@ TEST_F(DelayedRun, TheCommandIsAssertedUntilTheTransitionEnds) {
     EXPECT_EQ(told.out.find(shown, at + 1), std::string::npos);
 }
 
+// The first history's last step forgets the transition. The commands of a step are one list for all
+// histories, so the second one asserts its command there as well.
+TEST_F(DelayedRun, HistoriesShareTheCommandsThatStillRun) {
+    auto other = std::make_unique<Trajectory>(&DataManager::active_atoms);
+    Trajectory const* second = other.get();
+    DataManager::tracked_traj.emplace(0.5, std::move(other));
+    run("Command pump.cmd=go\nCommand fan.cmd=none\nCommand fan.cmd=none\n");
+    for (Trajectory const* each : {static_cast<Trajectory const*>(traj), second}) {
+        TrajEl const* command = each->getState(2)->getElt("pump.cmd=go");
+        ASSERT_NE(command, nullptr);
+        EXPECT_TRUE(command->evalTrajEl());
+        EXPECT_EQ(command->lock, LOCK_TRUE_PERM);
+    }
+}
+
 // The next line is stored for its step, and what a transition had scheduled for that step is lost.
 TEST_F(DelayedRun, ALineTakesTheStepOfAScheduledCommand) {
     Streams const told = run("Command pump.cmd=go\nCommand fan.cmd=none\n");

@@ -106,6 +106,18 @@ TEST_F(StateTest, AnIdleTransitionIsTakenOnlyWhenItsWholeGuardHolds) {
     EXPECT_EQ(state.prevTransCount, 1);
 }
 
+// A model error: the idle transition was made without a guard.
+TEST_F(StateTest, AnIdleTransitionWithoutAGuardIsToldAndLeftOut) {
+    pump["mode=off"]->idleTrans->pre = nullptr;
+    testing::internal::CaptureStderr();
+    State const state(&atoms);
+    EXPECT_EQ(testing::internal::GetCapturedStderr(), std::string("the idle transition of ") +
+                                                          pump["mode=off"]->getId() +
+                                                          " has no guard or no component\n");
+    EXPECT_EQ(elt(state, pump, "mode=off")->prevTrans, nullptr);
+    EXPECT_EQ(state.prevTransCount, 1);
+}
+
 // ---- Lookups and entries ----
 
 TEST_F(StateTest, LooksUpByTextAndEntersNothing) {

@@ -127,6 +127,11 @@ TEST_F(SearchTest, TheNextStepOfAVariableIsAfterTheOneGiven) {
     EXPECT_EQ(path.getNext(tank["mode=low"]->var, 4), 0);
 }
 
+// As of a transition that moves no mode.
+TEST_F(SearchTest, WithoutAVariableThereIsNoNextStep) {
+    EXPECT_EQ(path.getNext(nullptr, 0), 0);
+}
+
 TEST_F(SearchTest, TheNextStepMayBeTheCurrentOne) {
     extendByPump(4);
     EXPECT_EQ(path.getNext(pump["mode=off"]->var, 2), 4);
