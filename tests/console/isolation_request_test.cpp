@@ -5,6 +5,7 @@
 #include "console_fixture.h"
 #include "continuous/exchange.h"
 #include "fixtures/reference_model.h"
+#include "hybrid/hybrid_fixture.h"
 
 namespace {
 
@@ -193,6 +194,14 @@ TEST_F(DiagnosisTest, AWrongNameDiagnosesNothing) {
     EXPECT_EQ(diagnose("fault1 room.y 1 1 1 1 1 0 1"),
               "Variable room.y either is not measured or does not exist !\n"
               "Not enough condition values !\n");
+}
+
+TEST(DiagnosisDuringARun, IsOnTheModelsOwnRuntime) {
+    hybrid_fixture::RoomRun const run(0.8);
+    ASSERT_NE(hybNT->rt.get(), tavro_rt);
+    streamsOf([] { snDiagnosis("fault1 room.xd 1 1 1 1 1 0 1"); });
+    EXPECT_EQ(tavro_rt->measure[0]->mesmisb, 1);
+    EXPECT_EQ(hybNT->rt->measure[0]->mesmisb, 0);
 }
 
 TEST_F(DiagnosisTest, NoCommandLeadsToIt) {

@@ -160,6 +160,10 @@ TEST_F(PrintRuntime, ConditionsWithCurrentValues) {
     negated->kind = COND_NOT;
     negated->left = c;
     EXPECT_EQ(data(sn_printCondValues, negated), "(! (r.x : 1 2 <= r.y : 4)\n)\n");
+    EXPECT_EQ(data(sn_printCondValues, mkBinaryCond(*rt, COND_OR, c, c, 0)),
+              "((r.x : 1 2 <= r.y : 4)\n | (r.x : 1 2 <= r.y : 4)\n)\n");
+    EXPECT_EQ(data(sn_printCondValues, mkBinaryCond(*rt, COND_AND, c, c, 0)),
+              "((r.x : 1 2 <= r.y : 4)\n & (r.x : 1 2 <= r.y : 4)\n)\n");
     EXPECT_EQ(people(sn_printCondValues, nullptr), "Unable to print condition (NULL Pointer)\n");
 }
 

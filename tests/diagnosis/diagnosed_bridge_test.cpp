@@ -115,6 +115,19 @@ TEST_F(DiagnosedConditions, TheBoundsGoIntoTheRowOfTheTime) {
     EXPECT_EQ(rt().extra[11], 4.75);
 }
 
+TEST_F(DiagnosedConditions, TheRowIsTheTimeOverThePeriod) {
+    rt().Ts = 0.5;
+    rt().dinfval = {0.5, 4.5};
+    update(1, 3.0);
+    EXPECT_EQ(rt().extra[20], 0.5) << "row 6, behind five rows of four bounds";
+}
+
+TEST_F(DiagnosedConditions, AnUnknownAtomIsNotTrue) {
+    hybNT->traj->getState(2)->getElt("thermostat.mode=stuck_on")->setLabel("unknown");
+    update(2, 0.0);
+    EXPECT_EQ(val(2), 0);
+}
+
 // Time 0 has no row: its bounds were written when the run began.
 TEST_F(DiagnosedConditions, ARowBeforeTheFirstIsSkipped) {
     double const before = rt().extra[0];

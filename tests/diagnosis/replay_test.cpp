@@ -145,6 +145,27 @@ TEST_F(Warming, AFaultOfThePresentIsFollowedByNoStep) {
     EXPECT_TRUE(rt()->bridgeConds.empty());
 }
 
+// At half a second a row, the times 4 and 5 after the fault at 3 are the rows 8 and 10, and its own
+// is row 6: a replay goes by seconds, and what is between stays.
+TEST_F(Warming, AReplayStepsByOneWhateverThePeriod) {
+    rt()->Ts = 0.5;
+    failedAt({2});
+    happenedAt({0.0, 0.0, 3.0});
+    verify();
+    EXPECT_EQ(rewritten(), (std::vector<int>{6, 8, 10}));
+}
+
+// The last step reads the present value; room.m is a parameter of 10.
+TEST_F(Warming, TheInputsAreReadBackAsWell) {
+    rt()->input = {variable(rt(), "room.m")};
+    inps.assign(1, -5.0);
+    failedAt({2});
+    happenedAt({0.0, 0.0, 3.0});
+    verify();
+    EXPECT_EQ(inps[0], 10.0);
+    inps.clear();
+}
+
 // Time 0 has no row, and the bounds of the start stand in the file already.
 TEST_F(Warming, AFaultAtTimeZeroWritesNoRowBeforeTheFirst) {
     failedAt({2});
@@ -276,6 +297,16 @@ TEST_F(ReplayStep, MergesEqualCandidatesWhateverTheRunAskedFor) {
     addCopy();
     step();
     EXPECT_EQ(candidates.size(), 1u);
+}
+
+TEST_F(ReplayStep, TheOlderRuntimeTakesInTheYoungerOne) {
+    int const oldest = first().rt->num;
+    candidates.emplace(
+        5.0, std::make_unique<hybTrajectory>(&first(), first().traj->getCurrentTime() + 1));
+    ASSERT_NE(first().rt->num, oldest) << "the copy stands in front by its key";
+    step();
+    ASSERT_EQ(candidates.size(), 1u);
+    EXPECT_EQ(first().rt->num, oldest);
 }
 
 TEST_F(ReplayStep, LeavesCandidatesOfOtherHistoriesApart) {

@@ -93,6 +93,8 @@ TEST_F(AtomSets, AnAndUnderAnOrAddsNothing) {
 // An or under an and under an or works on a copy of what was gathered.
 TEST_F(AtomSets, AnAndHandsDownACopy) {
     EXPECT_EQ(of(graph.either(a, graph.both(b, graph.either(c, d)))), "[acd][a]");
+    // The inner and copies [ab], and its or fills the copy: the first set stays.
+    EXPECT_EQ(of(graph.both(graph.either(a, b), graph.both(c, graph.either(d, a)))), "[ab][abda]");
 }
 
 // An inner or fills the set of the outer one and hands in the same set: each stands for all atoms.

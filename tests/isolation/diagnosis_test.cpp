@@ -164,6 +164,17 @@ TEST(Levels, BehaveAlikeWithoutSharedSuspects) {
         EXPECT_EQ(diagnosis(&graph.rt, level), "[{a,0,()}][{b,0,()}]");
 }
 
+// Of three equal leaves the sort exchanges the first with the middle one. The second level alone
+// sorts.
+TEST(Levels, OnlyTheSecondSortsItsLeaves) {
+    CausalGraph graph;
+    graph.measureOf("x", {"a", "b", "c"}, 1);
+    graph.measureOf("y", {"z"});
+    EXPECT_EQ(diagnosis(&graph.rt, 1), "[{a,0,()}][{b,0,()}][{c,0,()}]");
+    EXPECT_EQ(diagnosis(&graph.rt, 2), "[{b,0,()}][{a,0,()}][{c,0,()}]");
+    EXPECT_EQ(diagnosis(&graph.rt, 3), "[{a,0,()}][{b,0,()}][{c,0,()}]");
+}
+
 // A measure with the same suspects: at level 2 its soft set is empty and leaves the tree.
 TEST(Levels, ABehavingTwinExoneratesAllAtLevelThreeOnly) {
     CausalGraph graph;

@@ -114,6 +114,15 @@ TEST_F(DiagnoserSelection, TheElementForgetsWhatLedOnFromItAndItsSiblingsDoNot) 
     EXPECT_EQ(elt("m=stuck", result, 1)->nextTrans.count(remains->id), 1u);
 }
 
+TEST_F(DiagnoserSelection, AGuardForgetsWhatLedOnFromItToo) {
+    believedShut();
+    TrajectoryMap const finals = searchGuard(0.0);
+    ASSERT_EQ(finals.size(), 1u);
+    Trajectory const& result = *finals.begin()->second;
+    EXPECT_TRUE(elt("m=shut", result, 1)->nextTrans.empty());
+    EXPECT_EQ(elt("cmd=none", result, 1)->nextTrans.count(stays->id), 1u);
+}
+
 // The cover of a move into step 1 is its weight times those of the other moves recorded there, so
 // it shows whether `opens` (0.8) was forgotten. Tried: stays (0.7) and sticks (0.1).
 TEST_F(DiagnoserSelection, AFreeEffectForgetsWhatLedToIt) {

@@ -96,6 +96,9 @@ TEST_F(CommandEvents, NoneCommandsAreThoseOfTheVariables) {
     EXPECT_EQ(none[0], model.none);
     EXPECT_EQ(none[1], farNone);
     EXPECT_TRUE(Scheduler::getNoneCommands({}).empty());
+    EXPECT_EQ(Scheduler::getNoneCommands({model.open, model.close}),
+              (Atoms{model.none, model.none}))
+        << "one for each command";
 }
 
 TEST_F(CommandEvents, ALaterEventComesToTheNextStep) {
@@ -175,7 +178,11 @@ TEST(SchedulerStart, NamesTheModelAndStartsAtStepZero) {
     EXPECT_EQ(sMM->time, 0);
     EXPECT_EQ(sMM->bound, 0.0);
     EXPECT_TRUE(sMM->scenario.empty());
+    sMM->time = 4;
+    sMM->scenario[3.0] = nullptr;
     EXPECT_EQ(sMM->initSchD(), 1);
+    EXPECT_EQ(sMM->time, 0);
+    EXPECT_TRUE(sMM->scenario.empty());
 }
 
 }  // namespace

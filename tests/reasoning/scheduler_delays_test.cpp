@@ -54,6 +54,8 @@ TEST_F(DelayedEffects, DelayOneIsTheNextStepAndALaterCommandAnEvent) {
     EXPECT_EQ(sMM->scenario.size(), 1u);
     EXPECT_EQ(model.rt.bridgeTrans, std::vector<Transition*>{starts});
     EXPECT_EQ(told.out.find("-------->"), std::string::npos);
+    for (char const* guard : {"pump.cmd=go", "pump.mode=off"})
+        EXPECT_EQ(model.traj->getState(0)->getElt(guard)->nextTrans.count(starts->id), 1u) << guard;
 }
 
 TEST_F(DelayedEffects, AModeAtALaterDelayIsScheduledAndNotAsserted) {

@@ -70,6 +70,20 @@ TEST_F(DelayedRun, HistoriesShareTheCommandsThatStillRun) {
     }
 }
 
+// What runs is one table for all histories: the second one finds the transition running since this
+// step, so nothing is recorded in its element, and without a record the effect is not of this step.
+TEST_F(DelayedRun, HistoriesShareWhatRuns) {
+    auto other = std::make_unique<Trajectory>(&DataManager::active_atoms);
+    Trajectory const* second = other.get();
+    DataManager::tracked_traj.emplace(0.5, std::move(other));
+    run("Command pump.cmd=go\n");
+    EXPECT_TRUE(holds("pump.mode=on", 1));
+    TrajEl const* on = second->getState(1)->getElt("pump.mode=on");
+    ASSERT_NE(on, nullptr);
+    EXPECT_FALSE(on->evalTrajEl());
+    EXPECT_EQ(on->prevTrans, nullptr);
+}
+
 // The next line is stored for its step, and what a transition had scheduled for that step is lost.
 TEST_F(DelayedRun, ALineTakesTheStepOfAScheduledCommand) {
     Streams const told = run("Command pump.cmd=go\nCommand fan.cmd=none\n");

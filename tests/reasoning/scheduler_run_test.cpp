@@ -229,6 +229,12 @@ TEST_F(DiscreteRun, WhatHoldsAtTheStartIsHeldForGood) {
         EXPECT_EQ(lockOf(free), LOCK_FREE) << free;
 }
 
+TEST_F(DiscreteRun, SoItIsInEveryHistory) {
+    Trajectory const* second = track(0.5, {});
+    run("Command valve.cmd=open\n");
+    EXPECT_EQ(second->getState(0)->getElt("valve.mode=closed")->lock, LOCK_TRUE_PERM);
+}
+
 // The first line is stored for step 1, whatever the step.
 TEST_F(DiscreteRun, ARunThatHasBegunFindsNoStepOfItsOwn) {
     sMM->time = 4;
@@ -420,6 +426,37 @@ TEST(DiscreteRunOutcomes, AHistoryThatCouldAgreeInTwoWaysIsRefuted) {
     std::string const told = complaint([&] { sMM->runSchD(file.path); });
     EXPECT_NE(told.find("results from observations computed : 2\n[Scheduler]"), std::string::npos);
     EXPECT_NE(told.find("---------> Diagnosing...\n"), std::string::npos);
+}
+
+// The light is no mode, so while observing it may give way: there is one outcome, in which the
+// effect of the move is denied.
+TEST(DiscreteRunOutcomes, AnOnlyOutcomeThatDeniesAnEffectIsRefuted) {
+    HandModel model;
+    Comp* comp = model.comp("c");
+    auto* cmd = model.variable<CommandVar>(comp, "cmd", {"none", "go"});
+    auto* mode = model.variable<ModeVar>(comp, "mode", {"off", "on"});
+    auto* light = model.variable<StateVar>(comp, "light", {"dark", "lit"});
+    HandModel::transition(comp, {{true, cmd->getAtomLinks()[1]}, {true, mode->getAtomLinks()[0]}},
+                          {{true, mode->getAtomLinks()[1]}, {true, light->getAtomLinks()[1]}});
+    model.start();
+    DataManager::tracked_traj.clear();
+    DataManager::tracked_traj.emplace(1.0, std::move(model.traj));
+    TextFile const file("Command c.cmd=go\nObservation c.light=dark\n");
+    std::string const told = complaint([&] { sMM->runSchD(file.path); });
+    EXPECT_NE(told.find("results from observations computed : 1\n[getConflicts()]"),
+              std::string::npos);
+    EXPECT_NE(told.find("---------> Diagnosing...\n"), std::string::npos);
+}
+
+// The mode of the second history is free: it may give way to closed, and to broken only as a
+// failure, which is more than an observation may assume. One outcome, so it agrees too.
+TEST_F(DiscreteRun, NoFailureIsAssumedWhileObserving) {
+    State* reached = track(2.0, {model.open})->getState(1);
+    reached->setPrevTrans(reached->getElt("valve.mode=open"), nullptr);
+    run("Observation sensor.flow=zero\n");
+    ASSERT_EQ(tracked().size(), 2u);
+    for (auto const& entry : tracked())
+        EXPECT_EQ(modeOf(entry.second), "valve.mode=closed");
 }
 
 TEST_F(DiscreteRun, OneHistoryThatAgreesIsEnough) {

@@ -238,4 +238,21 @@ TEST_F(Scenarios, WithoutAnOpenFileTheScenarioIsAtItsEnd) {
               "can't open scenario file: /nonexistent/x\n");
 }
 
+// A date is what can be read of a number.
+TEST_F(Scenarios, ADateThatIsNoNumberIsZero) {
+    load("soon Obs valve.mode=open\n2x Obs valve.mode=closed\n");
+    EXPECT_EQ(eventAt(0.0), "O open");
+    EXPECT_EQ(eventAt(2.0), "O closed");
+}
+
+TEST_F(Scenarios, AfterAnUnknownAtomTheFileStaysOpen) {
+    load("1 Obs nothing\nObs valve.mode=open\n");
+    std::unique_ptr<scenarEvent> event;
+    complaint([&] { event = sMM->readFromScenario(); });
+    ASSERT_NE(event, nullptr);
+    EXPECT_EQ(event->atoms, std::vector<Atom*>{model.isOpen});
+    load("1 Obs valve.mode=open\n");
+    EXPECT_EQ(complaint([&] { event = sMM->readFromScenario(); }), "end of the scenario !\n");
+}
+
 }  // namespace

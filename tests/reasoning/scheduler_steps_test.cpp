@@ -32,6 +32,11 @@ protected:
         model.addMoves();
         model.start();
     }
+    // Beside the valve's mode, and always dark.
+    void addLamp() {
+        auto* lamp = model.variable<ModeVar>(model.valve, "lamp", {"dark", "lit"});
+        HandModel::idle(model.valve, lamp->getAtomLinks()[0]);
+    }
     using Transitions = std::vector<Transition*>;
 
     Valve model;
@@ -39,6 +44,17 @@ protected:
     Comp* pump = nullptr;
     Atom *pumpNone = nullptr, *go = nullptr, *off = nullptr, *on = nullptr;
 };
+
+// The component is pulled into the next state without its idle moves.
+TEST_F(NominalStep, AModeBesideTheOneMovedIsReachedByNothing) {
+    addLamp();
+    startValve();
+    step({model.open});
+    TrajEl const* dark = model.traj->getState(1)->getElt("valve.lamp=dark");
+    ASSERT_NE(dark, nullptr);
+    EXPECT_TRUE(dark->evalTrajEl());
+    EXPECT_EQ(dark->prevTrans, nullptr);
+}
 
 TEST_F(NominalStep, ACommandFiresTheTransitionThatItGuards) {
     startValve();
