@@ -108,7 +108,7 @@ private:
     void announceStep(scenarEvent const& event) const;
     void commandStep(scenarEvent const& event, PendingTransitions& pending);
     void observationStep(scenarEvent const& event);
-    void diagnose(Trajectory const& refuted, Observations const& observations);
+    void diagnose(std::unique_ptr<Trajectory> refuted, Observations const& observations);
     void skipObservations();
     TrajectoryMap explainedBy(Observations const& observations, ElapsedTime const& elapsed,
                               double& sum);

@@ -527,9 +527,8 @@ TEST_F(DiscreteRun, ASearchThatFindsNothingLeavesNothing) {
     EXPECT_EQ(log.lines(), "0 (time) 1 0\n2 (time) 0 0\n");
 }
 
-// Each copy turns around the order of elements that share a bucket, so the number of copies counts:
-// the first history's, that of the copy, and one in each round of the ranks 1 to 10.
-TEST_F(DiscreteRun, ASearchWorksOnACopyOfTheCopy) {
+// The first history's, that of the copy, and one in each round of the ranks 1 to 10.
+TEST_F(DiscreteRun, ASearchMakesAFurtherCopyBesideTheOneItWorksOn) {
     unsigned const before = Trajectory::traj_created;
     run("Observation sensor.flow=zero sensor.flow=positive\n");
     EXPECT_EQ(Trajectory::traj_created - before, 12u);

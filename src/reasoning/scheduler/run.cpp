@@ -170,20 +170,20 @@ void Scheduler::observationStep(scenarEvent const& event) {
     if (!diagnosing)
         keepSurvivors(std::move(survivors), sum);
     else
-        diagnose(*copy, observations);
+        diagnose(std::move(copy), observations);
     addBmkEntry(time, elapsed.report(""), diagnosing, static_cast<unsigned>(tracked_traj.size()));
     ++time;
     if (tracked_traj.empty())
         std::cerr << "no history explains the observations of step " << time << "\n";
 }
 
-// Required: the search works on a copy of the copy. Every copy turns around the order of elements
-// that share a bucket of their table, and the search meets them in that order.
-void Scheduler::diagnose(Trajectory const& refuted, Observations const& observations) {
+// Required: the search gets the copy itself. A copy turns around the order of elements that share a
+// bucket of their table, and the search meets them in that order; the further one is only counted.
+void Scheduler::diagnose(std::unique_ptr<Trajectory> refuted, Observations const& observations) {
     std::cerr << "---------> Diagnosing...\n";
-    auto copy = std::make_unique<Trajectory>(&refuted, refuted.getCurrentTime() + 1);
-    double const highest = copy->rank + rankMargin;
-    tracked_traj = coverTrack3(std::move(copy), bound + 1.0, highest, observations, bound);
+    Trajectory const further(refuted.get(), refuted->getCurrentTime() + 1);
+    double const highest = refuted->rank + rankMargin;
+    tracked_traj = coverTrack3(std::move(refuted), bound + 1.0, highest, observations, bound);
 }
 
 // Once nothing is tracked, the steps go on without a candidate.
