@@ -80,7 +80,8 @@ public:
     // The discrete half of a hybrid step.
     void doCycle(Trajectory* traj, s_runtime* rt, double time);
     // Builds the next nominal state of a trajectory under *commands*, if any transition fires. Adds
-    // to them those of the transitions that still run.
+    // to them those of the transitions that still run; what grows the list later, while transitions
+    // fire, was not given to this trajectory.
     void constructNextNominalStateLarge(Trajectory* traj, std::vector<Atom*>& commands,
                                         bool keepUnlocked, PendingTransitions& pending);
     // Fires a transition from *current* into *next*, which is replaced. An effect that no state can
@@ -106,7 +107,7 @@ private:
     struct ElapsedTime;
     void lockFirstStates();
     void announceStep(scenarEvent const& event) const;
-    void commandStep(scenarEvent const& event, PendingTransitions& pending);
+    void commandStep(scenarEvent& event, PendingTransitions& pending);
     void observationStep(scenarEvent const& event);
     void diagnose(std::unique_ptr<Trajectory> refuted, Observations const& observations);
     void skipObservations();

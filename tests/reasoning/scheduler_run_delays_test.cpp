@@ -98,4 +98,61 @@ TEST_F(DelayedRun, SoDoesTheEndOfTheScenario) {
     EXPECT_EQ(sMM->time, 1);
 }
 
+// Two components with a command each: b takes its command at the next step, and gives that of c two
+// steps after the one that its history stands at. An observation is a step in which no history
+// moves, so the command that follows one is given at step 2 to histories that stand at 0, and two
+// steps after 0 is the step that runs.
+class CommandOfTheRunningStep : public testing::Test {
+protected:
+    CommandOfTheRunningStep() {
+        Comp* b = model.comp("b");
+        auto* cmd = model.variable<CommandVar>(b, "cmd", {"none", "go"});
+        auto* mode = model.variable<ModeVar>(b, "mode", {"off", "on"});
+        Comp* c = model.comp("c");
+        auto* given = model.variable<CommandVar>(c, "cmd", {"none", "go", "stop"});
+        auto* moved = model.variable<ModeVar>(c, "mode", {"off", "on"});
+        HandModel::delayed(
+            b, {{true, cmd->getAtomLinks()[1]}, {true, mode->getAtomLinks()[0]}},
+            {{1, {{true, mode->getAtomLinks()[1]}}}, {2, {{true, given->getAtomLinks()[1]}}}});
+        HandModel::transition(c,
+                              {{true, given->getAtomLinks()[1]}, {true, moved->getAtomLinks()[0]}},
+                              {{true, moved->getAtomLinks()[1]}});
+        // Reached from the commands of c, and none of them need hold.
+        Comp* d = model.comp("d");
+        auto* follows = model.variable<ModeVar>(d, "mode", {"off", "on"});
+        HandModel::transition(
+            d, {{false, given->getAtomLinks()[2]}, {true, follows->getAtomLinks()[0]}},
+            {{true, follows->getAtomLinks()[1]}});
+        model.start();
+        DataManager::tracked_traj.clear();
+        DataManager::tracked_traj.emplace(1.0, std::move(model.traj));
+        DataManager::tracked_traj.emplace(0.5,
+                                          std::make_unique<Trajectory>(&DataManager::active_atoms));
+    }
+
+    HandModel model;
+};
+
+TEST_F(CommandOfTheRunningStep, ItReachesTheLaterHistoriesOfThatStep) {
+    TextFile const file("Observation b.mode=off\nCommand b.cmd=go\n");
+    streamsOf([&] { sMM->runSchD(file.path); });
+    ASSERT_EQ(DataManager::tracked_traj.size(), 2u);
+    Trajectory const* first = DataManager::tracked_traj.begin()->second.get();
+    Trajectory const* second = std::next(DataManager::tracked_traj.begin())->second.get();
+    auto const labelAt = [](Trajectory const* traj, char const* id, int t) {
+        return traj->getElt(id, t, 0)->getLabel();
+    };
+    for (Trajectory const* each : {first, second})
+        ASSERT_EQ(each->getCurrentTime(), 1);
+    EXPECT_EQ(labelAt(first, "b.mode=on", 1), "true");
+    // Appended while the first history moved: it was not asserted there, and fires nothing.
+    EXPECT_EQ(labelAt(first, "c.cmd=go", 0), "false");
+    EXPECT_EQ(labelAt(first, "c.mode=off", 1), "true");
+    EXPECT_EQ(labelAt(first, "d.mode=off", 1), "true");
+    EXPECT_EQ(labelAt(second, "c.cmd=go", 0), "true");
+    EXPECT_EQ(labelAt(second, "c.mode=off", 0), "true");
+    EXPECT_EQ(labelAt(second, "c.mode=on", 1), "true");
+    EXPECT_EQ(labelAt(second, "d.mode=on", 1), "true");
+}
+
 }  // namespace

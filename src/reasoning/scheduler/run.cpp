@@ -82,7 +82,7 @@ void Scheduler::run2() {
     // A null event, or none, ends the run.
     for (auto next = scenario.find(time + 1); next != scenario.end() && next->second != nullptr;
          next = scenario.find(time + 1)) {
-        scenarEvent const& event = *next->second;
+        scenarEvent& event = *next->second;
         announceStep(event);
         if (event.isCommand)
             commandStep(event, pending);
@@ -97,16 +97,16 @@ void Scheduler::run2() {
     }
 }
 
-void Scheduler::commandStep(scenarEvent const& event, PendingTransitions& pending) {
+void Scheduler::commandStep(scenarEvent& event, PendingTransitions& pending) {
     ++time;
     ElapsedTime const elapsed;
     double sum = 0.0;
-    // Required: one list for all histories, to which each adds the commands that still run.
-    std::vector<Atom*> commands = event.atoms;
     for (auto const& entry : tracked_traj) {
         Trajectory* traj = entry.second.get();
         int const before = traj->getCurrentTime();
-        constructNextNominalStateLarge(traj, commands, false, pending);
+        // Required: one list for all histories, to which each adds the commands that still run, and
+        // those that one of its transitions gives for this very step.
+        constructNextNominalStateLarge(traj, event.atoms, false, pending);
         if (traj->getCurrentTime() == before)
             syncPreviousState(traj);
         if (State const* state = traj->getState(time)) {

@@ -61,7 +61,8 @@ void Scheduler::constructNextNominalStateLarge(Trajectory* traj, std::vector<Ato
         closeStep(step);
         return;
     }
-    for (Atom const* atom : step.commands)
+    // A copy: a transition that fires may give a command for the step that runs.
+    for (Atom const* atom : std::vector<Atom*>(step.commands))
         fireTransitionsOf(atom, step);
     for (auto const& entry : step.settled->already_changed)
         fireTransitionsOf(entry.second->atom, step);
