@@ -85,7 +85,7 @@ public:
     void constructNextNominalStateLarge(Trajectory* traj, std::vector<Atom*>& commands,
                                         bool keepUnlocked, PendingTransitions& pending);
     // Fires a transition from *current* into *next*, which is replaced. An effect that no state can
-    // hold is told, and then nothing has fired: *next* is as it was.
+    // hold is told, and then nothing has fired: nothing of the transition stays.
     void triggerTransition(Transition* transition, State* current, std::unique_ptr<State>& next,
                            Trajectory* traj, PendingTransitions& pending, int time);
     void addBridgeConditions(ElementTable const& table);
@@ -122,17 +122,14 @@ private:
     void fireTransitionsOf(Atom const* atom, NominalStep& step);
     void endPendingTransitions(NominalStep& step);
     void closeStep(NominalStep& step);
-    SignedElements effectsOf(Transition* transition, StateFormula const* formula, int delay,
-                             State* next, Trajectory* traj, PendingTransitions const& pending,
-                             int time);
+    struct Firing;
+    class Takeback;
+    SignedElements effectsOf(Firing& firing, StateFormula const* formula, int delay);
     bool settleNext(SignedElements const& props, std::unique_ptr<State>& next, Trajectory* traj,
                     int time);
-    bool fireEffect(Transition* transition, StateFormula const* formula, int delay, State* current,
-                    std::unique_ptr<State>& next, Trajectory* traj,
-                    PendingTransitions const& pending, int time);
-    bool fireDelayedEffects(Transition* transition, State* current, std::unique_ptr<State>& next,
-                            Trajectory* traj, PendingTransitions& pending, int time);
-    void linkGuard(Transition* transition, State* current, Trajectory* traj, int time);
+    bool fireEffect(Firing& firing, StateFormula const* formula, int delay);
+    bool fireDelayedEffects(Firing& firing);
+    static void linkGuard(Firing const& firing);
     std::vector<Atom*> commandsAt(double time, Trajectory* traj);
 
     std::string scenarioPath;

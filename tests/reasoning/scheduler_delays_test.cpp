@@ -151,6 +151,69 @@ TEST_F(DelayedEffects, AnImpossibleEffectTakesTheWholeTransitionBack) {
     EXPECT_TRUE(model.rt.bridgeTrans.empty());
 }
 
+// A pump that would start and give the fan's command, were it not that its last effect names two
+// values of one mode. Its guard asks for a door that the step does not hold: the first effect pulls
+// it there, and it goes on idle.
+class TakenBack : public DelayedEffects {
+protected:
+    TakenBack() {
+        Comp* doors = model.comp("door");
+        shut = model.variable<ModeVar>(doors, "mode", {"shut", "open"})->getAtomLinks()[0];
+        keepsShut = HandModel::idle(doors, shut);
+        HandModel::transition(fan, {{true, fanGo}}, {{true, fast}});
+        // At step 1 an element with the index -1 is due at delay 3.
+        starts = HandModel::delayed(pump, {{true, go}, {true, off}, {true, shut}},
+                                    {{1, {{true, on}, {true, fanGo}}},
+                                     {3, {{true, shut}, {true, shut->getSiblings()[1]}}}});
+        on->bridged = true;
+        model.start();
+        step({fanGo});
+    }
+    TrajEl const* at(int t, Atom const* atom) const {
+        return model.traj->getState(t)->getElt(atom->getId());
+    }
+
+    Atom* shut;
+    Transition *keepsShut, *starts;
+};
+
+TEST_F(TakenBack, NothingOfAnImpossibleTransitionStays) {
+    ASSERT_EQ(model.traj->getCurrentTime(), 1);
+    ASSERT_EQ(at(1, shut), nullptr);
+    EXPECT_EQ(step({go}).err, "Error update the current state: no valid state found.\n");
+    EXPECT_EQ(model.traj->getCurrentTime(), 1);
+    EXPECT_TRUE(pending.empty());
+    EXPECT_TRUE(sMM->scenario.empty());
+    EXPECT_TRUE(at(1, go)->nextTrans.empty());
+    EXPECT_EQ(at(1, off)->nextTrans.count(starts->id), 0u);
+    EXPECT_EQ(at(1, shut), nullptr);
+    EXPECT_EQ(model.traj->getState(1)->comps.count("door"), 0u);
+    EXPECT_TRUE(at(0, shut)->nextTrans.empty());
+    EXPECT_TRUE(model.rt.bridgeConds.empty());
+    // So the next step is free of it.
+    EXPECT_EQ(step({}).err, "");
+}
+
+TEST_F(TakenBack, WhatItReplacedComesBack) {
+    pending.insert({starts->id, transitionCM{starts, 0, go}});
+    TrajEl* element = model.traj->getState(0)->getElt(shut->getId());
+    element->addToNextTrans(keepsShut);
+    TrajEl::Transitions const links = element->nextTrans;
+    EXPECT_EQ(step({go}).err, "Error update the current state: no valid state found.\n");
+    ASSERT_EQ(pending.size(), 1u);
+    EXPECT_EQ(pending.begin()->second.start, 0);
+    EXPECT_EQ(at(0, shut)->nextTrans, links);
+}
+
+// Also a plain transition's.
+TEST_F(DelayedEffects, ACommandOfAnImpossibleEffectIsNotGiven) {
+    HandModel::transition(pump, {{true, go}, {true, off}},
+                          {{true, fanGo}, {true, fast}, {true, fast->getSiblings()[0]}});
+    model.start();
+    EXPECT_EQ(step({go}).err, "Error update the current state: no valid state found.\n");
+    EXPECT_TRUE(sMM->scenario.empty());
+}
+
 // In a hybrid run every cycle starts without running transitions.
 TEST_F(DelayedEffects, NothingIsPendingInTheNextCycle) {
     Transition* starts = HandModel::delayed(pump, {{true, go}, {true, off}},

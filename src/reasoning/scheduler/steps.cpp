@@ -4,6 +4,8 @@
 // settled elements trigger, fire into the next state. Only the first result of each propagation is
 // followed, and only transitions reachable from what changed are examined, never all of the model.
 #include <iostream>
+#include <optional>
+#include <utility>
 
 #include "continuous/bridge.h"
 #include "model/StateVar.h"
@@ -144,30 +146,73 @@ void Scheduler::closeStep(NominalStep& step) {
     }
 }
 
+// One transition that fires into the next state.
+struct Scheduler::Firing {
+    Transition* transition;
+    State* current;
+    std::unique_ptr<State>& next;
+    Trajectory* traj;
+    PendingTransitions& pending;
+    int now;
+    // Commands that it gives and their steps. They become events once every effect holds.
+    std::vector<std::pair<Atom*, int>> given;
+};
+
+// What the effects before an impossible one leave behind in the history and in what runs, to be
+// taken back. Borrows the elements of the history.
+class Scheduler::Takeback {
+public:
+    explicit Takeback(Firing const& firing) : comps(firing.current->comps) {
+        for (auto const& entry : firing.traj->states)
+            for (auto const& element : entry.second->elts)
+                if (element.second != nullptr)
+                    links.emplace_back(element.second, element.second->nextTrans);
+        if (auto const found = firing.pending.find(firing.transition->id);
+            found != firing.pending.end())
+            running = found->second;
+    }
+    // The components go first: those that were pulled into the current state are not in the list.
+    void apply(Firing const& firing) const {
+        string_map<Comp*> const held = firing.current->comps;
+        for (auto const& [name, comp] : held)
+            if (comps.count(name) == 0)
+                firing.traj->removeComp(comp, firing.now);
+        for (auto const& [element, transitions] : links)
+            element->nextTrans = transitions;
+        firing.pending.erase(firing.transition->id);
+        if (running)
+            firing.pending.insert({firing.transition->id, *running});
+    }
+
+private:
+    string_map<Comp*> comps;  // of the current state
+    std::vector<std::pair<TrajEl*, TrajEl::Transitions>> links;
+    std::optional<transitionCM> running;
+};
+
 // The elements of the effect to be asserted. Commands among the atoms become events instead.
-SignedElements Scheduler::effectsOf(Transition* transition, StateFormula const* formula, int delay,
-                                    State* next, Trajectory* traj,
-                                    PendingTransitions const& pending, int now) {
+SignedElements Scheduler::effectsOf(Firing& firing, StateFormula const* formula, int delay) {
     SignedElements props;
     bool const delayed = delay != noDelay;
-    bool const running = delayed && pending.count(transition->id) != 0;
+    bool const running = delayed && firing.pending.count(firing.transition->id) != 0;
+    int const now = firing.now;
     for (Atom* atom : formula->getAllAtoms()) {
         // A command's element is fetched too: the next state then holds its component.
-        TrajEl* element = getElt(atom->getId(), {next, traj, now + 1}, false);
+        TrajEl* element = getElt(atom->getId(), {firing.next.get(), firing.traj, now + 1}, false);
         if (atom->getVarType() == typeCommand) {
-            addCommandEvent(atom, delayed ? now + delay : now + 1);
+            firing.given.emplace_back(atom, delayed ? now + delay : now + 1);
             continue;
         }
         if (element == nullptr)
             continue;
         if (!running) {
-            element->prevTrans = transition;
+            element->prevTrans = firing.transition;
             element->index = now;
         }
         if (!delayed || element->index + delay == now + 1)
             props.insert({true, element});
         else
-            addCommandEvent(atom, now + delay);
+            firing.given.emplace_back(atom, now + delay);
     }
     return props;
 }
@@ -191,37 +236,37 @@ bool Scheduler::settleNext(SignedElements const& props, std::unique_ptr<State>& 
 }
 
 // The guard's elements in the current state remember what leaves them.
-void Scheduler::linkGuard(Transition* transition, State* current, Trajectory* traj, int now) {
-    for (Atom const* atom : transition->pre->getAllAtoms()) {
-        if (current->getElt(atom->getId()) == nullptr)
-            traj->addComp(atom->getVarComp(), current, now, true, false);
-        if (TrajEl* element = current->getElt(atom->getId()))
-            element->addToNextTrans(transition);
+void Scheduler::linkGuard(Firing const& firing) {
+    for (Atom const* atom : firing.transition->pre->getAllAtoms()) {
+        if (firing.current->getElt(atom->getId()) == nullptr)
+            firing.traj->addComp(atom->getVarComp(), firing.current, firing.now, true, false);
+        if (TrajEl* element = firing.current->getElt(atom->getId()))
+            element->addToNextTrans(firing.transition);
     }
 }
 
-bool Scheduler::fireEffect(Transition* transition, StateFormula const* formula, int delay,
-                           State* current, std::unique_ptr<State>& next, Trajectory* traj,
-                           PendingTransitions const& pending, int now) {
-    SignedElements const props =
-        effectsOf(transition, formula, delay, next.get(), traj, pending, now);
-    if (!settleNext(props, next, traj, now))
+bool Scheduler::fireEffect(Firing& firing, StateFormula const* formula, int delay) {
+    SignedElements const props = effectsOf(firing, formula, delay);
+    if (!settleNext(props, firing.next, firing.traj, firing.now))
         return false;
-    linkGuard(transition, current, traj, now);
+    linkGuard(firing);
     return true;
 }
 
-// The effects of a multi-valued transition, up to the first that no state can hold.
-bool Scheduler::fireDelayedEffects(Transition* transition, State* current,
-                                   std::unique_ptr<State>& next, Trajectory* traj,
-                                   PendingTransitions& pending, int now) {
+// The effects of a multi-valued transition. The first that no state can hold takes back what those
+// before it did outside the next state.
+bool Scheduler::fireDelayedEffects(Firing& firing) {
+    Takeback const takeback(firing);
+    Transition* transition = firing.transition;
     for (auto const& [delay, formula] : *transition->posts) {
-        if (!fireEffect(transition, formula, delay, current, next, traj, pending, now))
+        if (!fireEffect(firing, formula, delay)) {
+            takeback.apply(firing);
             return false;
+        }
         for (Atom* atom : transition->pre->getAllAtoms())
             if (atom->getVarType() == typeCommand) {
-                pending.erase(transition->id);
-                pending.insert({transition->id, transitionCM{transition, now, atom}});
+                firing.pending.erase(transition->id);
+                firing.pending.insert({transition->id, transitionCM{transition, firing.now, atom}});
             }
     }
     return true;
@@ -233,20 +278,26 @@ void Scheduler::triggerTransition(Transition* transition, State* current,
     if (!transition->post && !transition->posts)
         return;
     std::unique_ptr<State> before = exactCopy(next.get());
-    if (!discretemdl)
+    BridgeAtoms conditions;
+    if (!discretemdl) {
+        conditions = runtime->bridgeConds;
         addBridgeTrans(transition, runtime);
-    bool const fired = transition->post
-                           ? fireEffect(transition, transition->post.get(), noDelay, current, next,
-                                        traj, pending, now)
-                           : fireDelayedEffects(transition, current, next, traj, pending, now);
+    }
+    Firing firing{transition, current, next, traj, pending, now, {}};
+    bool const fired = transition->post ? fireEffect(firing, transition->post.get(), noDelay)
+                                        : fireDelayedEffects(firing);
     if (fired) {
+        for (auto const& [command, step] : firing.given)
+            addCommandEvent(command, step);
         if (transition->post)
             transition->showMove();
         return;
     }
     next = std::move(before);
-    if (!discretemdl)
+    if (!discretemdl) {
         runtime->bridgeTrans.pop_back();  // it did not fire
+        runtime->bridgeConds = std::move(conditions);
+    }
 }
 
 void Scheduler::addBridgeConditions(ElementTable const& table) {
