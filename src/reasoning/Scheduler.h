@@ -130,6 +130,7 @@ private:
     bool fireEffect(Firing& firing, StateFormula const* formula, int delay);
     bool fireDelayedEffects(Firing& firing);
     static void linkGuard(Firing const& firing);
+    static void takeBackEmptyState(Trajectory* traj);
     std::vector<Atom*> commandsAt(double time, Trajectory* traj);
 
     std::string scenarioPath;

@@ -351,4 +351,21 @@ TEST_F(Walk, AnImpossibleDatedCommandIsToldForEveryCandidate) {
         EXPECT_EQ(thermostatOf(entry.second.get()), "on");
 }
 
+// The empty state that a command step begins with goes when the step fails: last states without
+// elements would be equal, and one of the candidates lost.
+TEST_F(Walk, CandidatesThatDifferStayApartAfterAnImpossibleCommand) {
+    hybTrajectory const* other = add(1.0, 0.5);
+    other->traj->getLastState()->getElt("thermostat.mode=on")->setLabel("unknown");
+    int const before = first->traj->getCurrentTime();
+    sMM->scenario[2.0] = std::make_unique<scenarEvent>(scenarEvent{
+        true, {ReferenceModel::atom("room.cmdin=close"), ReferenceModel::atom("room.cmdin=none")}});
+    std::string const told = step(detection(1));
+    EXPECT_EQ(occurrences(told, "no valid state found."), 2);
+    ASSERT_EQ(tracked_trajs.size(), 2u);
+    for (auto const& entry : tracked_trajs) {
+        EXPECT_EQ(entry.second->traj->getCurrentTime(), before);
+        EXPECT_EQ(entry.second->rt->tStart, before);
+    }
+}
+
 }  // namespace

@@ -148,6 +148,32 @@ TEST_F(DiscreteCycle, AnImpossibleCommandIsToldAndForgotten) {
     EXPECT_TRUE(model.rt.bridgeTrans.empty());
 }
 
+TEST_F(DiscreteCycle, AStepThatFailsTakesItsEmptyStateBack) {
+    model.start();
+    auto const times = model.traj->timeCorr;
+    sMM->contCommands = {model.close, model.none};
+    EXPECT_EQ(cycle(1.0),
+              "valve.cmd=close\nvalve.cmd=none\n"
+              "Error update the current state: no valid state found.\n");
+    EXPECT_EQ(model.traj->getCurrentTime(), 0);
+    EXPECT_FALSE(model.traj->getLastState()->elts.empty());
+    EXPECT_EQ(model.traj->timeCorr, times);
+    EXPECT_EQ(model.rt.tStart, 0.0);
+    // The next one begins as if it had not been.
+    EXPECT_EQ((sMM->contCommands = {model.open}, cycle(2.0)), "valve.cmd=open\n");
+    EXPECT_EQ(model.traj->getCurrentTime(), 2);
+}
+
+// The events of the same cycle made a state of their own, and it stays.
+TEST_F(DiscreteCycle, WhatTheEventsSettledStays) {
+    model.start();
+    sMM->contEvents.insert({true, high});
+    sMM->contCommands = {model.close, model.none};
+    cycle(1.0);
+    EXPECT_EQ(model.traj->getCurrentTime(), 1);
+    EXPECT_EQ(model.label("level.c=high", 1), "true");
+}
+
 // ---- Events of the continuous side ----
 
 TEST_F(DiscreteCycle, ATrueEventIsFixedInTheCurrentState) {

@@ -315,6 +315,15 @@ int Scheduler::syncPreviousState(Trajectory* traj) {
     return 1;
 }
 
+// A state that was added for commands is empty still when they failed. It may not stay: candidates
+// are compared by their last states, and two without elements are equal.
+void Scheduler::takeBackEmptyState(Trajectory* traj) {
+    if (!traj->getLastState()->elts.empty())
+        return;
+    traj->removeLastState();
+    traj->timeCorr.pop_back();
+}
+
 void Scheduler::addContEvents(Trajectory* traj) {
     int const t = traj->getCurrentTime();
     StateSite const site{traj->getState(t), traj, t};
@@ -372,10 +381,12 @@ void Scheduler::doCycle(Trajectory* traj, s_runtime* rt, double when) {
     }
     std::vector<Atom*> commands = commandsAt(when, traj);
     if (!commands.empty()) {
-        syncPreviousState(traj);
+        bool const added = syncPreviousState(traj) == 1;
         for (Atom const* command : commands)
             std::cerr << command->getId() << "\n";
         constructNextNominalStateLarge(traj, commands, false, pending);
+        if (added)
+            takeBackEmptyState(traj);
         contCommands.clear();
     }
     if (rt != nullptr)
