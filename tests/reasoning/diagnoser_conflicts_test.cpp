@@ -106,6 +106,34 @@ TEST_F(DiagnoserConflicts, WithoutAnEffectThereIsNoneOfEitherKind) {
     EXPECT_TRUE(found(1, guards).empty());
 }
 
+// Nothing stands before the first step, so that the step itself is the nearest that holds it.
+TEST_F(DiagnoserConflicts, ADeniedEffectOfTheFirstStepIsOneToo) {
+    start();
+    state(0)->setPrevTrans(elt("m=shut", 0), keeps);  // open, its effect, is false
+    ConflictSet const set = found(0, effects);
+    EXPECT_EQ(only(set), "c.m=open 0 true");
+    EXPECT_EQ(set.begin()->second.element, elt("m=open", 0));
+}
+
+TEST_F(DiagnoserConflicts, SoItIsWhenTheWindowBeginsLater) {
+    start(Trajectory::twd + 1);
+    int const first = history()->firstTime;
+    ASSERT_GT(first, 0);
+    state(first)->setPrevTrans(elt("m=shut", first), keeps);
+    EXPECT_EQ(only(found(first, effects)), "c.m=open " + std::to_string(first) + " true");
+}
+
+// The search looks for what could have led there, as at any other step.
+TEST_F(DiagnoserConflicts, AConflictOfTheFirstStepIsExplainedThere) {
+    start();
+    mode(0, "stuck");
+    state(0)->setPrevTrans(elt("m=shut", 0), stays);
+    ConflictSet const set = found(0, effects);
+    ASSERT_EQ(only(set), "c.m=shut 0 true");
+    explain(set, 0, 5.0, effects);
+    EXPECT_NE(errors.take().find("[immediateSuccessors] --> "), std::string::npos);
+}
+
 // ---- Guards ----
 
 TEST_F(DiagnoserConflicts, AGuardThatNoLongerHeldOneStepBeforeIsOne) {

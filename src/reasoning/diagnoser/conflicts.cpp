@@ -17,10 +17,11 @@ void addEffectConflicts(Trajectory const* trajectory, int t, Transition const* t
     State const* state = trajectory->getState(t);
     for (Atom const* atom : transition->post->getAllAtoms()) {
         TrajEl* element = state->getElt(atom->getId());
-        int position = 0;
-        if (element != nullptr && element->isLabelled(labelFalse) &&
-            trajectory->getElt(atom->getId(), t - 1, 0, position) != nullptr)
-            conflicts[atom->getId()] = disConflict(element, position);
+        if (element == nullptr || !element->isLabelled(labelFalse))
+            continue;
+        int position = t;  // when nothing stands before
+        trajectory->getElt(atom->getId(), t - 1, 0, position);
+        conflicts[atom->getId()] = disConflict(element, position);
     }
 }
 
