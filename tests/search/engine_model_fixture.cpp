@@ -9,18 +9,13 @@
 
 #include "model/CommandVar.h"
 #include "model/ModeVarrt.h"
-#include "model/exclusiveChoice.h"
 #include "model/labels.h"
 #include "model/transitionParts.h"
+#include "search/engine_parts_fixture.h"
 
 namespace random_models {
 
 namespace {
-
-char const* const modeNames[] = {"m0", "m1", "bad", "worse"};
-char const* const commandNames[] = {"none", "go", "back"};
-char const* const outNames[] = {"lo", "hi"};
-char const* const compNames[] = {"a", "b", "c"};
 
 std::size_t at(int index) {
     return static_cast<std::size_t>(index);
@@ -37,32 +32,6 @@ EngineModel::EngineModel(Case const& example) : example(example), built(example.
 }
 
 // ---- The model ----
-
-namespace {
-
-template <typename Variable>
-Variable* makeVariable(Comp* comp, std::string const& name, char const* const* values, int count) {
-    auto* made = comp->addStateVar(std::make_unique<Variable>(
-        comp->name + "." + name, std::set<std::string>(values, values + count), values[0], comp));
-    for (int i = 0; i < count; ++i)
-        comp->newAtom((name + values[i]).c_str(), made, values[i]);
-    addExclusiveChoice(made);
-    return made;
-}
-
-Atom* atomOf(StateVar const* variable, int value) {
-    return variable->getAtomLinks()[at(value)];
-}
-
-// The first literal is the conclusion; the others are negated.
-void addRule(Comp* comp, Atom* conclusion, std::vector<Atom*> const& premises) {
-    Clause* clause = DataManager::addClause(std::make_unique<Clause>(comp));
-    clause->addAtomRef(conclusion, false);
-    for (Atom* premise : premises)
-        clause->addAtomRef(premise, true);
-}
-
-}  // namespace
 
 void EngineModel::build(int index) {
     Component const& component = example.components[at(index)];
@@ -216,26 +185,6 @@ MoveOf EngineModel::moveOf(int id) const {
 
 // ---- Histories as the engine tells them ----
 
-// Exactly one atom of a variable holds at a step.
-int EngineModel::valueOf(Trajectory const* trajectory, StateVar const* variable, int step,
-                         std::vector<std::string>& errors) const {
-    int value = 0;
-    int holding = 0;
-    std::string labels;
-    for (Atom const* atom : variable->getAtomLinks()) {
-        TrajEl const* element = trajectory->getElt(atom->getId(), step, 0);
-        labels += " " + (element != nullptr ? element->getLabel() : "missing");
-        if (element == nullptr || !element->evalTrajEl())
-            continue;
-        value = atom->linkIndex;
-        ++holding;
-    }
-    if (holding != 1)
-        errors.push_back("step " + std::to_string(step) + ": " + variable->getName() + " is" +
-                         labels);
-    return value;
-}
-
 // Where the engine names no transition into a mode, it is the one that keeps it.
 bool EngineModel::isMeant(int component, int move, Transition const* taken, int to) const {
     Move const& plain = example.move(component, move);
@@ -262,29 +211,11 @@ int EngineModel::moveInto(Trajectory const* trajectory, int component, int step,
     return 0;
 }
 
-// Every clause holds.
-void EngineModel::checkShown(Trajectory const* trajectory, int step,
-                             std::vector<std::string>& errors) const {
-    for (auto const& clause : DataManager::cls) {
-        bool const satisfied =
-            std::any_of(clause->atoms.begin(), clause->atoms.end(), [&](auto const& literal) {
-                TrajEl const* element = trajectory->getElt(literal.second->getId(), step, 0);
-                return element != nullptr &&
-                       element->isLabelled(literal.first ? labelFalse : labelTrue);
-            });
-        if (satisfied)
-            continue;
-        errors.push_back("step " + std::to_string(step) + ": violated:");
-        for (auto const& [negated, atom] : clause->atoms)
-            errors.back() += std::string(negated ? " not " : " ") + atom->getId();
-    }
-}
-
 // Also checks the rest of what the step tells.
 Modes EngineModel::modesAt(Trajectory const* trajectory, int step,
                            std::vector<std::string>& errors) const {
     Modes modes;
-    checkShown(trajectory, step, errors);
+    checkClauses(trajectory, step, errors);
     for (std::size_t i = 0; i < built.size(); ++i) {
         modes.push_back(valueOf(trajectory, built[i].mode, step, errors));
         valueOf(trajectory, built[i].out, step, errors);

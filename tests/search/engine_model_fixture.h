@@ -65,12 +65,9 @@ private:
     static Trajectory* followed();
     MoveOf moveOf(int id) const;
 
-    int valueOf(Trajectory const* trajectory, StateVar const* variable, int step,
-                std::vector<std::string>& errors) const;
     bool isMeant(int component, int move, Transition const* taken, int to) const;
     int moveInto(Trajectory const* trajectory, int component, int step, Modes const& from, int to,
                  std::vector<std::string>& errors) const;
-    void checkShown(Trajectory const* trajectory, int step, std::vector<std::string>& errors) const;
     Modes modesAt(Trajectory const* trajectory, int step, std::vector<std::string>& errors) const;
     void readMoves(Trajectory const* trajectory, int step, Modes const& modes, ModeHistory& history,
                    std::vector<std::string>& errors) const;

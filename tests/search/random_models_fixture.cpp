@@ -2,7 +2,8 @@
 #include "search/random_models_fixture.h"
 
 #include <algorithm>
-#include <random>
+
+#include "search/dice.h"
 
 namespace random_models {
 
@@ -186,16 +187,6 @@ std::string Case::describe() const {
 // ---- Random cases ----
 
 namespace {
-
-class Dice {
-public:
-    explicit Dice(unsigned seed) : engine(seed) {}
-    int upTo(int last) { return static_cast<int>(engine() % static_cast<unsigned>(last + 1)); }
-    bool oneIn(int n) { return upTo(n - 1) == 0; }
-
-private:
-    std::mt19937 engine;
-};
 
 // What the modes m0 and m1 do when nothing fails: commands move them, or nothing does.
 void addNominalMoves(Component& component, int mode, double proba) {
