@@ -40,30 +40,11 @@ s_Objet sn_mkSpObjet(double lo, double hi) {
 }
 
 std::optional<s_Objet> copyObjet(s_Objet const* o) {
-    if (!o)
-        return std::nullopt;
-    s_Objet copy;
-    sn_putObjet(o, &copy);
-    if (o->type == OBJ_UNSET)
-        copy.rng = o->rng;
-    return copy;
+    return o != nullptr ? std::optional<s_Objet>(*o) : std::nullopt;
 }
 
 void sn_putObjet(s_Objet const* source, s_Objet* destination) {
-    destination->type = source->type;
-    switch (source->type) {
-        case OBJ_REAL:
-            destination->real = source->real;
-            break;
-        case OBJ_RANGE:
-            destination->rng = source->rng;
-            break;
-        case OBJ_WORD:
-            destination->word = source->word;
-            break;
-        default:
-            break;
-    }
+    *destination = *source;
 }
 
 double sn_infOf(s_Objet const& o) {
@@ -88,4 +69,10 @@ void sn_setInf(s_Objet* o, double inf) {
 void sn_setSup(s_Objet* o, double sup) {
     if (isRange(*o))
         o->rng.sup = sup;
+}
+
+void sn_setBounds(s_Objet* o, double inf, double sup) {
+    o->type = OBJ_RANGE;
+    o->rng.inf = inf;
+    o->rng.sup = sup;
 }

@@ -14,8 +14,9 @@
 //   - Relations are certain: 1 only when it holds for every point of the operands (equality of
 //     intervals: of the sets), so that an answer of 0 means "not known", never "false".
 //   - Bounds are ordinary doubles: no rounding outwards, no care for NaN, overflow is silent.
-//   - A number has no flags to keep: when it turns into an interval and nothing tells the flags,
-//     both ends are open.
+//   - A number keeps the flags of the interval that stood in its place before, for operations and
+//     assignments that make a number write the kind and the number alone. When it turns into an
+//     interval and nothing tells the flags, these hold; those of a fresh object are open.
 #pragma once
 
 #include <cfloat>
@@ -43,17 +44,34 @@ struct range {
     unsigned char supClosed;  // 1 when sup belongs to the interval; any other value means open
 };
 
-// A value, copied freely. It owns nothing, and belongs to the record that holds it. A new one is
-// unset and zero, so that nothing ever reads memory without a value.
+// A value. It owns nothing, and belongs to the record that holds it. A new one is unset and zero,
+// so that nothing ever reads memory without a value.
+//
+// Required: a copy is a fresh object, and of a number it takes the number without the flags that
+// the source remembers (copyObjet); an assignment writes in place, and an assigned number leaves
+// the flags of the interval that it takes the place of (sn_putObjet). A moved object is the same
+// one. These flags tell the brackets of later hulls, and with them whether a value of one point is
+// still in its domain. They outlive the number, so the fields share no storage.
 struct s_Objet {
-    constexpr s_Objet() : type(OBJ_UNSET), rng{} {}
+    constexpr s_Objet() = default;
+    constexpr s_Objet(s_Objet&&) = default;
+    constexpr s_Objet(s_Objet const& o)
+        : type(o.type), word(o.word), real(o.real), rng(o.type == OBJ_REAL ? range{} : o.rng) {}
+    constexpr s_Objet& operator=(s_Objet const& source) {
+        type = source.type;
+        if (type == OBJ_REAL)
+            real = source.real;
+        else if (type == OBJ_RANGE)
+            rng = source.rng;
+        else if (type == OBJ_WORD)
+            word = source.word;
+        return *this;
+    }
 
-    int type;
-    union {
-        double real;  // alive when type is OBJ_REAL
-        range rng;    // alive when type is OBJ_RANGE or OBJ_UNSET
-        int word;     // alive when type is OBJ_WORD
-    };
+    int type = OBJ_UNSET;
+    int word = 0;       // alive when type is OBJ_WORD
+    double real = 0.0;  // alive when type is OBJ_REAL
+    range rng{};        // alive when type is OBJ_RANGE or OBJ_UNSET; of an OBJ_REAL, the flags are
 };
 
 constexpr bool isReal(s_Objet const& o) {
@@ -99,11 +117,11 @@ s_Objet mkObjReal(double value);
 // A new interval ]lo, hi[, open at both ends.
 s_Objet sn_mkSpObjet(double lo, double hi);
 
-// A copy of *o, or nothing for null. An unset object is copied with its storage.
+// A copy of *o, or nothing for null. An unset object is copied with its bounds and flags.
 std::optional<s_Objet> copyObjet(s_Objet const* o);
 
-// *destination becomes *source. Of a source that is unset or of unknown type, the type alone is
-// taken over, and the storage of the destination keeps what it held.
+// *destination becomes *source, as by assignment. Of a source that is unset or of unknown type, the
+// type alone is taken over, and the destination keeps what it held.
 void sn_putObjet(s_Objet const* source, s_Objet* destination);
 
 // ---- Bounds ----
@@ -116,6 +134,9 @@ double sn_supOf(s_Objet const& o);
 // place of a lower bound: setting inf sets it, setting sup leaves it. Anything else stays.
 void sn_setInf(s_Objet* o, double inf);
 void sn_setSup(s_Objet* o, double sup);
+
+// *o becomes the interval between both bounds, with the flags that it has or remembers.
+void sn_setBounds(s_Objet* o, double inf, double sup);
 
 // ---- Arithmetic: *a becomes *a op *b, or f(*a) ----
 //

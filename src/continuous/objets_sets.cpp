@@ -38,18 +38,19 @@ int interRanges(s_Objet* a, range const& b) {
     return 1;
 }
 
-// Required: an open end is closed only by the number that equals it; a number farther out moves the
-// bound and leaves it open.
+// Required: an open end is closed only by the number that equals it, both ends when they are one
+// point; a number farther out moves the bound and leaves it open. Each end is looked at by itself:
+// between inverted bounds a number lies beyond both.
 void growToReal(range* a, double x) {
     if (contains(*a, x))
         return;
     if (x == a->sup)
         a->supClosed = 1;
-    else if (x == a->inf)
+    if (x == a->inf)
         a->infClosed = 1;
-    else if (x < a->inf)
+    if (x < a->inf)
         a->inf = x;
-    else if (x > a->sup)
+    if (x > a->sup)
         a->sup = x;
 }
 
@@ -63,7 +64,7 @@ void growFromReal(s_Objet* a, range const& b) {
         return;
     if (x == b.sup || x <= b.inf)
         a->rng.inf = x;
-    else if (x > b.sup)
+    if (x > b.sup)
         a->rng.sup = x;
 }
 
@@ -119,8 +120,9 @@ void sn_uniObjet(s_Objet* a, s_Objet const* b) {
     } else if (isRange(*b)) {
         growFromReal(a, b->rng);
     } else if (a->real != b->real) {
-        // Two numbers have no flags: the hull is open, though both of them are meant to be in it.
-        *a = makeRange(std::min(a->real, b->real), std::max(a->real, b->real), 0, 0);
+        // Required: the flags are those that a remembers, though both numbers are meant to be in
+        // it.
+        sn_setBounds(a, std::min(a->real, b->real), std::max(a->real, b->real));
     }
 }
 

@@ -103,6 +103,13 @@ inline int evaluations(s_Influence const& influence) {
     return count;
 }
 
+// Makes the scratch objects fresh ones, as they stand at the start of the program. An assignment
+// would leave the flags that they remember.
+inline void renewScratch() {
+    for (s_Objet* scratch : {TMP1, TMP2, TMP3, TMP4, TMP5, TMPII, TMPIS, TMPSI, TMPSS})
+        std::construct_at(scratch);
+}
+
 // Sets env_opti for the length of a test.
 class WithOpti {
 public:

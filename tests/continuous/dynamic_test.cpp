@@ -17,6 +17,7 @@ namespace {
 class Dynamic : public testing::Test {
 protected:
     Dynamic() {
+        renewScratch();
         y = plant.add("y", obj("8"));
         y->new_ = obj("1000");
         y->histo.set(0, obj("3"));
@@ -136,7 +137,7 @@ TEST_F(Dynamic, TheFlagsOfTheSumStay) {
     coefs(INF_DYNAMIC, "[0.5, 0.75]", "0", "0", "0");
     EXPECT_EQ(eval("[0, 4["), "[4, 7[");  // least 0.5 * 0 + 0.5 * 8, greatest 0.25 * 4 + 0.75 * 8
     EXPECT_EQ(eval("]0, 4]"), "]4, 7]");
-    EXPECT_EQ(eval("0"), "]4, 6[");  // a number has no flags to keep
+    EXPECT_EQ(eval("0"), "]4, 6]");  // the number stands where an interval was
 }
 
 TEST_F(Dynamic, AHullOfOnePointBecomesANumber) {

@@ -93,6 +93,7 @@ void EngineTest::dropSplit() {
 
 void EngineTest::reset() {
     dropSplit();
+    dynamic_test::renewScratch();
     env_opti = 1;
     rt_num = 0;
     inps.clear();

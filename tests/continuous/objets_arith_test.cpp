@@ -254,8 +254,8 @@ TEST(ObjetsAliasing, AnObjectWithItself) {
     EXPECT_EQ(withItself(sn_divObjet, "3"), "1");
 }
 
-// The flags of an interval that an object once was must not come back with the next interval.
-TEST(ObjetsFlags, ANumberForgetsTheFlagsItHadAsAnInterval) {
+// The flags that a number remembers give way to those of an interval that it is added to.
+TEST(ObjetsFlags, ANumberTakesTheFlagsOfTheIntervalItIsAddedTo) {
     s_Objet a = obj("[1, 2]");
     s_Objet const zero = obj("0"), open = obj("]3, 4[");
     sn_mulObjet(&a, &zero);

@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <memory>
 #include <string>
 #include <type_traits>
 
@@ -21,7 +22,6 @@ s_Objet makeWord(int word) {
     return o;
 }
 
-static_assert(std::is_trivially_copyable_v<s_Objet>);
 static_assert(std::is_same_v<boolVal, int>);
 
 TEST(ObjetsMaking, ANewObjectIsUnsetAndZero) {
@@ -169,7 +169,7 @@ TEST(ObjetsShared, TheScratchObjectsAreNineDistinctOnes) {
         *scratch[i] = makeRange(i, i + 1, 1, 1);
     for (int i = 0; i < 9; ++i) {
         EXPECT_EQ(scratch[i]->rng.inf, i);
-        *scratch[i] = s_Objet{};
+        std::construct_at(scratch[i]);
     }
 }
 

@@ -71,14 +71,13 @@ public:
         hi = noted ? std::max(hi, sn_supOf(value)) : sn_supOf(value);
         noted = true;
     }
-    // TMP1 becomes the hull, and a number when it is one point. An interval keeps its flags.
+    // TMP1 becomes the hull, and a number when it is one point.
+    // Required: its flags stay, also those that it remembers as a number.
     void putInSum() const {
         if (lo == hi)
             *TMP1 = makeReal(lo);
-        else if (isRange(*TMP1))
-            TMP1->rng = {lo, hi, TMP1->rng.infClosed, TMP1->rng.supClosed};
         else
-            *TMP1 = sn_mkSpObjet(lo, hi);
+            sn_setBounds(TMP1, lo, hi);
     }
 
 private:
