@@ -11,6 +11,7 @@
 #include <deque>
 
 #include "continuous/isolation.h"
+#include "support/memory_watch.h"
 
 long numberUnionSubsets(int n) {
     return (1L << n) - 1;
@@ -114,6 +115,7 @@ private:
     void generateSynonyms(SoftVar& node, std::vector<SoftVar*> const& subset, std::size_t position,
                           Suspects const& accumulated) {
         for (Suspects const& set : subset[position]->sets) {
+            watchMemory();
             Suspects const united = unite(set, accumulated);
             if (position + 1 < subset.size())
                 generateSynonyms(node, subset, position + 1, united);
