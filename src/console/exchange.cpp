@@ -154,21 +154,48 @@ int initDispAll(s_runtime* rt, double rows) {
 }
 
 // The size of the table is that of the first candidate, for all.
-void writeDispAll(std::FILE* stream, HybMap const& trajectories, int rows) {
-    std::cout << "writing " << trajectories.size() << " trajectories\n";
-    if (trajectories.empty() || stream == nullptr)
+namespace {
+
+// *tableOf* tells the table of an entry of *candidates*. Allocates nothing.
+template <typename Candidates, typename TableOf>
+void writeRows(std::FILE* stream, Candidates const& candidates, int width, int rows,
+               TableOf tableOf) {
+    std::cout << "writing " << candidates.size() << " trajectories\n";
+    if (candidates.empty() || stream == nullptr || width == 0)
         return;
-    s_runtime const& first = *trajectories.begin()->second->rt;
-    int const width = 2 * static_cast<int>(first.display.size());
-    if (width == 0)
-        return;
-    rows = std::min(rows, first.extra.size() / width);
+    rows = std::min(rows, tableOf(*candidates.begin()).size() / width);
     for (int row = 0; row < rows; ++row) {
-        for (auto const& entry : trajectories)
+        for (auto const& entry : candidates)
             for (int k = 0; k < width; ++k)
-                std::fprintf(stream, "%g ", entry.second->rt->extra[row * width + k]);
+                std::fprintf(stream, "%g ", tableOf(entry)[row * width + k]);
         std::fprintf(stream, "\n");
     }
+}
+
+int widthOf(HybMap const& trajectories) {
+    return trajectories.empty()
+               ? 0
+               : 2 * static_cast<int>(trajectories.begin()->second->rt->display.size());
+}
+
+}  // namespace
+
+void writeDispAll(std::FILE* stream, HybMap const& trajectories, int rows) {
+    writeRows(stream, trajectories, widthOf(trajectories), rows,
+              [](auto const& entry) -> DisplayTable const& { return entry.second->rt->extra; });
+}
+
+void writeDispAll(std::FILE* stream, KeptRows const& kept) {
+    writeRows(stream, kept.tables, kept.width, kept.rows,
+              [](DisplayTable const& table) -> DisplayTable const& { return table; });
+}
+
+KeptRows keepRows(HybMap const& trajectories, double time, int rows) {
+    KeptRows kept{time, rows, widthOf(trajectories), {}};
+    kept.tables.reserve(trajectories.size());
+    for (auto const& entry : trajectories)
+        kept.tables.push_back(entry.second->rt->extra);
+    return kept;
 }
 
 void closeRunFiles() {

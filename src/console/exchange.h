@@ -7,6 +7,7 @@
 
 #include <cstdio>
 #include <string>
+#include <vector>
 
 #include "hybrid/exchange.h"
 #include "hybrid/tavro-runt.h"
@@ -30,6 +31,16 @@ int tavro_setDisplays(char const* name, int count, double const* inf, double con
 int initDispAll(s_runtime* rt, double rows);
 // Writes the first *rows* rows of every candidate side by side, a line a row.
 void writeDispAll(std::FILE* stream, HybMap const& trajectories, int rows);
+// The rows of all candidates after some cycle, kept for the case that the next one does not come to
+// its end: shared with the candidates until these write into them.
+struct KeptRows {
+    double time = 0.0;  // of that cycle
+    int rows = 0;       // cycles so far
+    int width = 0;      // values in a row
+    std::vector<DisplayTable> tables;
+};
+KeptRows keepRows(HybMap const& trajectories, double time, int rows);
+void writeDispAll(std::FILE* stream, KeptRows const& kept);
 // Closes a file that was written, and says when it could not be written whole; standard output
 // stays open. The pointer becomes null.
 void closeOutput(std::FILE*& stream, std::string const& path);

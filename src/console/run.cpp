@@ -4,6 +4,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <iostream>
+#include <new>
 
 #include "console/console.h"
 #include "console/exchange.h"
@@ -74,10 +75,21 @@ int initDiscrete() {
     return 0;
 }
 
+// False when it fails, and when memory runs short: then there is no candidate.
+bool startRun(int global) {
+    try {
+        return tavro_initialize(global, precision, "", accuTime) == 1;
+    } catch (std::bad_alloc const&) {
+        clearNrt(hybNT != nullptr ? hybNT->rt.get() : nullptr);
+        clearMultiTrajs();
+        return false;
+    }
+}
+
 void initHybrid(int global) {
     if (!prepareEI() || !prepareMS() || !prepareDO() || !prepareMO())
         return;
-    if (tavro_initialize(global, precision, "", accuTime) != 1) {
+    if (!startRun(global)) {
         std::fprintf(stderr, "  Initializations failed.\n");
         return;
     }
@@ -116,7 +128,11 @@ int snDisc(char const*) {
         return 1;
     }
     std::cout << "inputFile: " << inputFile << "\n";
-    sMM->runSchD(inputFile);
+    try {
+        sMM->runSchD(inputFile);
+    } catch (std::bad_alloc const&) {
+        std::fprintf(stderr, "Memory runs short: the run stops.\n");
+    }
     disc_init = false;
     clearMultiTrajs();
     return 1;

@@ -5,6 +5,7 @@
 #include <cstdlib>
 #include <ctime>
 #include <iostream>
+#include <new>
 
 #include "console/exchange.h"
 #include "console/isolation_request.h"
@@ -13,6 +14,7 @@
 #include "continuous/sorn-runt.h"
 #include "hybrid/tavro-runt.h"
 #include "reasoning/Scheduler.h"
+#include "support/memory_watch.h"
 #include "support/numbers.h"
 #include "support/process.h"
 
@@ -20,33 +22,19 @@ namespace {
 
 constexpr double ticksPerSecond = 1000000.0;
 
-// Memory that a cycle may need on top of its candidates, in bytes.
-constexpr double memoryReserve = 64.0 * 1024.0 * 1024.0;
-
-// Stops a run before its candidates outgrow the memory: the system would otherwise end the process.
-class MemoryWatch {
-public:
-    MemoryWatch() : before(residentMemory()) {}
-
-    // True, with a message, when the next cycle might not fit. Candidates may double in a cycle.
-    bool runsShort() const {
-        double const taken = std::max(0.0, residentMemory() - before);
-        if (availableMemory() >= 2.0 * taken + memoryReserve)
-            return false;
-        std::fprintf(stderr, "Memory runs short with %d candidates: the run stops at time %g.\n",
-                     static_cast<int>(tracked_trajs.size()), simTime - hybNT->rt->Ts);
-        return true;
-    }
-
-private:
-    double before;
-};
+void tellMemoryShort(std::size_t candidates, double time) {
+    std::fprintf(stderr, "Memory runs short with %d candidates: the run stops at time %g.\n",
+                 static_cast<int>(candidates), time);
+}
 
 // A run whose last cycle, at *time*, left no candidate, or too many for the memory, stops there.
-bool mustStop(MemoryWatch const& memory, double time) {
-    if (hybNT != nullptr)
-        return memory.runsShort();
-    std::fprintf(stderr, "No candidate is left: the run stops at time %g.\n", time);
+bool mustStop(double time) {
+    if (hybNT == nullptr)
+        std::fprintf(stderr, "No candidate is left: the run stops at time %g.\n", time);
+    else if (memoryRunsShort())
+        tellMemoryShort(tracked_trajs.size(), time);
+    else
+        return false;
     return true;
 }
 
@@ -61,11 +49,47 @@ void readDataLines(s_runtime const* rt) {
         tavro_getMeasures(rt->name.c_str(), static_cast<int>(meas.size()), meas.data());
 }
 
-void runCycle(RunOptions const& options, double countdown) {
-    bool nominal = false;
-    if (tavro_doCycle(options, countdown, simTime, nominal) == -1)
-        std::fprintf(stderr, "Tavro cycle failed!\n");
-}
+// The cycles of a run, and the rows that they leave.
+class Cycles {
+public:
+    // The cycle at simTime; *Ts* is the period. False, with a message, when memory ran short: then
+    // the run stops at the last whole cycle.
+    bool run(RunOptions const& options, double countdown, double Ts) {
+        bool nominal = false;
+        int const result =
+            keep(simTime - Ts) ? tavro_tryCycle(options, countdown, simTime, nominal) : 0;
+        if (result == 0) {
+            stopped = true;
+            tellMemoryShort(kept.tables.size(), kept.time);
+            return false;
+        }
+        if (result == -1)
+            std::fprintf(stderr, "Tavro cycle failed!\n");
+        ++count;
+        return true;
+    }
+
+    void writeRows() const {
+        if (stopped)
+            writeDispAll(dataOut, kept);
+        else
+            writeDispAll(dataOut, tracked_trajs, count);
+    }
+
+private:
+    bool keep(double time) {
+        try {
+            kept = keepRows(tracked_trajs, time, count);
+            return true;
+        } catch (std::bad_alloc const&) {
+            return false;  // the rows of one cycle less
+        }
+    }
+
+    int count = 0;
+    bool stopped = false;  // within a cycle
+    KeptRows kept;         // from before the last cycle
+};
 
 // Makes ready for cycles up to totalTime; false when that is more than a display table can hold.
 bool beginRun() {
@@ -76,9 +100,9 @@ bool beginRun() {
     return false;
 }
 
-// Writes the rows of *cycles* cycles and, if asked for, the graphs of the candidates; ends the run.
-void endRun(int cycles, bool graphs) {
-    writeDispAll(dataOut, tracked_trajs, cycles);
+// Writes the rows of the cycles and, if asked for, the graphs of the candidates; ends the run.
+void endRun(Cycles const& cycles, bool graphs) {
+    cycles.writeRows();
     if (graphs)
         graphTrajs(tracked_trajs);
     clearMultiTrajs();
@@ -138,17 +162,16 @@ bool acceptsDrift() {
 
 // Required: the countdown is not set back, so that the reset comes once, at the time of the period.
 void simulate(RunOptions const& options) {
-    MemoryWatch const memory;
+    Cycles cycles;
     double const Ts = hybNT->rt->Ts;
     double countdown = options.period - Ts;
-    int cycles = 0;
     for (simTime = Ts; simTime <= totalTime; simTime += Ts, countdown -= Ts) {
-        if (mustStop(memory, simTime - Ts))
+        if (mustStop(simTime - Ts))
             break;
         announceTime();
         readDataLines(hybNT->rt.get());
-        runCycle(options, countdown);
-        ++cycles;
+        if (!cycles.run(options, countdown, Ts))
+            break;
     }
     endRun(cycles, false);
 }
@@ -223,26 +246,27 @@ std::FILE* openCycleBenchmark() {
     return file;
 }
 
-void timedCycle(RunOptions const& options, std::FILE* benchmark) {
+bool timedCycle(Cycles& cycles, RunOptions const& options, double Ts, std::FILE* benchmark) {
     std::clock_t const start = std::clock();
-    runCycle(options, 0.0);
+    if (!cycles.run(options, 0.0, Ts))
+        return false;
     double const seconds = static_cast<double>(std::clock() - start) / ticksPerSecond;
     std::cout << "cycle: " << seconds << " seconds\n";
     std::fprintf(benchmark, "%i\t%g\n", static_cast<int>(tracked_trajs.size()), seconds);
+    return true;
 }
 
 void detect(RunOptions const& options) {
     std::FILE* benchmark = openCycleBenchmark();
-    MemoryWatch const memory;
+    Cycles cycles;
     double const Ts = hybNT->rt->Ts;
-    int cycles = 0;
     for (simTime = Ts; simTime <= totalTime; simTime += Ts) {
-        if (mustStop(memory, simTime - Ts))
+        if (mustStop(simTime - Ts))
             break;
         announceTime();
         readDataLines(hybNT->rt.get());
-        timedCycle(options, benchmark);
-        ++cycles;
+        if (!timedCycle(cycles, options, Ts, benchmark))
+            break;
     }
     // A run that was stopped may hold more candidates than anyone wants as files.
     endRun(cycles, simTime > totalTime);

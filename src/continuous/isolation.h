@@ -23,8 +23,9 @@ struct Conflict {
     int delay = 0;  // cycles between the influence's action and the measure
 };
 
-// Suspects in the order of their finding, each once. Unions share them, so that a delay that is
-// raised later is seen in every set that holds the suspect.
+// Suspects in the order of their finding, each once. Copying the list shares them. That is what a
+// union does, so that a delay that it raises is seen in the sets that went into it; a set that must
+// not see it is made by copySuspects.
 using Suspects = std::vector<std::shared_ptr<Conflict>>;
 
 // The levels.
@@ -36,6 +37,8 @@ enum isolationLevel { LEVEL_PLAIN = 1, LEVEL_PREFERENCE = 2, LEVEL_EXONERATION =
 bool compareConflicts(Conflict const& a, Conflict const& b);
 bool compareAndUpdateConflicts(Conflict& a, Conflict& b);
 bool compareConditions(s_Condition const* a, s_Condition const* b);
+// The same list with suspects of its own.
+Suspects copySuspects(Suspects const& suspects);
 // The suspect in the list that equals *conflict*, or null.
 Conflict* findConflict(Suspects const& suspects, Conflict const& conflict);
 // *name*, or without one "cause->effect".
@@ -49,7 +52,7 @@ void findConflictsAux(s_runtime const* rt, s_Variable* variable, Suspects& confl
 
 // ---- Soft conflicts (isolation/soft_conflicts.cpp) ----
 
-// A measure with its suspects. The first of the sets is the suspects themselves.
+// A measure with its suspects. The first of the sets is a copy of the suspects.
 struct MeasureConflicts {
     s_Variable* var = nullptr;
     Suspects conflicts;

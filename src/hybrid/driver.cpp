@@ -1,5 +1,6 @@
 // The start of a run, one step of all candidates, and the end of a run.
 #include <cstdio>
+#include <new>
 
 #include "continuous/sorn-runt.h"
 #include "hybrid/exchange.h"
@@ -99,6 +100,17 @@ int tavro_doCycle(RunOptions const& options, double countdown, double time, bool
     tavroDiscreteCycle(options, time, nominal);
     hybNT = tracked_trajs.empty() ? nullptr : tracked_trajs.begin()->second.get();
     return 1;
+}
+
+int tavro_tryCycle(RunOptions const& options, double countdown, double time, bool& nominal) {
+    try {
+        return tavro_doCycle(options, countdown, time, nominal);
+    } catch (std::bad_alloc const&) {
+        clearMultiTrajs();
+        ntrajs.clear();
+        misbtrajs.clear();
+        return 0;
+    }
 }
 
 void clearRunTime(s_runtime* rt) {

@@ -4,26 +4,45 @@
 #include "continuous/sorn-runt.h"
 #include "hybrid/tavro-runt.h"
 
+namespace {
+
+// Takes the first runtime out of nrt. It may have been placed more than once; it is taken once.
+std::unique_ptr<s_runtime> takeFromNrt() {
+    std::unique_ptr<s_runtime> taken(nrt.begin()->second);
+    std::erase_if(nrt, [&taken](auto const& entry) { return entry.second == taken.get(); });
+    return taken;
+}
+
+// What a split that ran out of memory leaves in nrt belongs to no candidate. Allocates nothing.
+struct NrtGuard {
+    s_runtime const* keep;
+    explicit NrtGuard(s_runtime const* keep) : keep(keep) {}
+    NrtGuard(NrtGuard const&) = delete;
+    NrtGuard& operator=(NrtGuard const&) = delete;
+    ~NrtGuard() { clearNrt(keep); }
+};
+
+}  // namespace
+
 void clearNrt(s_runtime const* keep) {
-    // A runtime may have been placed more than once; it is destroyed once.
-    std::map<s_runtime*, int> seen;
-    for (auto const& entry : nrt)
-        if (entry.second != keep && seen[entry.second]++ == 0)
-            delete entry.second;
-    nrt.clear();
+    while (!nrt.empty()) {
+        std::unique_ptr<s_runtime> taken = takeFromNrt();
+        if (taken.get() == keep)
+            taken.release();
+    }
 }
 
 void createNewTrajs(Trajectory const* history, HybMap& out) {
-    for (auto const& entry : nrt)
-        out.emplace(history->proba, std::make_unique<hybTrajectory>(
-                                        history, std::unique_ptr<s_runtime>(entry.second)));
-    nrt.clear();
+    while (!nrt.empty())
+        out.emplace(history->proba, std::make_unique<hybTrajectory>(history, takeFromNrt()));
 }
 
 void splitRuntime(std::unique_ptr<hybTrajectory> candidate, HybMap& out, int multi, int mode) {
     assert(nrt.empty());
+    NrtGuard guard(candidate->rt.get());
     sn_splitValiditySpc(candidate->rt.get());
     if (mode > RUN_RESET || multi == 1) {
+        guard.keep = nullptr;
         candidate->rt.release();  // it is in nrt, with its copies
         createNewTrajs(candidate->traj.get(), out);
         return;

@@ -53,6 +53,11 @@ void lockFirstTrajState(Trajectory* traj);
 // One step of all candidates; returns 1. *countdown* to the reset is told by the caller; *nominal*
 // answers whether a candidate agrees with the measures.
 int tavro_doCycle(RunOptions const& options, double countdown, double time, bool& nominal);
+// The same; 0 when memory ran short, at whatever place of the step. Then no candidate is left,
+// and hybNT is null. None could be kept: some have been stepped and others not, one may lack the
+// state that was being worked on, and explanations stand beside the candidates that they explain.
+// What a run has to show of the steps before must have been taken before.
+int tavro_tryCycle(RunOptions const& options, double countdown, double time, bool& nominal);
 // Forgets what the bridge carries.
 void clearRunTime(s_runtime* rt);
 // Ends a run: every candidate goes, and hybNT is null.

@@ -60,29 +60,20 @@ double leftInControlGroup() {
         leftBy(numberIn(legacy + "limit_in_bytes"), numberIn(legacy + "usage_in_bytes")));
 }
 
-// Pages of /proc/self/statm by position: 0 the address space, 1 what is resident.
-double ownPages(int position) {
-    std::ifstream file("/proc/self/statm");
-    double pages = 0.0;
-    for (int i = 0; i <= position; ++i)
-        if (!(file >> pages))
-            return 0.0;
-    return pages * static_cast<double>(sysconf(_SC_PAGESIZE));
+// The address space taken, the first number of /proc/self/statm, which counts pages.
+double ownAddressSpace() {
+    return numberIn("/proc/self/statm").value_or(0.0) * static_cast<double>(sysconf(_SC_PAGESIZE));
 }
 
 double leftInAddressSpace() {
     rlimit limit{};
     if (getrlimit(RLIMIT_AS, &limit) != 0 || limit.rlim_cur == RLIM_INFINITY)
         return unlimited;
-    return std::max(0.0, static_cast<double>(limit.rlim_cur) - ownPages(0));
+    return std::max(0.0, static_cast<double>(limit.rlim_cur) - ownAddressSpace());
 }
 
 }  // namespace
 
 double availableMemory() {
     return std::min({freeInMachine(), leftInControlGroup(), leftInAddressSpace()});
-}
-
-double residentMemory() {
-    return ownPages(1);
 }

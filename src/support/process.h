@@ -15,6 +15,3 @@ void keepStandardStreams();
 // machine has free, what its control group leaves, and what its address space limit leaves.
 // A limit that cannot be read does not count.
 double availableMemory();
-
-// Bytes of memory that this process holds now; 0 when the system does not tell.
-double residentMemory();

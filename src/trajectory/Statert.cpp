@@ -19,8 +19,9 @@ State::State() {
     ++state_created;
 }
 
-State::State(string_map<Atom*> const* atoms) : locked(true) {
-    ++state_created;
+// Both take over what State() has made: an object that exists is destroyed when what follows fails.
+State::State(string_map<Atom*> const* atoms) : State() {
+    locked = true;
     for (auto const& entry : *atoms) {
         Atom* atom = entry.second;
         if (atom == nullptr)
@@ -49,25 +50,29 @@ State::State(string_map<Atom*> const* atoms) : locked(true) {
     proba = prevTransProb;
 }
 
-State::State(State const* source, bool full)
-    : failCount(full ? source->failCount : 0.0),
-      cover(full ? source->cover : 0.0),
-      proba(full ? source->proba : 0.0),
-      prevTransProb(full ? source->prevTransProb : 0.0),
-      obsProb(full ? source->obsProb : 1.0),
-      prevTransCount(full ? source->prevTransCount : 0),
-      postProbs(source->postProbs),
-      sortedPostProbs(source->sortedPostProbs),
-      atomPostProbs(source->atomPostProbs),
-      locked(full),
-      observed(full && source->observed),
-      unknown(source->unknown),
-      observations(source->observations) {
-    ++state_created;
+State::State(State const* source, bool full) : State() {
     if (full)
-        comps = source->comps;
+        copyHistory(*source);
+    postProbs = source->postProbs;
+    sortedPostProbs = source->sortedPostProbs;
+    atomPostProbs = source->atomPostProbs;
+    locked = full;
+    unknown = source->unknown;
+    observations = source->observations;
     copyElements(*source, full);
     checkState();
+}
+
+// What tells how the source came to be.
+void State::copyHistory(State const& source) {
+    failCount = source.failCount;
+    cover = source.cover;
+    proba = source.proba;
+    prevTransProb = source.prevTransProb;
+    obsProb = source.obsProb;
+    prevTransCount = source.prevTransCount;
+    observed = source.observed;
+    comps = source.comps;
 }
 
 State::~State() {

@@ -92,6 +92,7 @@ public:
     static unsigned state_del;
 
 private:
+    void copyHistory(State const& source);
     void copyElements(State const& source, bool full);
     void enter(char const* id, std::unique_ptr<TrajEl> element);
 

@@ -16,26 +16,25 @@ Trajectory::Trajectory() {
     ++traj_created;
 }
 
-Trajectory::Trajectory(string_map<Atom*> const* atoms) {
-    ++traj_created;
-    states[0] = new State(atoms);
+// Both take over what Trajectory() has made: an object that exists is destroyed when what follows
+// fails.
+Trajectory::Trajectory(string_map<Atom*> const* atoms) : Trajectory() {
+    putState(0, std::make_unique<State>(atoms));
     setTimeCorr(0.0);
 }
 
-Trajectory::Trajectory(Trajectory const* source, int upTo)
-    : currentTime(upTo - 1),
-      firstTime(source->firstTime),
-      rank(source->rank),
-      proba(source->proba),
-      stepCount(upTo - 1),
-      transByTime(source->transByTime),
-      timeCorr(source->timeCorr),
-      unknown(source->unknown),
-      eventTime(source->eventTime) {
-    ++traj_created;
+Trajectory::Trajectory(Trajectory const* source, int upTo) : Trajectory() {
+    currentTime = stepCount = upTo - 1;
+    firstTime = source->firstTime;
+    rank = source->rank;
+    proba = source->proba;
+    transByTime = source->transByTime;
+    timeCorr = source->timeCorr;
+    unknown = source->unknown;
+    eventTime = source->eventTime;
     for (auto const& [t, state] : source->states)
         if (t < upTo && state != nullptr)
-            states[t] = new State(state, true);
+            putState(t, std::make_unique<State>(state, true));
 }
 
 Trajectory::~Trajectory() {
@@ -55,8 +54,8 @@ void Trajectory::advanceTo(int t) {
 std::unique_ptr<State> Trajectory::addState(int t, std::unique_ptr<State> state) {
     advanceTo(t);
     std::unique_ptr<State> before = takeState(t);
-    State* added = state.release();
-    states[t] = added;
+    State* added = state.get();
+    putState(t, std::move(state));
     if (static_cast<int>(states.size()) > twd)
         reduceTrajectory();
     rank += getStateRank(added);
@@ -71,7 +70,7 @@ void Trajectory::addCopyState(int t, State const* source, bool full) {
     bool const reachedUnknown = source->unknown;
     takeState(t);  // may be the source itself
     rank += getStateRank(copy.get());
-    states[t] = copy.release();
+    putState(t, std::move(copy));
     advanceTo(t);
     if (reachedUnknown)
         setUnknown();
@@ -93,7 +92,8 @@ std::unique_ptr<State> Trajectory::takeState(int t) {
 
 void Trajectory::putState(int t, std::unique_ptr<State> state) {
     assert(getState(t) == nullptr);
-    states[t] = state.release();
+    State*& place = states[t];  // made before the state is given away
+    place = state.release();
 }
 
 void Trajectory::reduceTrajectory() {

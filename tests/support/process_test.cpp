@@ -210,22 +210,4 @@ TEST(AvailableMemory, IsZeroBeyondTheLimit) {
         ExitedWithCode(0), "");
 }
 
-TEST(ResidentMemory, IsWhatTheSystemTells) {
-    double const told = ownBytes("VmRSS:");
-    EXPECT_GT(residentMemory(), 0.0);
-    // The kernel gathers its counters lazily, so the two files differ by some pages.
-    EXPECT_NEAR(residentMemory(), told, 4 * megabyte);
-}
-
-TEST(ResidentMemory, GrowsWithWhatIsTouched) {
-    double const before = residentMemory();
-    std::size_t const size = 64u * 1024u * 1024u;
-    auto const block = std::make_unique<char volatile[]>(size);
-    for (std::size_t i = 0; i < size; i += 1024)
-        block[i] = 1;
-    double const grown = residentMemory() - before;
-    EXPECT_GT(grown, 56 * megabyte);
-    EXPECT_LT(grown, 128 * megabyte);
-}
-
 }  // namespace

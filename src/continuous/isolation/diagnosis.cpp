@@ -109,7 +109,7 @@ void hittingSetDiagnosis(s_runtime* rt, int level) {
     Case sorted = sortMeasures(rt, incremental);
     findConflicts(rt, sorted.misbVars);
     for (MeasureConflicts& misb : sorted.misbVars)
-        misb.conflictSets.push_back(misb.conflicts);
+        misb.conflictSets.push_back(copySuspects(misb.conflicts));
     if (level != LEVEL_PLAIN)
         findConflicts(rt, sorted.normalVars);
     Suspects soft;

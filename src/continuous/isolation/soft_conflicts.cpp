@@ -4,11 +4,14 @@
 // showing in the other, so a candidate lies in the parts that they do not share, or is compensated
 // by a further fault: the symmetric differences are conflict sets too. For each misbehaving measure
 // the behaving ones that share suspects with it, directly or through each other, form a tree; its
-// sets are made from the leaves up, from every union of a subset of a node's children.
+// sets are made from the leaves up, from every union of a subset of a node's children. A union
+// raises delays in the sets that it joins, and these belong to one tree: what the measures
+// themselves hold, and what the trees of other measures start from, stays as it was found.
 #include <algorithm>
 #include <deque>
 
 #include "continuous/isolation.h"
+#include "support/memory_watch.h"
 
 long numberUnionSubsets(int n) {
     return (1L << n) - 1;
@@ -16,12 +19,12 @@ long numberUnionSubsets(int n) {
 
 namespace {
 
-// A node of the tree of one misbehaving measure.
+// A node of the tree of one misbehaving measure. A root needs no sets: no union takes them.
 struct SoftVar {
     MeasureConflicts* misbehaving = nullptr;  // null for a behaving measure
     Suspects const* conflicts = nullptr;
     std::vector<SoftVar*> children;
-    std::vector<Suspects> sets;  // the first is the conflicts
+    std::vector<Suspects> sets;  // the first is a copy of the conflicts
 };
 
 // Any suspect of *a* stands in *b*.
@@ -63,9 +66,9 @@ public:
     ClassTree(MeasureConflicts& root, std::vector<MeasureConflicts> const& normalVars,
               std::vector<MeasureConflicts> const& misbVars, Suspects& soft)
         : misbVars(misbVars), soft(soft) {
-        nodes.push_back({&root, &root.conflicts, {}, {root.conflicts}});
+        nodes.push_back({&root, &root.conflicts, {}, {}});
         for (MeasureConflicts const& normal : normalVars)
-            nodes.push_back({nullptr, &normal.conflicts, {}, {normal.conflicts}});
+            nodes.push_back({nullptr, &normal.conflicts, {}, {copySuspects(normal.conflicts)}});
         connect();
         generate(nodes.front());
     }
@@ -112,6 +115,7 @@ private:
     void generateSynonyms(SoftVar& node, std::vector<SoftVar*> const& subset, std::size_t position,
                           Suspects const& accumulated) {
         for (Suspects const& set : subset[position]->sets) {
+            watchMemory();
             Suspects const united = unite(set, accumulated);
             if (position + 1 < subset.size())
                 generateSynonyms(node, subset, position + 1, united);

@@ -45,6 +45,13 @@ bool compareAndUpdateConflicts(Conflict& a, Conflict& b) {
     return true;
 }
 
+Suspects copySuspects(Suspects const& suspects) {
+    Suspects copies;
+    for (auto const& suspect : suspects)
+        copies.push_back(std::make_shared<Conflict>(*suspect));
+    return copies;
+}
+
 Conflict* findConflict(Suspects const& suspects, Conflict const& conflict) {
     for (auto const& suspect : suspects)
         if (compareConflicts(*suspect, conflict))

@@ -9,6 +9,7 @@
 #include "continuous/isolation.h"
 #include "continuous/sorn-runt.h"
 #include "model/Atom.h"
+#include "support/memory_watch.h"
 
 namespace {
 
@@ -127,6 +128,7 @@ void printHSTree(s_runtime* rt, std::vector<Leaf> const& leaves) {
     std::vector<s_Condition const*> existingConflicts;
     rt->bridgeConflicts.emplace();
     for (Leaf const& leaf : leaves) {
+        watchMemory();
         append(rt, "[");
         for (auto const& suspect : leaf.conflictSet) {
             addBridgeConflict(rt, suspect->influence->cond, existingConflicts);

@@ -17,6 +17,7 @@
 #include <cstdint>
 
 #include "continuous/isolation.h"
+#include "support/memory_watch.h"
 
 namespace {
 
@@ -195,6 +196,7 @@ struct HittingSetTree::Implementation {
     }
 
     Branch extend(Branch const& from, int member, int number) const {
+        watchMemory();
         Branch extended{number, {}, from.held};
         extended.members.reserve(from.members.size() + 1);
         extended.members = from.members;
@@ -309,6 +311,7 @@ void HittingSetTree::sortByPreference(Suspects const& softConflicts) {
 std::vector<Leaf> HittingSetTree::leaves() const {
     std::vector<Leaf> leaves;
     for (Branch const& branch : own->branches) {
+        watchMemory();
         Leaf leaf{branch.number, {}};
         for (int const member : branch.members)
             leaf.conflictSet.push_back(own->met[static_cast<std::size_t>(member)].suspect);

@@ -7,6 +7,7 @@
 #include <algorithm>
 
 #include "continuous/sorn-runt.h"
+#include "support/memory_watch.h"
 
 namespace {
 
@@ -148,6 +149,7 @@ void copyBridge(s_runtime const& from, s_runtime& to) {
 }  // namespace
 
 std::unique_ptr<s_runtime> sn_copyRuntime(s_runtime const* source) {
+    watchMemory();
     auto copy = std::make_unique<s_runtime>();
     copyScalars(*source, *copy);
     copyVariables(*source, *copy);

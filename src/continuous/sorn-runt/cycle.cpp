@@ -2,6 +2,7 @@
 #include <iostream>
 
 #include "continuous/sorn-runt.h"
+#include "support/memory_watch.h"
 
 namespace {
 
@@ -56,6 +57,7 @@ void sorn_initialize(s_runtime* rt, int global, double precision, char const* di
 // The order is fixed: displays come after the constraints, a reset after the displays, and inputs
 // move from new to old last of all.
 int sorn_doCycle2(s_runtime* rt, int mode) {
+    watchMemory();  // candidates part here: what a copy shared with its source becomes its own
     if (mode <= CYCLE_RESET)
         sn_setAlarms(rt);
     bool invalid = false;

@@ -58,27 +58,31 @@ void forEachConstraint(s_Condition* condition, Act act) {
     }
 }
 
+// Copies that a split has made and not yet settled.
+using Pending = std::queue<std::unique_ptr<s_runtime>>;
+
 // One runtime of a split that is being worked on.
 struct Split {
     s_runtime* rt;
-    std::queue<s_runtime*>* pending;
+    Pending* pending;
     bool stable = true;
 };
 
 // A copy of the runtime for a piece of the value of constraint *index*'s variable.
-s_runtime* copyForPiece(s_runtime const* rt, s_Objet const& piece, std::size_t index) {
-    s_runtime* copy = sn_copyRuntime(rt).release();
+std::unique_ptr<s_runtime> copyForPiece(s_runtime const* rt, s_Objet const& piece,
+                                        std::size_t index) {
+    std::unique_ptr<s_runtime> owned = sn_copyRuntime(rt);
+    s_runtime* copy = owned.get();
     s_GVar* gvar = copy->aC[index]->gvar;
     std::vector<s_Condition*> const left = sn_findCondCover(gvar, copy);
     sn_putObjet(&piece, &gvar->value);
     takeOut(copy, left);
     bringIn(copy, sn_findCondCover(gvar, copy));
     sn_updateCondAgenda(copy, gvar);
-    return copy;
+    return owned;
 }
 
-void sn_splitRt(s_runtime* rt, SpacePieces const& pieces, std::size_t index,
-                std::queue<s_runtime*>* pending) {
+void sn_splitRt(s_runtime* rt, SpacePieces const& pieces, std::size_t index, Pending* pending) {
     if (pieces.first)
         pending->push(copyForPiece(rt, *pieces.first, index));
     if (pieces.second)
@@ -157,6 +161,15 @@ void storeValues(s_runtime* rt) {
             sn_putObjet(&gvar->value, &gvar->var->old);
             sn_putObjet(&gvar->value, &gvar->var->new_);
         }
+}
+
+// Entering it into nrt comes last: until then the part belongs to whoever made it.
+void settlePart(s_runtime* rt, Pending& pending) {
+    Split split{rt, &pending};
+    settle(split);
+    storeValues(rt);
+    sn_yieldDisplays(rt);
+    nrt.insert({rt->num, rt});
 }
 
 // The conditions that cover the first values, all entered into the space.
@@ -246,17 +259,14 @@ int sn_initValSpc(s_runtime* rt) {
 }
 
 void sn_splitValiditySpc(s_runtime* rt) {
-    std::queue<s_runtime*> pending;
-    pending.push(rt);
+    Pending pending;
     sn_fillCondAgenda(rt);
     loadValues(rt);
+    settlePart(rt, pending);
     while (!pending.empty()) {
-        Split split{pending.front(), &pending};
+        settlePart(pending.front().get(), pending);
+        pending.front().release();  // it is in nrt
         pending.pop();
-        settle(split);
-        nrt.insert({split.rt->num, split.rt});
-        storeValues(split.rt);
-        sn_yieldDisplays(split.rt);
     }
 }
 

@@ -9,6 +9,7 @@
 #include <iostream>
 
 #include "reasoning/Diagnoser.h"
+#include "support/memory_watch.h"
 
 namespace {
 
@@ -84,6 +85,7 @@ bool Diagnoser::stepBack(Round& round, std::unique_ptr<Trajectory>& current,
 bool Diagnoser::exploreRound(Round& round, TrajectoryMap& results) {
     std::unique_ptr<Trajectory> current;
     while (current != nullptr || !round.open.empty()) {
+        watchMemory();
         if (current == nullptr) {
             current = std::move(round.open.begin()->second);
             round.open.erase(round.open.begin());

@@ -8,6 +8,7 @@
 
 #include "model/labels.h"
 #include "reasoning/itmsrt.h"
+#include "support/memory_watch.h"
 
 namespace {
 
@@ -103,6 +104,7 @@ void itms::unitPropagate(std::unique_ptr<ItmsRes> branch, ItmsResults& results,
     // Required: the line comes once before the first branch, and after each lost one.
     std::cout << "a sol has been discarded...\n";
     while (!agenda.empty()) {
+        watchMemory();
         std::unique_ptr<ItmsRes> cur = std::move(agenda.top());
         agenda.pop();
         if (recheck)

@@ -27,6 +27,9 @@ void Scheduler::raz() {
     contEvents.clear();
     contCommands.clear();
     bound = 0.0;
+    // What a search or a propagation that ran out of memory has left.
+    redux_diag.clear();
+    keepLocks = false;
     initSchD();
 }
 

@@ -1,0 +1,37 @@
+// When memory runs short, and what is done then.
+#include "support/memory_watch.h"
+
+#include <chrono>
+
+#include "support/process.h"
+
+namespace {
+
+// Bytes kept free: what may be taken between two looks, and what it takes to end the run.
+constexpr double memoryReserve = 64.0 * 1024.0 * 1024.0;
+
+// Reading what the system tells costs as much as a cycle of a small model.
+constexpr std::chrono::milliseconds timeBetweenLooks{1};
+
+}  // namespace
+
+char const* MemoryRunsShort::what() const noexcept {
+    return "memory runs short";
+}
+
+bool systemMemoryRunsShort() {
+    using Clock = std::chrono::steady_clock;
+    static Clock::time_point lastLook;
+    Clock::time_point const now = Clock::now();
+    if (now - lastLook < timeBetweenLooks)
+        return false;
+    lastLook = now;
+    return availableMemory() < memoryReserve;
+}
+
+bool (*memoryRunsShort)() = &systemMemoryRunsShort;
+
+void watchMemory() {
+    if (memoryRunsShort())
+        throw MemoryRunsShort();
+}

@@ -1,0 +1,90 @@
+// A run that memory stops: what the console says, which rows it writes, and that it goes on.
+#include <algorithm>
+
+#include "console/run.h"
+#include "console_fixture.h"
+#include "fixtures/reference_model.h"
+#include "support/memory_watch.h"
+
+namespace {
+
+int looksLeft = 0;
+
+// Memory runs short at one look.
+bool afterSomeLooks() {
+    return looksLeft-- == 0;
+}
+
+class MemoryStop : public testing::Test {
+protected:
+    MemoryStop() { WorkDirectory::write(measureFile, "0.8\n0.9\n0.95\n0.97\n0.99\n1\n"); }
+    ~MemoryStop() override {
+        memoryRunsShort = &systemMemoryRunsShort;
+        clearMultiTrajs();
+    }
+    // What a run writes on the error stream, and its display file, when memory runs short at the
+    // look after so many; never for -1.
+    std::string run(CommandHandler command, char const* arg, int looks) {
+        std::string const told = streamsOf([&] {
+                                     snInit(nullptr);
+                                     looksLeft = looks;
+                                     memoryRunsShort = &afterSomeLooks;
+                                     command(arg);
+                                 }).err;
+        return told + WorkDirectory::read(displayFile);
+    }
+    static std::string after(std::string const& text, std::string const& mark) {
+        std::size_t const found = text.find(mark);
+        return found == std::string::npos ? "no " + mark : text.substr(found + mark.size());
+    }
+
+    ConsoleFiles files;
+    ReferenceModel model;
+};
+
+char const* const thirdStep = "-- time = 3 --------------------------\n";
+
+// A look between two steps, and one as the only candidate is about to be stepped: the sixth look is
+// in the third step, of which no row is written.
+TEST_F(MemoryStop, DetectionKeepsTheRowsOfWholeCycles) {
+    run(snDetect, "2 nofault 3", -1);
+    std::string const file = WorkDirectory::read(displayFile);
+    ASSERT_EQ(std::count(file.begin(), file.end(), '\n'), 3) << "the start and two steps";
+    EXPECT_EQ(after(run(snDetect, "5 nofault 3", 5), thirdStep),
+              "Memory runs short with 1 candidates: the run stops at time 2.\n" + file);
+}
+
+TEST_F(MemoryStop, DetectionStopsBetweenTwoSteps) {
+    run(snDetect, "2 nofault 3", -1);
+    std::string const file = WorkDirectory::read(displayFile);
+    std::string const told = run(snDetect, "5 nofault 3", 4);
+    EXPECT_EQ(told.find(thirdStep), std::string::npos);
+    EXPECT_EQ(after(told, "time = 2 --------------------------\n"),
+              "Memory runs short with 1 candidates: the run stops at time 2.\n" + file);
+}
+
+TEST_F(MemoryStop, SimulationKeepsTheRowsOfWholeCycles) {
+    run(snSimul, "2 multi", -1);
+    std::string const file = WorkDirectory::read(displayFile);
+    EXPECT_EQ(after(run(snSimul, "5 multi", 5), thirdStep),
+              "Memory runs short with 1 candidates: the run stops at time 2.\n" + file);
+}
+
+TEST_F(MemoryStop, TheNextRunIsASoundOne) {
+    std::string const sound = run(snDetect, "5 nofault 3", -1);
+    run(snDetect, "5 nofault 3", 5);
+    EXPECT_EQ(hybNT, nullptr);
+    EXPECT_EQ(run(snDetect, "5 nofault 3", -1), sound);
+}
+
+// The copy of the model's runtime, the first candidate, is the first look of all.
+TEST_F(MemoryStop, ARunThatCannotBeginIsTold) {
+    looksLeft = 0;
+    memoryRunsShort = &afterSomeLooks;
+    std::string const told = streamsOf([] { snInit(nullptr); }).err;
+    EXPECT_EQ(told, "  Initializations failed.\n");
+    EXPECT_EQ(hybNT, nullptr);
+    EXPECT_NE(run(snDetect, "2 nofault 3", -1).find("Initializations done."), std::string::npos);
+}
+
+}  // namespace
