@@ -17,6 +17,8 @@ bool discrete = false;
 bool disc_init = false;
 std::string inputFile, scenarFile, measureFile, displayFile, modesFile;
 std::string auxFile;
+std::unique_ptr<Plant> consolePlant;
+std::unique_ptr<RunState> consoleRun;
 
 snCom const cde[] = {
     {"quit", snQuit, "Quit exec"},

@@ -2,10 +2,11 @@
 #pragma once
 
 #include <cstdio>
+#include <memory>
 #include <string>
 
-struct s_runtime;
-class Scheduler;
+#include "hybrid/run_state.h"
+#include "run/compiled_model.h"
 
 // ---- Globals ----
 
@@ -17,6 +18,10 @@ extern bool disc_init;  // `init` has run for a discrete model, and `disc` has n
 // Paths of the data files. Each begins as the prefix of its directory; modesFile has none.
 extern std::string inputFile, scenarFile, measureFile, displayFile, modesFile;
 extern std::string auxFile;  // base name of the program
+
+// The plant of the program and its one run: built at start-up, and released on every way out.
+extern std::unique_ptr<Plant> consolePlant;
+extern std::unique_ptr<RunState> consoleRun;
 
 // ---- Commands ----
 
@@ -65,6 +70,7 @@ void runConsole();
 // ---- Start-up (start.cpp) ----
 
 // Builds the model, reads the command line, and says what it took.
-void startConsole(int argc, char** argv);
-// First values of the continuous conditions.
-void localInit(s_runtime* rt, Scheduler* scheduler);
+void startConsole(CompiledModel const& model, int argc, char** argv);
+// The whole program around one compiled model: start-up, commands until `quit`, the end of the
+// process. A run that cannot go on ends it too, with the status of the reason.
+[[noreturn]] void runExecutive(CompiledModel const& model, int argc, char** argv);

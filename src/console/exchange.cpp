@@ -7,7 +7,6 @@
 
 #include "console/console.h"
 #include "console/run.h"
-#include "continuous/exchange.h"
 #include "continuous/sorn-runt.h"
 #include "reasoning/Scheduler.h"
 #include "support/numbers.h"
@@ -70,7 +69,7 @@ int prepareMO() {
 int prepareSc() {
     std::cout << "scenarFIle: " << scenarFile << "\n";
     if (!scenarFile.empty())
-        sMM->loadScenario(scenarFile);
+        consoleRun->sMM->loadScenario(scenarFile);
     return 1;
 }
 
@@ -128,28 +127,6 @@ int tavro_setDisplays(char const*, int count, double const* inf, double const* s
         std::fprintf(dataOut, "Displays: ");
     for (int i = 0; i < count; ++i)
         std::fprintf(dataOut, "%g %g ", inf[i], sup[i]);
-    return 1;
-}
-
-// A row before the first is skipped, and so is one behind the table's end.
-void tavro_setRTDisplays(int count, s_runtime* rt, double row) {
-    int const index = truncateToInt(std::ceil(row));
-    if (count == 0 || index < 1 || index > rt->extra.size() / (2 * count))
-        return;
-    int const start = (index - 1) * 2 * count;
-    for (int j = 0; j < count; ++j) {
-        rt->extra.set(start + 2 * j, rt->dinfval[static_cast<std::size_t>(j)]);
-        rt->extra.set(start + 2 * j + 1, rt->dsupval[static_cast<std::size_t>(j)]);
-    }
-}
-
-int initDispAll(s_runtime* rt, double rows) {
-    constexpr double largest = 2147483647.0;
-    double const values = static_cast<double>(rt->display.size()) * rows * 2.0;
-    if (!(values < largest))
-        return 0;
-    if (!rt->display.empty())
-        rt->extra.resize(truncateToInt(values));
     return 1;
 }
 

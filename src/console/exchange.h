@@ -9,7 +9,7 @@
 #include <string>
 #include <vector>
 
-#include "hybrid/exchange.h"
+#include "continuous/displays.h"
 #include "hybrid/tavro-runt.h"
 
 // Streams are open from `init` to the end of the run; null when there is none.
@@ -25,10 +25,15 @@ int prepareMO();
 // Loads the scenario; returns 1.
 int prepareSc();
 
+// Read one line of *count* values; return 1. What cannot be read leaves its value as it was.
+int tavro_getInputs(char const* name, int count, double* values);
+int tavro_getMeasures(char const* name, int count, double* values);
+// Takes the alarms of a cycle, one entry per measure; returns 1.
+int sorn_setAlarms(char const* name, int count, int const* low, int const* high, int const* misb);
+// Takes the text of a diagnosis; returns 1.
+int sorn_sendDiagnosis(char const* name, char const* text);
 // Writes *count* pairs of bounds; returns 1.
 int tavro_setDisplays(char const* name, int count, double const* inf, double const* sup);
-// Gives the runtime a display table of *rows* rows; 0 when that is more than a table can hold.
-int initDispAll(s_runtime* rt, double rows);
 // Writes the first *rows* rows of every candidate side by side, a line a row.
 void writeDispAll(std::FILE* stream, HybMap const& trajectories, int rows);
 // The rows of all candidates after some cycle, kept for the case that the next one does not come to

@@ -4,7 +4,7 @@
 #include <algorithm>
 #include <cstdio>
 
-#include "continuous/exchange.h"
+#include "console/console.h"
 #include "continuous/isolation.h"
 #include "continuous/records.h"
 #include "continuous/sorn-runt.h"
@@ -16,7 +16,7 @@ namespace {
 
 // The position among the measures of the model, or -1.
 int measureOf(std::string const& name) {
-    auto const& measures = tavro_rt->measure;
+    auto const& measures = consoleRun->tavro_rt->measure;
     auto const found = std::find_if(measures.begin(), measures.end(),
                                     [&](s_Variable const* v) { return v->nom == name; });
     return found == measures.end() ? -1 : static_cast<int>(found - measures.begin());
@@ -59,7 +59,7 @@ int sorn_getMisbs(char const*, int count, int* values) {
 // An influence without a condition takes 1 and uses no token.
 int sorn_getConds(char const*, int count, int* values) {
     for (int i = 0; i < count; ++i) {
-        bool const given = tavro_rt->influ[static_cast<std::size_t>(i)]->cond != nullptr;
+        bool const given = consoleRun->tavro_rt->influ[static_cast<std::size_t>(i)]->cond != nullptr;
         int const value = given ? readCondition() : 1;
         if (value == -1)
             return 0;
@@ -86,7 +86,7 @@ void tellUsage() {
 }  // namespace
 
 int snDiagnosis(char const* arg) {
-    if (tavro_rt == nullptr) {
+    if (consoleRun->tavro_rt == nullptr) {
         std::fprintf(stderr, "The model has no continuous runtime.\n");
         return 1;
     }
@@ -106,8 +106,8 @@ int snDiagnosis(char const* arg) {
         std::fprintf(stderr, "Missing misbehaving variables !\n");
         return 1;
     }
-    if (sorn_doCycle(tavro_rt, CYCLE_DIAGNOSE + level - LEVEL_PLAIN, 0) == -1)
+    if (sorn_doCycle(consoleRun->tavro_rt, CYCLE_DIAGNOSE + level - LEVEL_PLAIN, 0) == -1)
         std::fprintf(stderr, "Invalid model !\n");
-    sorn_close(tavro_rt);
+    sorn_close(consoleRun->tavro_rt);
     return 1;
 }

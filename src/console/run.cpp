@@ -70,7 +70,7 @@ InitOptions readInitOptions(char const* arg) {
 int initDiscrete() {
     if (!disc_init) {
         disc_init = true;
-        tavro_initialize_discrete();
+        tavro_initialize_discrete(*consoleRun);
     }
     return 0;
 }
@@ -78,10 +78,10 @@ int initDiscrete() {
 // False when it fails, and when memory runs short: then there is no candidate.
 bool startRun(int global) {
     try {
-        return tavro_initialize(global, precision, "", accuTime) == 1;
+        return tavro_initialize(*consoleRun, global, precision, "", accuTime) == 1;
     } catch (std::bad_alloc const&) {
-        clearNrt(hybNT != nullptr ? hybNT->rt.get() : nullptr);
-        clearMultiTrajs();
+        clearNrt(*consoleRun, consoleRun->hybNT != nullptr ? consoleRun->hybNT->rt.get() : nullptr);
+        clearMultiTrajs(*consoleRun);
         return false;
     }
 }
@@ -95,7 +95,7 @@ void initHybrid(int global) {
     }
     prepareSc();
     std::fprintf(stderr, "  Initializations done.\n");
-    s_runtime const* rt = hybNT->rt.get();
+    s_runtime const* rt = consoleRun->hybNT->rt.get();
     tavro_setDisplays(rt->name.c_str(), static_cast<int>(rt->display.size()), rt->dinfval.data(),
                       rt->dsupval.data());
 }
@@ -103,11 +103,11 @@ void initHybrid(int global) {
 }  // namespace
 
 int snInit(char const* arg) {
-    if (hybNT != nullptr) {
+    if (consoleRun->hybNT != nullptr) {
         std::cout << "The model has already been inited\n";
         return 0;
     }
-    rt_num = 0;
+    consoleRun->engine.rt_num = 0;
     simTime = 0.0;
     precision = defaultPrecision;
     accuTime = 0;
@@ -129,12 +129,12 @@ int snDisc(char const*) {
     }
     std::cout << "inputFile: " << inputFile << "\n";
     try {
-        sMM->runSchD(inputFile);
+        consoleRun->sMM->runSchD(inputFile);
     } catch (std::bad_alloc const&) {
         std::fprintf(stderr, "Memory runs short: the run stops.\n");
     }
     disc_init = false;
-    clearMultiTrajs();
+    clearMultiTrajs(*consoleRun);
     return 1;
 }
 

@@ -6,7 +6,6 @@
 #include "console/run.h"
 #include "continuous/sorn-runt.h"
 #include "hybrid/tavro-runt.h"
-#include "model/DataManagerrt.h"
 
 namespace {
 
@@ -43,7 +42,7 @@ bool noInits(s_runtime const* rt) {
 
 // The nominal candidate's runtime, or the model's own when there is none.
 s_runtime const* shownRuntime() {
-    return hybNT != nullptr && hybNT->rt != nullptr ? hybNT->rt.get() : tavro_rt;
+    return consoleRun->hybNT != nullptr && consoleRun->hybNT->rt != nullptr ? consoleRun->hybNT->rt.get() : consoleRun->tavro_rt;
 }
 
 void showSelected(Selector const& selector) {
@@ -62,10 +61,10 @@ void showSelected(Selector const& selector) {
 
 // By name and, failing that, by class name.
 Comp* findComponent(char const* name) {
-    for (auto const& entry : DataManager::active_comps)
+    for (auto const& entry : consolePlant->active_comps)
         if (entry.second != nullptr && std::strcmp(entry.first, name) == 0)
             return entry.second;
-    for (auto const& entry : DataManager::active_comps)
+    for (auto const& entry : consolePlant->active_comps)
         if (entry.second != nullptr && entry.second->className == name)
             return entry.second;
     return nullptr;
@@ -76,11 +75,11 @@ void showComponents(char const* arg) {
     parameters.next();
     std::optional<std::string> const name = parameters.next();
     if (!name) {
-        DataManager::showComps();
+        consoleRun->scheduler.showComps();
         return;
     }
     Comp* comp = findComponent(name->c_str());
-    DataManager::showComp(comp != nullptr ? comp->getName() : name->c_str());
+    consoleRun->scheduler.showComp(comp != nullptr ? comp->getName() : name->c_str());
 }
 
 constexpr Selector beforeComponents[] = {
@@ -124,12 +123,12 @@ int snPrint(char const* arg) {
     else if (std::strstr(arg, "co") != nullptr)
         showComponents(arg);
     else if (std::strstr(arg, "toms") != nullptr)
-        DataManager::showAtoms();
+        consoleRun->scheduler.showAtoms();
     else if (showFirst(beforeClauses, arg))
         return 1;
     else if (std::strstr(arg, "cla") != nullptr) {
         std::fprintf(stderr, "Clauses:\n");
-        DataManager::showClauses();
+        consoleRun->scheduler.showClauses();
     } else if (std::strstr(arg, initials.word) != nullptr)
         showSelected(initials);
     else

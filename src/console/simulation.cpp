@@ -14,9 +14,8 @@
 #include "continuous/sorn-runt.h"
 #include "hybrid/tavro-runt.h"
 #include "reasoning/Scheduler.h"
-#include "support/memory_watch.h"
 #include "support/numbers.h"
-#include "support/process.h"
+#include "console/process.h"
 
 namespace {
 
@@ -29,10 +28,10 @@ void tellMemoryShort(std::size_t candidates, double time) {
 
 // A run whose last cycle, at *time*, left no candidate, or too many for the memory, stops there.
 bool mustStop(double time) {
-    if (hybNT == nullptr)
+    if (consoleRun->hybNT == nullptr)
         std::fprintf(stderr, "No candidate is left: the run stops at time %g.\n", time);
-    else if (memoryRunsShort())
-        tellMemoryShort(tracked_trajs.size(), time);
+    else if (consoleRun->host.memoryRunsShort())
+        tellMemoryShort(consoleRun->tracked_trajs.size(), time);
     else
         return false;
     return true;
@@ -44,9 +43,9 @@ void announceTime() {
 
 void readDataLines(s_runtime const* rt) {
     if (dataIn != nullptr)
-        tavro_getInputs(rt->name.c_str(), static_cast<int>(inps.size()), inps.data());
+        tavro_getInputs(rt->name.c_str(), static_cast<int>(consoleRun->engine.inps.size()), consoleRun->engine.inps.data());
     if (measIn != nullptr)
-        tavro_getMeasures(rt->name.c_str(), static_cast<int>(meas.size()), meas.data());
+        tavro_getMeasures(rt->name.c_str(), static_cast<int>(consoleRun->engine.meas.size()), consoleRun->engine.meas.data());
 }
 
 // The cycles of a run, and the rows that they leave.
@@ -57,7 +56,7 @@ public:
     bool run(RunOptions const& options, double countdown, double Ts) {
         bool nominal = false;
         int const result =
-            keep(simTime - Ts) ? tavro_tryCycle(options, countdown, simTime, nominal) : 0;
+            keep(simTime - Ts) ? tavro_tryCycle(*consoleRun, options, countdown, simTime, nominal) : 0;
         if (result == 0) {
             stopped = true;
             tellMemoryShort(kept.tables.size(), kept.time);
@@ -73,13 +72,13 @@ public:
         if (stopped)
             writeDispAll(dataOut, kept);
         else
-            writeDispAll(dataOut, tracked_trajs, count);
+            writeDispAll(dataOut, consoleRun->tracked_trajs, count);
     }
 
 private:
     bool keep(double time) {
         try {
-            kept = keepRows(tracked_trajs, time, count);
+            kept = keepRows(consoleRun->tracked_trajs, time, count);
             return true;
         } catch (std::bad_alloc const&) {
             return false;  // the rows of one cycle less
@@ -93,8 +92,8 @@ private:
 
 // Makes ready for cycles up to totalTime; false when that is more than a display table can hold.
 bool beginRun() {
-    clearNrt(hybNT->rt.get());
-    if (initDispAll(hybNT->rt.get(), totalTime / hybNT->rt->Ts))
+    clearNrt(*consoleRun, consoleRun->hybNT->rt.get());
+    if (initDispAll(consoleRun->hybNT->rt.get(), totalTime / consoleRun->hybNT->rt->Ts))
         return true;
     std::fprintf(stderr, "Total time is too long !\n");
     return false;
@@ -104,11 +103,11 @@ bool beginRun() {
 void endRun(Cycles const& cycles, bool graphs) {
     cycles.writeRows();
     if (graphs)
-        graphTrajs(tracked_trajs);
-    clearMultiTrajs();
-    sMM->reportUnmetEvents(std::min(simTime, totalTime));
+        graphTrajs(consoleRun->host, consoleRun->tracked_trajs);
+    clearMultiTrajs(*consoleRun);
+    consoleRun->sMM->reportUnmetEvents(std::min(simTime, totalTime));
     closeRunFiles();
-    for (auto* values : {&inps, &meas})
+    for (auto* values : {&consoleRun->engine.inps, &consoleRun->engine.meas})
         if (!values->empty()) {
             values->clear();
             memFr += static_cast<int>(sizeof(double));
@@ -163,13 +162,13 @@ bool acceptsDrift() {
 // Required: the countdown is not set back, so that the reset comes once, at the time of the period.
 void simulate(RunOptions const& options) {
     Cycles cycles;
-    double const Ts = hybNT->rt->Ts;
+    double const Ts = consoleRun->hybNT->rt->Ts;
     double countdown = options.period - Ts;
     for (simTime = Ts; simTime <= totalTime; simTime += Ts, countdown -= Ts) {
         if (mustStop(simTime - Ts))
             break;
         announceTime();
-        readDataLines(hybNT->rt.get());
+        readDataLines(consoleRun->hybNT->rt.get());
         if (!cycles.run(options, countdown, Ts))
             break;
     }
@@ -220,15 +219,15 @@ bool readDetection(char const* arg, RunOptions& options) {
 }
 
 bool canDetect() {
-    if (hybNT == nullptr) {
+    if (consoleRun->hybNT == nullptr) {
         std::fprintf(stderr, "Please initialize first !\n");
         return false;
     }
-    if (hybNT->rt == nullptr || hybNT->rt->measure.empty()) {
+    if (consoleRun->hybNT->rt == nullptr || consoleRun->hybNT->rt->measure.empty()) {
         std::fprintf(stderr, "No measure variable: detection impossible !\n");
         return false;
     }
-    if (!hybNT->rt->varsInitialised) {
+    if (!consoleRun->hybNT->rt->varsInitialised) {
         std::fprintf(stderr, "Please initialize first !\n");
         return false;
     }
@@ -252,19 +251,19 @@ bool timedCycle(Cycles& cycles, RunOptions const& options, double Ts, std::FILE*
         return false;
     double const seconds = static_cast<double>(std::clock() - start) / ticksPerSecond;
     std::cout << "cycle: " << seconds << " seconds\n";
-    std::fprintf(benchmark, "%i\t%g\n", static_cast<int>(tracked_trajs.size()), seconds);
+    std::fprintf(benchmark, "%i\t%g\n", static_cast<int>(consoleRun->tracked_trajs.size()), seconds);
     return true;
 }
 
 void detect(RunOptions const& options) {
     std::FILE* benchmark = openCycleBenchmark();
     Cycles cycles;
-    double const Ts = hybNT->rt->Ts;
+    double const Ts = consoleRun->hybNT->rt->Ts;
     for (simTime = Ts; simTime <= totalTime; simTime += Ts) {
         if (mustStop(simTime - Ts))
             break;
         announceTime();
-        readDataLines(hybNT->rt.get());
+        readDataLines(consoleRun->hybNT->rt.get());
         if (!timedCycle(cycles, options, Ts, benchmark))
             break;
     }
@@ -276,11 +275,11 @@ void detect(RunOptions const& options) {
 }  // namespace
 
 int snSimul(char const* arg) {
-    if (hybNT == nullptr) {
+    if (consoleRun->hybNT == nullptr) {
         std::fprintf(stderr, "Please initialize first !\n");
         return 0;
     }
-    if (hybNT->rt == nullptr) {
+    if (consoleRun->hybNT->rt == nullptr) {
         std::fprintf(stderr, "No continuous variable: simulation impossible !\n");
         return 0;
     }

@@ -1,15 +1,13 @@
 // Start-up: the model, the command line, and what the program says of them.
 #include <cstdlib>
 #include <cstring>
-#include <fstream>
 #include <iostream>
 
 #include "console/console.h"
+#include "console/console_host.h"
+#include "console/process.h"
 #include "continuous/records.h"
-#include "hybrid/tavro-runt.h"
-#include "reasoning/Scheduler.h"
-#include "reasoning/compiled_model.h"
-#include "support/process.h"
+#include "run/build_plant.h"
 
 namespace {
 
@@ -59,14 +57,14 @@ void takeDiscreteFiles(Arguments& arguments) {
 }
 
 void takeHybridFiles(Arguments& arguments) {
-    std::cerr << "inputs: " << tavro_rt->input.size() << "\n";
-    if (!tavro_rt->input.empty())
+    std::cerr << "inputs: " << consoleRun->tavro_rt->input.size() << "\n";
+    if (!consoleRun->tavro_rt->input.empty())
         inputFile += takeRequired(arguments, "input file");
-    if (!tavro_rt->measure.empty()) {
+    if (!consoleRun->tavro_rt->measure.empty()) {
         measureFile += takeRequired(arguments, "measure file");
         echoFollowing(arguments);
     }
-    if (!tavro_rt->display.empty()) {
+    if (!consoleRun->tavro_rt->display.empty()) {
         displayFile += takeRequired(arguments, "display file");
         echoFollowing(arguments);
     }
@@ -105,16 +103,16 @@ std::string baseName(char const* path) {
     return base;
 }
 
-void printUsage() {
+void printUsage(s_runtime const* rt) {
     std::cout << "usage: " << auxFile;
-    if (tavro_rt == nullptr) {
+    if (rt == nullptr) {
         std::cout << " SCENARIO-FILE [MODE-FILE]\n"
                   << "The scenario file is looked for under inp/.\n";
     } else {
         std::cout
-            << (tavro_rt->input.empty() ? "" : " INPUT-FILE")
-            << (tavro_rt->measure.empty() ? "" : " MEASURE-FILE")
-            << (tavro_rt->display.empty() ? "" : " DISPLAY-FILE")
+            << (rt->input.empty() ? "" : " INPUT-FILE")
+            << (rt->measure.empty() ? "" : " MEASURE-FILE")
+            << (rt->display.empty() ? "" : " DISPLAY-FILE")
             << " [SCENARIO-FILE [MODE-FILE]]\n"
             << "Input and scenario files are looked for under inp/, measure files under obs/;\n"
             << "display files are written under disp/.\n";
@@ -123,60 +121,50 @@ void printUsage() {
 }
 
 // A first argument that asks about the program ends it, before it says anything else.
-void answerQuestions(int argc, char** argv) {
+void answerQuestions(CompiledModel const& model, int argc, char** argv) {
     if (argc < 2)
         return;
     bool const help = std::strcmp(argv[1], "--help") == 0;
     if (!help && std::strcmp(argv[1], "--version") != 0)
         return;
     if (help) {
-        startinit(new Scheduler(model_name));
-        printUsage();
+        Host silent;
+        std::unique_ptr<Plant> const plant = buildPlant(model, silent);
+        printUsage(plant->tavro_rt.get());
     } else {
-        std::cout << auxFile << " " << version << " (model " << model_name << ")\n";
+        std::cout << auxFile << " " << version << " (model " << model.model_name << ")\n";
     }
     std::cout.flush();
     std::_Exit(0);
 }
 
-// Frees what a run and the model hold, on every way out of the process: the candidates first, since
-// the keys of their tables are texts of the model, then the scheduler, which owns the model.
+// Frees what the run and the plant hold, on every way out of the process: the run first, since the
+// keys of its tables are texts of the plant.
 void releaseAll() {
-    for (HybMap* candidates : {&tracked_trajs, &ntrajs, &misbtrajs})
-        candidates->clear();
-    delete sMM;
-    sMM = nullptr;
+    consoleRun.reset();
+    consolePlant.reset();
 }
 
-void buildModel() {
-    hybNT = nullptr;
-    std::cout << "appliName: " << model_name << "\n";
-    sMM = new Scheduler(model_name);
+void buildModel(CompiledModel const& model) {
+    Host& host = consoleHost();
     std::atexit(releaseAll);
-    startinit(sMM);
-    std::cout << "model successfully loaded.\n";
-    sMM->rtInit();
+    consolePlant = buildPlant(model, host);
+    consoleRun = std::make_unique<RunState>(*consolePlant, host);
     // Without a file of prime implicates nothing is said.
-    if (std::ifstream(model_name + ".pi"))
-        sMM->readPI();
-    if (tavro_rt != nullptr)
-        localInit(tavro_rt, sMM);
-    else
-        discrete = true;
+    if (host.open(consolePlant->name + ".pi") != nullptr)
+        consoleRun->sMM->readPI();
+    discrete = consoleRun->tavro_rt == nullptr;
 }
 
 }  // namespace
 
-void localInit(s_runtime* rt, Scheduler*) {
-    bridgeActiveAtoms(rt);
-}
-
-void startConsole(int argc, char** argv) {
+void startConsole(CompiledModel const& model, int argc, char** argv) {
     // One character may be read past the console, so nothing may be read ahead.
     std::setvbuf(stdin, nullptr, _IONBF, 0);
     auxFile = baseName(argc > 0 ? argv[0] : nullptr);
-    answerQuestions(argc, argv);
-    buildModel();
+    consoleHost();
+    answerQuestions(model, argc, argv);
+    buildModel(model);
     ligneInit();
     setPrefixes();
     Arguments arguments(argc, argv);
@@ -187,6 +175,6 @@ void startConsole(int argc, char** argv) {
     takeModesFile(arguments);
     if (!discrete)
         std::fprintf(stderr, "Ready for executing %s with time step = %g;\n", auxFile.c_str(),
-                     tavro_rt->Ts);
+                     consoleRun->tavro_rt->Ts);
     arguments.printTaken();
 }

@@ -1,8 +1,7 @@
 // The discrete step of all candidates, the check against the measures, and who stays.
-#include <iostream>
 
+#include "continuous/displays.h"
 #include "continuous/sorn-runt.h"
-#include "hybrid/exchange.h"
 #include "hybrid/tavro-runt.h"
 #include "reasoning/Scheduler.h"
 
@@ -10,6 +9,7 @@ namespace {
 
 // The walk over tracked_trajs in one discrete step.
 struct DiscreteWalk {
+    RunState& run;
     RunOptions const& options;
     double time;
     int limit;  // runtimes up to this identity existed before the step
@@ -17,9 +17,9 @@ struct DiscreteWalk {
     HybMap::iterator at;
 };
 
-void stepDiscreteSide(hybTrajectory& candidate, double time) {
-    bridgeIncEvents(candidate.rt.get());
-    sMM->doCycle(candidate.traj.get(), candidate.rt.get(), time);
+void stepDiscreteSide(RunState& run, hybTrajectory& candidate, double time) {
+    bridgeIncEvents(run.scheduler, candidate.rt.get());
+    run.sMM->doCycle(candidate.traj.get(), candidate.rt.get(), time);
     bridgeConditions(candidate.rt.get());
 }
 
@@ -35,10 +35,10 @@ bool checkMeasures(s_runtime* rt, int threshold) {
 // equal keys. Goes on to the entry that follows.
 void rebuildAfterModeChange(DiscreteWalk& walk) {
     std::unique_ptr<hybTrajectory> candidate = std::move(walk.at->second);
-    tavro_reinitialize(candidate->rt.get(), walk.time, walk.options.mode, walk.options.threshold);
+    tavro_reinitialize(walk.run, candidate->rt.get(), walk.time, walk.options.mode, walk.options.threshold);
     clearRunTime(candidate->rt.get());
-    splitRuntime(std::move(candidate), tracked_trajs, 1, walk.options.mode);
-    walk.at = tracked_trajs.erase(walk.at);
+    splitRuntime(walk.run, std::move(candidate), walk.run.tracked_trajs, 1, walk.options.mode);
+    walk.at = walk.run.tracked_trajs.erase(walk.at);
 }
 
 // In a simulation every candidate stays where it is. Otherwise nominal ones go into ntrajs, oldest
@@ -51,10 +51,10 @@ void placeCandidate(DiscreteWalk& walk, bool misb) {
     std::unique_ptr<hybTrajectory> candidate = std::move(walk.at->second);
     if (misb) {
         double const rank = candidate->traj->rank;
-        misbtrajs.emplace(rank, std::move(candidate));
+        walk.run.misbtrajs.emplace(rank, std::move(candidate));
     } else {
         double const key = -static_cast<double>(candidate->rt->num);
-        ntrajs.emplace(key, std::move(candidate));
+        walk.run.ntrajs.emplace(key, std::move(candidate));
     }
 }
 
@@ -63,7 +63,7 @@ void visit(DiscreteWalk& walk) {
     hybTrajectory& candidate = *walk.at->second;
     s_runtime* rt = candidate.rt.get();
     if (rt->num <= walk.limit)
-        stepDiscreteSide(candidate, walk.time);
+        stepDiscreteSide(walk.run, candidate, walk.time);
     if (!rt->bridgeTrans.empty()) {
         rebuildAfterModeChange(walk);
         return;
@@ -73,36 +73,36 @@ void visit(DiscreteWalk& walk) {
     ++walk.at;
 }
 
-void keepNominal(RunOptions const& options, double time) {
-    misbtrajs.clear();
-    tracked_trajs = std::move(ntrajs);
-    if (options.mode == RUN_DETECT && tracked_trajs.size() > 1)
-        sn_reduxTrajs(tracked_trajs, time);
+void keepNominal(RunState& run, RunOptions const& options, double time) {
+    run.misbtrajs.clear();
+    run.tracked_trajs = std::move(run.ntrajs);
+    if (options.mode == RUN_DETECT && run.tracked_trajs.size() > 1)
+        sn_reduxTrajs(run.tracked_trajs, time);
 }
 
 // Nothing agrees with the measures: the misbehaving candidates go on being tracked.
-void keepMisbehaving() {
-    std::fprintf(stderr, "all trajs misbehave !\n");
-    tracked_trajs = std::move(misbtrajs);
+void keepMisbehaving(RunState& run) {
+    run.err << "all trajs misbehave !\n";
+    run.tracked_trajs = std::move(run.misbtrajs);
 }
 
 }  // namespace
 
-void tavroDiscreteCycle(RunOptions const& options, double time, bool& nominal) {
-    ntrajs.clear();
+void tavroDiscreteCycle(RunState& run, RunOptions const& options, double time, bool& nominal) {
+    run.ntrajs.clear();
     nominal = false;
-    DiscreteWalk walk{options, time, rt_num, nominal, tracked_trajs.begin()};
-    while (walk.at != tracked_trajs.end())
+    DiscreteWalk walk{run, options, time, run.engine.rt_num, nominal, run.tracked_trajs.begin()};
+    while (walk.at != run.tracked_trajs.end())
         visit(walk);
     if (options.mode <= RUN_RESET)
         return;
-    tracked_trajs.clear();
+    run.tracked_trajs.clear();
     if (nominal)
-        keepNominal(options, time);
-    else if (options.isolation > CYCLE_DETECT && !diag_flag)
-        diagnoseMisbTrajs(options, time);
+        keepNominal(run, options, time);
+    else if (options.isolation > CYCLE_DETECT && !run.diag_flag)
+        diagnoseMisbTrajs(run, options, time);
     else
-        keepMisbehaving();
-    ntrajs.clear();
-    misbtrajs.clear();
+        keepMisbehaving(run);
+    run.ntrajs.clear();
+    run.misbtrajs.clear();
 }

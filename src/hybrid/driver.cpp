@@ -1,9 +1,7 @@
 // The start of a run, one step of all candidates, and the end of a run.
-#include <cstdio>
 #include <new>
 
 #include "continuous/sorn-runt.h"
-#include "hybrid/exchange.h"
 #include "hybrid/tavro-runt.h"
 #include "model/Transitionrt.h"
 #include "reasoning/Scheduler.h"
@@ -12,13 +10,13 @@ namespace {
 
 constexpr double firstKey = 1.0;
 
-void readFirstLines(s_runtime const* rt) {
-    meas.assign(rt->measure.size(), 0.0);
-    inps.assign(rt->input.size(), 0.0);
+void readFirstLines(RunState& run, s_runtime const* rt) {
+    run.engine.meas.assign(rt->measure.size(), 0.0);
+    run.engine.inps.assign(rt->input.size(), 0.0);
     if (!rt->measure.empty())
-        tavro_getMeasures(rt->name.c_str(), static_cast<int>(meas.size()), meas.data());
+        run.host.measures(static_cast<int>(run.engine.meas.size()), run.engine.meas.data());
     if (!rt->input.empty())
-        tavro_getInputs(rt->name.c_str(), static_cast<int>(inps.size()), inps.data());
+        run.host.inputs(static_cast<int>(run.engine.inps.size()), run.engine.inps.data());
 }
 
 // The code of the continuous step of one candidate. Required: when the countdown is at exactly
@@ -34,41 +32,41 @@ int stepCode(RunOptions const& options, double& countdown) {
 
 }  // namespace
 
-void initNominalTraj(string_map<Atom*> const* atoms, s_runtime const* rt) {
-    tracked_trajs.clear();
-    auto first = std::make_unique<hybTrajectory>(atoms, rt);
-    hybNT = first.get();
-    for (auto const& entry : DataManager::active_comps)
+void initNominalTraj(RunState& run, string_map<Atom*> const* atoms, s_runtime const* rt) {
+    run.tracked_trajs.clear();
+    auto first = std::make_unique<hybTrajectory>(run.scheduler.book, atoms, rt);
+    run.hybNT = first.get();
+    for (auto const& entry : run.plant.active_comps)
         if (entry.second != nullptr)
-            hybNT->traj->getState(0)->comps[entry.second->getName()] = entry.second;
-    tracked_trajs.emplace(firstKey, std::move(first));
+            run.hybNT->traj->getState(0)->comps[entry.second->getName()] = entry.second;
+    run.tracked_trajs.emplace(firstKey, std::move(first));
 }
 
-int tavro_initialize_discrete() {
-    initNominalTraj(&DataManager::active_atoms, nullptr);
-    sMM->raz();
-    DataManager::tracked_traj.emplace(firstKey, std::move(hybNT->traj));
+int tavro_initialize_discrete(RunState& run) {
+    initNominalTraj(run, &run.plant.active_atoms, nullptr);
+    run.sMM->raz();
+    run.scheduler.tracked_traj.emplace(firstKey, std::move(run.hybNT->traj));
     return 0;
 }
 
-int tavro_initialize(int global, double precision, char const* diagBuf, int accuTime) {
-    diag_flag = false;
-    initNominalTraj(&DataManager::active_atoms, tavro_rt);
-    s_runtime* rt = hybNT->rt.get();
+int tavro_initialize(RunState& run, int global, double precision, char const* diagBuf, int accuTime) {
+    run.diag_flag = false;
+    initNominalTraj(run, &run.plant.active_atoms, run.tavro_rt);
+    s_runtime* rt = run.hybNT->rt.get();
     sn_updateDico(rt);
-    std::fprintf(stderr, "-- time = 0 --------------------------\n");
-    readFirstLines(rt);
-    sMM->raz();
+    run.err << "-- time = 0 --------------------------\n";
+    readFirstLines(run, rt);
+    run.sMM->raz();
     sorn_initialize(rt, global, precision, diagBuf, accuTime);
-    bridgeIncEvents(rt);
-    sMM->doCycle(hybNT->traj.get(), rt, 0.0);
-    lockFirstTrajState(hybNT->traj.get());
+    bridgeIncEvents(run.scheduler, rt);
+    run.sMM->doCycle(run.hybNT->traj.get(), rt, 0.0);
+    lockFirstTrajState(run.hybNT->traj.get());
     bridgeConditions(rt);
     if (!rt->bridgeTrans.empty())
         tavro_initMappingFuncs(rt);
     clearRunTime(rt);
     // What a split of the first values added is followed by no candidate.
-    clearNrt(rt);
+    clearNrt(run, rt);
     return 1;
 }
 
@@ -90,25 +88,25 @@ void lockFirstTrajState(Trajectory* traj) {
     }
 }
 
-int tavro_doCycle(RunOptions const& options, double countdown, double time, bool& nominal) {
-    ntrajs.clear();
-    misbtrajs.clear();
-    for (auto const& entry : tracked_trajs)
+int tavro_doCycle(RunState& run, RunOptions const& options, double countdown, double time, bool& nominal) {
+    run.ntrajs.clear();
+    run.misbtrajs.clear();
+    for (auto const& entry : run.tracked_trajs)
         if (sorn_doCycle2(entry.second->rt.get(), stepCode(options, countdown)) == -1)
-            std::fprintf(stderr, "Invalid model !\n");
-    splitTrajs(options);
-    tavroDiscreteCycle(options, time, nominal);
-    hybNT = tracked_trajs.empty() ? nullptr : tracked_trajs.begin()->second.get();
+            run.err << "Invalid model !\n";
+    splitTrajs(run, options);
+    tavroDiscreteCycle(run, options, time, nominal);
+    run.hybNT = run.tracked_trajs.empty() ? nullptr : run.tracked_trajs.begin()->second.get();
     return 1;
 }
 
-int tavro_tryCycle(RunOptions const& options, double countdown, double time, bool& nominal) {
+int tavro_tryCycle(RunState& run, RunOptions const& options, double countdown, double time, bool& nominal) {
     try {
-        return tavro_doCycle(options, countdown, time, nominal);
+        return tavro_doCycle(run, options, countdown, time, nominal);
     } catch (std::bad_alloc const&) {
-        clearMultiTrajs();
-        ntrajs.clear();
-        misbtrajs.clear();
+        clearMultiTrajs(run);
+        run.ntrajs.clear();
+        run.misbtrajs.clear();
         return 0;
     }
 }
@@ -119,7 +117,7 @@ void clearRunTime(s_runtime* rt) {
     rt->bridgeTrans.clear();
 }
 
-void clearMultiTrajs() {
-    hybNT = nullptr;
-    tracked_trajs.clear();
+void clearMultiTrajs(RunState& run) {
+    run.hybNT = nullptr;
+    run.tracked_trajs.clear();
 }

@@ -2,8 +2,8 @@
 #include "hybrid/tavro-runt.h"
 #include "trajectory/model_tools.h"
 
-void graphTrajs(HybMap const& trajectories) {
+void graphTrajs(Host& host, HybMap const& trajectories) {
     int i = 0;
     for (auto const& entry : trajectories)
-        toDot(entry.second->traj.get(), "htraj" + std::to_string(i++));
+        toDot(host, entry.second->traj.get(), "htraj" + std::to_string(i++));
 }

@@ -19,5 +19,6 @@ hybTrajectory::hybTrajectory(Trajectory const* history, std::unique_ptr<s_runtim
     : traj(std::make_unique<Trajectory>(history, history->getCurrentTime() + 1)),
       rt(std::move(runtime)) {}
 
-hybTrajectory::hybTrajectory(string_map<Atom*> const* atoms, s_runtime const* runtime)
-    : traj(std::make_unique<Trajectory>(atoms)), rt(copyOrNull(runtime)) {}
+hybTrajectory::hybTrajectory(TrajectoryBook& book, string_map<Atom*> const* atoms,
+                             s_runtime const* runtime)
+    : traj(std::make_unique<Trajectory>(book, atoms)), rt(copyOrNull(runtime)) {}

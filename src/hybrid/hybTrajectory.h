@@ -14,7 +14,7 @@ struct hybTrajectory {
     hybTrajectory(Trajectory const* history, std::unique_ptr<s_runtime> runtime);
     // The initial state of the atoms, and a copy of the runtime, if there is one: the model's own
     // runtime is never stepped and stays a template for every run.
-    hybTrajectory(string_map<Atom*> const* atoms, s_runtime const* runtime);
+    hybTrajectory(TrajectoryBook& book, string_map<Atom*> const* atoms, s_runtime const* runtime);
 
     std::unique_ptr<Trajectory> traj;
     std::unique_ptr<s_runtime> rt;  // null in a discrete model

@@ -4,7 +4,6 @@
 // is computed anew. While detecting, the jump may have come now or one cycle ago, so the prediction
 // afterwards covers both.
 #include <algorithm>
-#include <iostream>
 
 #include "continuous/sorn-runt.h"
 #include "hybrid/tavro-runt.h"
@@ -30,8 +29,8 @@ s_Variable* targetOf(s_runtime* rt, s_mapfVar const& target) {
     bool const exists = target.expr >= 0 && target.expr < static_cast<int>(rt->mapExprs.size());
     if (variable != nullptr && exists)
         return variable;
-    std::fprintf(stderr, "Mapping of %s: the model has no such %s.\n", target.name.c_str(),
-                 variable == nullptr ? "variable" : "expression");
+    rt->engine->err << "Mapping of " << target.name << ": the model has no such "
+                    << (variable == nullptr ? "variable" : "expression") << ".\n";
     return nullptr;
 }
 
@@ -103,7 +102,7 @@ int tavro_initMappingFuncs(s_runtime* rt) {
     defineTheRest(rt);
     int const result = sn_initValSpc(rt);
     if (result != 1)
-        std::cout << "Error while splitting init state\n";
+        rt->engine->out << "Error while splitting init state\n";
     return result;
 }
 
@@ -132,9 +131,9 @@ bool tavro_applyMappingFuncs(s_runtime* rt) {
     return assigned;
 }
 
-bool tavro_applyMappingFuncs2(s_runtime* rt, double time) {
+bool tavro_applyMappingFuncs2(RunState& run, s_runtime* rt, double time) {
     std::unique_ptr<s_runtime> copy =
-        sn_copyPartialFaultyRt(rt, 0, time - 1.0, time, Trajectory::twd);
+        sn_copyPartialFaultyRt(rt, 0, time - 1.0, time, run.scheduler.book.twd);
     applyBounds(copy.get(), false);
     sn_doStepTempo(copy.get());
     sn_doStepUntemp(copy.get());
@@ -146,12 +145,12 @@ bool tavro_applyMappingFuncs2(s_runtime* rt, double time) {
     return assigned;
 }
 
-bool tavro_reinitialize(s_runtime* rt, double time, int mode, int threshold) {
+bool tavro_reinitialize(RunState& run, s_runtime* rt, double time, int mode, int threshold) {
     for (auto const& variable : rt->dico)
         if (!variable->isParam)
             variable->defined = 0;
     bool const assigned =
-        mode <= RUN_RESET ? tavro_applyMappingFuncs(rt) : tavro_applyMappingFuncs2(rt, time);
+        mode <= RUN_RESET ? tavro_applyMappingFuncs(rt) : tavro_applyMappingFuncs2(run, rt, time);
     sn_checkMs(rt, assigned ? thresholdAfterJump : threshold);
     sn_yieldAlarms(rt);
     sn_yieldDisplays(rt);

@@ -3,7 +3,7 @@
 
 #include "continuous/sorn-runt.h"
 #include "hybrid/tavro-runt.h"
-#include "model/DataManagerrt.h"
+#include "trajectory/DataManagerrt.h"
 #include "support/numbers.h"
 
 bool isMisb(s_runtime const* rt) {

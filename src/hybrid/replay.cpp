@@ -4,11 +4,10 @@
 // step, and stepped forward again on past inputs and measures, read from the candidate's own
 // histories and never from the files. No discrete step is taken: the history stands as the
 // diagnosis made it.
-#include <cstdio>
 #include <optional>
 
+#include "continuous/displays.h"
 #include "continuous/sorn-runt.h"
-#include "hybrid/exchange.h"
 #include "hybrid/tavro-runt.h"
 #include "support/numbers.h"
 
@@ -36,23 +35,23 @@ double pastValue(s_Objet const& present, History<s_Objet> const& history, double
 }
 
 // What the candidate becomes when it is replayed from its fault; into *result*, by rank.
-void replay(hybTrajectory const& candidate, int faultStep, double time, int threshold,
+void replay(RunState& run, hybTrajectory const& candidate, int faultStep, double time, int threshold,
             HybMap& result) {
     Trajectory const& history = *candidate.traj;
     auto moved = std::make_unique<hybTrajectory>();
     moved->traj = std::make_unique<Trajectory>(&history, history.getCurrentTime() + 1);
     double const faultTime = history.getTimeCorr(faultStep);
     moved->rt =
-        sn_copyPartialFaultyRt(candidate.rt.get(), faultStep, faultTime, time, Trajectory::twd);
-    updateDiagConds(moved->traj.get(), moved->rt.get(), faultStep, faultTime, threshold);
+        sn_copyPartialFaultyRt(candidate.rt.get(), faultStep, faultTime, time, run.scheduler.book.twd);
+    updateDiagConds(run, moved->traj.get(), moved->rt.get(), faultStep, faultTime, threshold);
     HybMap replayed;
     double const rank = moved->traj->rank;
     replayed.emplace(rank, std::move(moved));
     for (double t = faultTime + replayStep; t <= time; t += replayStep) {
-        tavro_diagGetInputs(candidate.rt.get(), t, time, inps.data());
-        tavro_diagGetMeasures(candidate.rt.get(), t, time, meas.data());
-        if (tavro_checkCycle(replayed, t, threshold) == -1)
-            std::fprintf(stderr, "Tavro recursive cycle failed!\n");
+        tavro_diagGetInputs(candidate.rt.get(), t, time, run.engine.inps.data());
+        tavro_diagGetMeasures(candidate.rt.get(), t, time, run.engine.meas.data());
+        if (tavro_checkCycle(run, replayed, t, threshold) == -1)
+            run.err << "Tavro recursive cycle failed!\n";
     }
     for (auto& entry : replayed) {
         // Each step clears the bridge. A fault of the present has none, and its mode change, which
@@ -75,29 +74,29 @@ void tavro_diagGetMeasures(s_runtime const* rt, double from, double now, double*
         out[i] = pastValue(rt->measure[i]->mes, rt->measure[i]->mesHisto, from, now);
 }
 
-bool verifyAndUpdateTrajs(double time, int threshold) {
+bool verifyAndUpdateTrajs(RunState& run, double time, int threshold) {
     bool allUnknown = true;
     HybMap result;
-    for (auto& entry : tracked_trajs) {
+    for (auto& entry : run.tracked_trajs) {
         if (!entry.second->traj->isUnknown())
             allUnknown = false;
         if (std::optional<int> const faultStep = faultStepOf(*entry.second->traj)) {
-            replay(*entry.second, *faultStep, time, threshold, result);
+            replay(run, *entry.second, *faultStep, time, threshold, result);
         } else {
             double const rank = entry.second->traj->rank;
             result.emplace(rank, std::move(entry.second));
         }
     }
-    tracked_trajs = std::move(result);
+    run.tracked_trajs = std::move(result);
     return allUnknown;
 }
 
-int tavro_checkCycle(HybMap& trajectories, double time, int) {
+int tavro_checkCycle(RunState& run, HybMap& trajectories, double time, int) {
     HybMap stepped;
     for (auto& entry : trajectories) {
         s_runtime* rt = entry.second->rt.get();
         if (sorn_doCycle2(rt, CYCLE_ISOLATE) == -1)
-            std::fprintf(stderr, "Invalid model !\n");
+            run.err << "Invalid model !\n";
         clearAlarms(rt);
         double const key = -static_cast<double>(rt->num);
         stepped.emplace(key, std::move(entry.second));
@@ -106,7 +105,7 @@ int tavro_checkCycle(HybMap& trajectories, double time, int) {
     if (stepped.size() > 1)
         sn_reduxTrajs(stepped, time);
     for (auto& entry : stepped)
-        splitRuntime(std::move(entry.second), trajectories, 1, RUN_DETECT);
+        splitRuntime(run, std::move(entry.second), trajectories, 1, RUN_DETECT);
     tavroDiagDiscreteCycle(time, trajectories);
     return 1;
 }
@@ -119,12 +118,12 @@ void tavroDiagDiscreteCycle(double time, HybMap& trajectories) {
     }
 }
 
-void switchToBST(HybMap& target, HybMap copies, double time, double lastDetection, int threshold) {
-    std::fprintf(stderr, "switching to blind state tracking\n");
+void switchToBST(RunState& run, HybMap& target, HybMap copies, double time, double lastDetection, int threshold) {
+    run.err << "switching to blind state tracking\n";
     // The detection that has just been diagnosed is tracked as its diagnosis left it.
     if (time == lastDetection)
         return;
     for (auto const& entry : copies)
         if (std::optional<int> const faultStep = faultStepOf(*entry.second->traj))
-            replay(*entry.second, *faultStep, time, threshold, target);
+            replay(run, *entry.second, *faultStep, time, threshold, target);
 }

@@ -4,26 +4,15 @@
 // split of validity spaces, the discrete step, the check against the measures; then it is decided
 // which candidates stay. The functions are grouped by the file that holds them.
 //
-// Invariants between two commands of the console:
-//   1. hybNT is null, or the first of tracked_trajs;
-//   2. every candidate of tracked_trajs has a history and, in a hybrid model, a runtime;
-//   3. nrt is empty.
+// Whatever is changed is told by the first parameter: the whole run, or one runtime. The invariants
+// that hold between two steps stand in run_state.h.
 #pragma once
 
 #include <functional>
 #include <map>
 #include <memory>
 
-#include "hybrid/hybTrajectory.h"
-#include "reasoning/hybrid_candidates.h"
-
-// ---- Globals (globals.cpp) ----
-
-extern s_runtime* tavro_rt;   // the model's own runtime, a template; null in a discrete model
-extern HybMap tracked_trajs;  // the candidates being tracked
-extern HybMap ntrajs;         // candidates being rebuilt within a cycle
-extern HybMap misbtrajs;      // candidates found misbehaving in this cycle
-extern hybTrajectory* hybNT;  // the nominal candidate, borrowed; null: not initialised
+#include "hybrid/run_state.h"
 
 // Modes of a run.
 enum runMode {
@@ -45,37 +34,37 @@ struct RunOptions {
 // ---- Driver (driver.cpp) ----
 
 // Reads the first data lines and makes the first candidate; returns 1.
-int tavro_initialize(int global, double precision, char const* diagBuf, int accuTime);
+int tavro_initialize(RunState& run, int global, double precision, char const* diagBuf, int accuTime);
 // The same for a discrete model, whose trajectory goes to the registry; returns 0.
-int tavro_initialize_discrete();
-void initNominalTraj(string_map<Atom*> const* atoms, s_runtime const* rt);
+int tavro_initialize_discrete(RunState& run);
+void initNominalTraj(RunState& run, string_map<Atom*> const* atoms, s_runtime const* rt);
 void lockFirstTrajState(Trajectory* traj);
 // One step of all candidates; returns 1. *countdown* to the reset is told by the caller; *nominal*
 // answers whether a candidate agrees with the measures.
-int tavro_doCycle(RunOptions const& options, double countdown, double time, bool& nominal);
+int tavro_doCycle(RunState& run, RunOptions const& options, double countdown, double time, bool& nominal);
 // The same; 0 when memory ran short, at whatever place of the step. Then no candidate is left,
 // and hybNT is null. None could be kept: some have been stepped and others not, one may lack the
 // state that was being worked on, and explanations stand beside the candidates that they explain.
 // What a run has to show of the steps before must have been taken before.
-int tavro_tryCycle(RunOptions const& options, double countdown, double time, bool& nominal);
+int tavro_tryCycle(RunState& run, RunOptions const& options, double countdown, double time, bool& nominal);
 // Forgets what the bridge carries.
 void clearRunTime(s_runtime* rt);
 // Ends a run: every candidate goes, and hybNT is null.
-void clearMultiTrajs();
+void clearMultiTrajs(RunState& run);
 
 // ---- Splitting (splitting.cpp) ----
 
-void splitTrajs(RunOptions const& options);
+void splitTrajs(RunState& run, RunOptions const& options);
 // Splits the runtime of a candidate, which is consumed; its successors go into *out*.
-void splitRuntime(std::unique_ptr<hybTrajectory> candidate, HybMap& out, int multi, int mode);
+void splitRuntime(RunState& run, std::unique_ptr<hybTrajectory> candidate, HybMap& out, int multi, int mode);
 // A candidate for each runtime of nrt, with a copy of the history; empties nrt.
-void createNewTrajs(Trajectory const* history, HybMap& out);
+void createNewTrajs(RunState& run, Trajectory const* history, HybMap& out);
 // Empties nrt, and destroys every runtime in it but *keep*.
-void clearNrt(s_runtime const* keep);
+void clearNrt(RunState& run, s_runtime const* keep);
 
 // ---- The discrete step (discrete_cycle.cpp) ----
 
-void tavroDiscreteCycle(RunOptions const& options, double time, bool& nominal);
+void tavroDiscreteCycle(RunState& run, RunOptions const& options, double time, bool& nominal);
 
 // ---- Merging and misbehaviour (merging.cpp) ----
 
@@ -88,23 +77,20 @@ void mergeRuntimes(s_runtime* a, s_runtime const* b, double time);
 
 // ---- Hybrid diagnosis (diagnosis.cpp, replay.cpp) ----
 
-extern double last_detection_time;  // of the first detection of the run that came last; -1 at first
-extern bool diag_flag;              // a diagnosis has been accepted in this run
-
 // The first time that every candidate misbehaves: isolates, searches for discrete explanations,
 // replays them, and tracks what they give. The process ends with status 255 without any.
-void diagnoseMisbTrajs(RunOptions const& options, double time);
+void diagnoseMisbTrajs(RunState& run, RunOptions const& options, double time);
 // The sequence up to the replay; true when every explanation holds an unknown mode.
-bool handleMisbTrajs(int isolation, int threshold, double time);
+bool handleMisbTrajs(RunState& run, int isolation, int threshold, double time);
 // Discrete candidates for each atom set of a misbehaving one, which is consumed.
-void insertDiagnosis(std::unique_ptr<hybTrajectory> candidate, HybMap& out);
+void insertDiagnosis(RunState& run, std::unique_ptr<hybTrajectory> candidate, HybMap& out);
 // Replays every candidate with a new fault from its fault time on.
-bool verifyAndUpdateTrajs(double time, int threshold);
+bool verifyAndUpdateTrajs(RunState& run, double time, int threshold);
 HybMap copyHybTrajectories(HybMap const& trajectories);
 // Blind state tracking. Consumes *copies*.
-void switchToBST(HybMap& target, HybMap copies, double time, double lastDetection, int threshold);
+void switchToBST(RunState& run, HybMap& target, HybMap copies, double time, double lastDetection, int threshold);
 // One replay step of all candidates, without files and without a discrete step; returns 1.
-int tavro_checkCycle(HybMap& trajectories, double time, int threshold);
+int tavro_checkCycle(RunState& run, HybMap& trajectories, double time, int threshold);
 void tavroDiagDiscreteCycle(double time, HybMap& trajectories);
 // Past values, from a candidate's own histories.
 void tavro_diagGetInputs(s_runtime const* rt, double from, double now, double* out);
@@ -113,23 +99,23 @@ void tavro_diagGetMeasures(s_runtime const* rt, double from, double now, double*
 // ---- Graphs (graphs.cpp) ----
 
 // Writes htraj0.dot, htraj1.dot and so on, a file a candidate, in the order of the map.
-void graphTrajs(HybMap const& trajectories);
+void graphTrajs(Host& host, HybMap const& trajectories);
 
 // ---- Bridge (bridge.cpp); see also continuous/bridge.h ----
 
 // Hands the events of the continuous side to the scheduler.
-void bridgeIncEvents(s_runtime* rt);
+void bridgeIncEvents(Scheduler& scheduler, s_runtime* rt);
 // Applies what the discrete step settled to the conditions.
 void bridgeConditions(s_runtime* rt);
 // The transitions that a diagnosed history took at its first fault step go over the bridge.
 void addDiagBridgeTrans(Trajectory const* traj, s_runtime* rt, int time);
 // Brings a runtime moved back to *contTime* in line with the discrete state of step *time*.
-void updateDiagConds(Trajectory const* traj, s_runtime* rt, int time, double contTime,
+void updateDiagConds(RunState& run, Trajectory const* traj, s_runtime* rt, int time, double contTime,
                      int threshold);
 // Forgets the alarms of every variable.
 void clearAlarms(s_runtime* rt);
 // First values of the conditions from the model's atoms.
-void bridgeActiveAtoms(s_runtime* rt);
+void bridgeActiveAtoms(Plant const& plant, s_runtime* rt);
 
 // ---- Mapping functions (mapping.cpp) ----
 
@@ -139,6 +125,6 @@ void applyMFBounds(s_runtime* rt, s_Variable* variable, s_Objet const* value);
 // True when at least one assignment was made. Guards are tested.
 bool tavro_applyMappingFuncs(s_runtime* rt);
 // The form of detection, which also predicts the step before again. Guards are not tested.
-bool tavro_applyMappingFuncs2(s_runtime* rt, double time);
+bool tavro_applyMappingFuncs2(RunState& run, s_runtime* rt, double time);
 // The continuous state after a change of mode. Returns isMisb.
-bool tavro_reinitialize(s_runtime* rt, double time, int mode, int threshold);
+bool tavro_reinitialize(RunState& run, s_runtime* rt, double time, int mode, int threshold);

@@ -1,15 +1,14 @@
 // Construction, labels and printing of atoms.
 #include "model/Atom.h"
 
-#include <iostream>
-
 #include "model/StateVar.h"
 #include "model/labels.h"
 
 Atom::Atom(StateVar* variable, std::string const& domainValue, std::string const& id)
     : id(id), label(labelUnknown) {
     if (!variable->inValues(domainValue)) {
-        std::cout << "Atom --> Cannot create the atom : value not in the variable domain\n";
+        variable->complaints +=
+            "Atom --> Cannot create the atom : value not in the variable domain\n";
         return;
     }
     var = variable;
@@ -22,7 +21,6 @@ bool Atom::evalAtom() const {
 }
 
 std::vector<Atom*> const& Atom::getSiblings() const {
-    static std::vector<Atom*> const none;
     return var != nullptr ? var->getAtomLinks() : none;
 }
 
@@ -61,13 +59,13 @@ Atom* Atom::getAtomLink(std::string const& otherId) const {
     return nullptr;
 }
 
-void Atom::showAtom(bool full) const {
+void Atom::showAtom(std::ostream& out, bool full) const {
     if (!full) {
-        std::cout << id;
+        out << id;
         return;
     }
     // The degree sign is one Latin-1 byte.
-    std::cout << "--- Atom n\xb0# ---\n"
+    out << "--- Atom n\xb0# ---\n"
               << id << " --> [" << evalAtom() << "]\n"
               << "label : " << label << "\n"
               << "propagation number : " << propagationNumber << "\n";

@@ -10,6 +10,7 @@
 //   3. `id` does not change while a table is keyed by getId().
 #pragma once
 
+#include <ostream>
 #include <string>
 #include <vector>
 
@@ -22,9 +23,9 @@ class Transition;
 
 class Atom {
 public:
-    // Links the atom to *var*. A value outside the domain is told on standard output and leaves
-    // `var` null and `value` empty: such an atom is never true, cannot be set, and has no siblings,
-    // no kind and no component.
+    // Links the atom to *var*. A value outside the domain is noted among the variable's complaints
+    // and leaves `var` null and `value` empty: such an atom is never true, cannot be set, and has no
+    // siblings, no kind and no component.
     Atom(StateVar* var, std::string const& value, std::string const& id);
     Atom(Atom const&) = delete;
     Atom& operator=(Atom const&) = delete;
@@ -57,7 +58,7 @@ public:
     void incTopoNumber() { ++topoNumber; }
     int getTopoNumber() const { return topoNumber; }
 
-    void showAtom(bool full) const;
+    void showAtom(std::ostream& out, bool full) const;
 
     StateVar* var = nullptr;
     std::string value;
@@ -81,4 +82,6 @@ public:
 
 private:
     void labelSiblingsFalse();
+
+    std::vector<Atom*> const none;  // siblings of a refused value
 };

@@ -1,8 +1,6 @@
 // Literals, tests on labels, supports and printing of clauses.
 #include "model/Clause.h"
 
-#include <iostream>
-
 #include "model/Atom.h"
 #include "model/labels.h"
 
@@ -81,14 +79,14 @@ void Clause::setSupport(Atom* atom) {
             literal.second->consequences.push_back(atom);
 }
 
-void Clause::showClause(bool) const {
+void Clause::showClause(std::ostream& out, bool) const {
     if (atoms.empty())
-        std::cout << "null\n";
-    std::cout << "cl size: " << atoms.size() << "\n";
+        out << "null\n";
+    out << "cl size: " << atoms.size() << "\n";
     char const* separator = "";
     for (auto const& [sign, atom] : atoms) {
-        std::cout << separator << (sign ? "non - " : "") << atom->getId();
+        out << separator << (sign ? "non - " : "") << atom->getId();
         separator = " \\/ ";
     }
-    std::cout << "\n";
+    out << "\n";
 }

@@ -3,6 +3,7 @@
 // The registry owns all clauses. In a literal the sign true is negation (see signedAtoms.h).
 #pragma once
 
+#include <ostream>
 #include <string>
 #include <vector>
 
@@ -47,7 +48,7 @@ public:
     void setSupport(Atom* atom);
 
     // The argument has no effect.
-    void showClause(bool full) const;
+    void showClause(std::ostream& out, bool full) const;
 
     SignedAtoms atoms;
     Comp* comp = nullptr;

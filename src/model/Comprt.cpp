@@ -1,10 +1,7 @@
 // Building, counting and printing of components.
 #include "model/Comprt.h"
 
-#include <iostream>
-
 #include "model/Atom.h"
-#include "model/influencePrinter.h"
 #include "model/labels.h"
 
 Comp::Comp(std::string name) : name(std::move(name)) {}
@@ -49,11 +46,11 @@ void Comp::countGuard(Transition const& transition) {
 
 // Required: of k transitions with one guard and probabilities below 1, the first counts k-1, the
 // next k-2 and so on; a lone one counts nothing, and a certain one counts once.
-void Comp::getTransitionsGuards() {
+void Comp::getTransitionsGuards(std::ostream& err) {
     for (std::size_t i = 0; i < transitions.size(); ++i) {
         Transition const& transition = *transitions[i];
         if (!transition.pre || transition.modeVar == nullptr) {
-            std::cerr << "Transition " << i << " of " << name << " has no mode in its guard.\n";
+            err << "Transition " << i << " of " << name << " has no mode in its guard.\n";
             continue;
         }
         if (transition.proba == 1.0) {
@@ -73,26 +70,26 @@ constexpr char const* dashRule = "----------------------------------------------
 
 }  // namespace
 
-void Comp::showDiscrete() const {
-    std::cout << starRule << "\nComp : " << name << "\n"
+void Comp::showDiscrete(std::ostream& out) const {
+    out << starRule << "\nComp : " << name << "\n"
               << starRule << "\nnominal cover : " << nominalCover << "\nStates : \n";
     for (auto const& variable : stateVariables) {
-        std::cout << variable->getName() << " - " << variable->getType() << " -\n";
-        variable->showValues();
-        variable->showCurrentState();
+        out << variable->getName() << " - " << variable->getType() << " -\n";
+        variable->showValues(out);
+        variable->showCurrentState(out);
     }
-    std::cout << dashRule << "\nConstraints : \n";
+    out << dashRule << "\nConstraints : \n";
     for (auto const& formula : constraints)
-        formula->showFormula();
+        formula->showFormula(out);
 }
 
-void Comp::showComp() const {
-    showDiscrete();
-    std::cout << dashRule << "\nInfluences : \n";
+void Comp::showComp(std::ostream& out, InfluencePrinter const& showInfluence) const {
+    showDiscrete(out);
+    out << dashRule << "\nInfluences : \n";
     for (s_Influence const* influence : influences)
-        printInfluence(influence);
-    std::cout << dashRule << "\nTransitions : \n";
+        showInfluence(influence);
+    out << dashRule << "\nTransitions : \n";
     for (auto const& transition : transitions)
-        transition->showTransition();
-    std::cout << starRule << "\n";
+        transition->showTransition(out);
+    out << starRule << "\n";
 }

@@ -9,7 +9,9 @@
 //   2. names of variables begin with the component's name and a dot.
 #pragma once
 
+#include <functional>
 #include <memory>
+#include <ostream>
 #include <string>
 #include <vector>
 
@@ -65,10 +67,12 @@ public:
     // The mean of the nominal transitions' probabilities; not-a-number when there is none.
     void computeNominalCover();
     // Counts guards into the atoms and variables of the transitions; to be called once. A guard
-    // without a mode is told on the error stream and counts nothing.
-    void getTransitionsGuards();
+    // without a mode is told on *err* and counts nothing.
+    void getTransitionsGuards(std::ostream& err);
 
-    void showComp() const;
+    // *showInfluence* prints one influence, in the form of the runtime's printers.
+    using InfluencePrinter = std::function<void(s_Influence const*)>;
+    void showComp(std::ostream& out, InfluencePrinter const& showInfluence) const;
 
     std::string className;  // name of the compiled class; assigned by the top level of the model
     std::string name;
@@ -91,7 +95,7 @@ public:
 
 private:
     void countGuard(Transition const& transition);
-    void showDiscrete() const;
+    void showDiscrete(std::ostream& out) const;
 
     std::vector<std::unique_ptr<Atom>> ownedAtoms;
     std::vector<std::unique_ptr<std::string>> symbolicKeys;  // what `atoms` is keyed by at first

@@ -1,29 +1,27 @@
 // Sub-formulas and printing of component constraints.
 #include "model/Formula.h"
 
-#include <iostream>
-
 void Formula::addFormula(std::unique_ptr<Formula> formula) {
     if (!formulas)
         formulas = std::make_unique<Formulas>();
     formulas->push_back(std::move(formula));
 }
 
-void Formula::showFormula() const {
+void Formula::showFormula(std::ostream& out) const {
     if (pre) {
-        pre->showStateFormula();
-        std::cout << " => ";
+        pre->showStateFormula(out);
+        out << " => ";
     }
     if (post)
-        post->showStateFormula();
+        post->showStateFormula(out);
     if (!formulas) {
-        std::cout << "\n";
+        out << "\n";
         return;
     }
     char const* separator = "";
     for (auto const& formula : *formulas) {
-        std::cout << separator;
-        formula->showFormula();
+        out << separator;
+        formula->showFormula(out);
         separator = "\t\t";
     }
 }

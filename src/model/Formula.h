@@ -26,7 +26,7 @@ public:
     void addFormula(std::unique_ptr<Formula> formula);
     std::string getOperat() const { return operat; }
     void setOperat(std::string const& word) { operat = word; }
-    void showFormula() const;
+    void showFormula(std::ostream& out) const;
 
     std::string operat;                  // free text
     std::unique_ptr<StateFormula> pre;   // may be null

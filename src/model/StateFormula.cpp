@@ -2,8 +2,6 @@
 #include "model/StateFormula.h"
 
 #include <algorithm>
-#include <iostream>
-
 #include "model/Atom.h"
 
 void StateFormula::setOperat(std::string const& word) {
@@ -45,21 +43,21 @@ bool StateFormula::eq(StateFormula const* other) const {
     });
 }
 
-void StateFormula::showStateFormula() const {
+void StateFormula::showStateFormula(std::ostream& out) const {
     if (negated)
-        std::cout << "non - ";
+        out << "non - ";
     for (auto const& nested : stateFormulas) {
-        nested->showStateFormula();
-        std::cout << " " << operat << " ";
+        nested->showStateFormula(out);
+        out << " " << operat << " ";
     }
     if (atoms.empty())
         return;
-    std::cout << "(";
+    out << "(";
     for (auto const& [sign, atom] : atoms) {
-        std::cout << (sign ? "" : "!") << atom->getId();
+        out << (sign ? "" : "!") << atom->getId();
         // Beside nested formulas the atoms stand without a separator.
         if (stateFormulas.empty())
-            std::cout << " " << operat << " ";
+            out << " " << operat << " ";
     }
-    std::cout << ")";
+    out << ")";
 }

@@ -6,6 +6,7 @@
 #pragma once
 
 #include <memory>
+#include <ostream>
 #include <string>
 #include <vector>
 
@@ -45,7 +46,7 @@ public:
     // may hold more; operators play no part.
     bool eq(StateFormula const* other) const;
 
-    void showStateFormula() const;
+    void showStateFormula(std::ostream& out) const;
 
     std::string operat;  // "and", "or", or "" which counts as "and"
     std::vector<std::unique_ptr<StateFormula>> stateFormulas;

@@ -1,7 +1,6 @@
 // Construction, default value and printing of variables.
 #include "model/StateVar.h"
 
-#include <iostream>
 #include <utility>
 
 StateVar::StateVar() = default;
@@ -14,7 +13,7 @@ StateVar::StateVar(std::string name, std::set<std::string> values)
 StateVar::StateVar(std::string name, std::set<std::string> values, std::string const& defaultValue)
     : StateVar(std::move(name), std::move(values)) {
     setDefault(defaultValue);
-    // Required: a default outside the domain is reported above and stored all the same.
+    // Required: a default outside the domain is noted above and stored all the same.
     currentState = defaultValue;
 }
 
@@ -34,7 +33,7 @@ void StateVar::setDefault(std::string const& value) {
     if (inValues(value))
         defaultValue = name + "=" + value;
     else
-        std::cout << "StateVar --> Wrong default value";
+        complaints += "StateVar --> Wrong default value";
 }
 
 int StateVar::addAtomToLinks(Atom* atom) {
@@ -46,13 +45,13 @@ bool StateVar::matchObs() const {
     return !observable || observation.empty() || currentState == observation;
 }
 
-void StateVar::showValues() const {
-    std::cout << "\t\t" << name << "\n\t\tType: " << type << "\n\t\tValues: \n\t\t{ ";
+void StateVar::showValues(std::ostream& out) const {
+    out << "\t\t" << name << "\n\t\tType: " << type << "\n\t\tValues: \n\t\t{ ";
     for (std::string const& value : values)
-        std::cout << value << "  ";
-    std::cout << "}\n\n";
+        out << value << "  ";
+    out << "}\n\n";
 }
 
-void StateVar::showCurrentState() const {
-    std::cout << name << " --->\t\t " << currentState << "\n";
+void StateVar::showCurrentState(std::ostream& out) const {
+    out << name << " --->\t\t " << currentState << "\n";
 }

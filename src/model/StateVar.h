@@ -9,6 +9,7 @@
 //   2. `defaultValue` is "" or name + "=" + a member of `values`.
 #pragma once
 
+#include <ostream>
 #include <set>
 #include <string>
 #include <vector>
@@ -35,7 +36,8 @@ public:
     void addValue(std::string const& value) { values.insert(value); }
     bool inValues(std::string const& value) const { return values.count(value) != 0; }
 
-    // Takes the bare value; keeps the old default and says so when it is outside the domain.
+    // Takes the bare value; keeps the old default and notes a complaint when it is outside the
+    // domain.
     void setDefault(std::string const& value);
     // In atom-id form, name + "=" + value.
     std::string getDefault() const { return defaultValue; }
@@ -59,8 +61,8 @@ public:
     // False only when the variable is observable, has an observation, and is in another state.
     bool matchObs() const;
 
-    void showValues() const;
-    void showCurrentState() const;
+    void showValues(std::ostream& out) const;
+    void showCurrentState(std::ostream& out) const;
 
     std::set<std::string> values;  // the domain, in string order
     std::string type;              // see labels.h; "" in the plain base class
@@ -75,4 +77,7 @@ public:
     // The clauses that state the exclusive choice among the values; the registry owns them.
     std::vector<Clause*> clauses;
     int guards = 0;  // distinct guards of the transitions of this variable; counted at start-up
+    // What was wrong with the making of the variable and its atoms: told by whoever takes the
+    // component. Empty in a sound model.
+    std::string complaints;
 };

@@ -1,8 +1,6 @@
 // Construction of transitions and their links into the atoms.
 #include "model/Transitionrt.h"
 
-#include <iostream>
-
 #include "model/Atom.h"
 #include "model/StateVar.h"
 #include "model/labels.h"
@@ -92,34 +90,34 @@ void Transition::refAtomPosts(Atom* atom) {
         atom->idleTrans = this;
 }
 
-void Transition::showMove() const {
+void Transition::showMove(std::ostream& out, std::ostream& err) const {
     if (idle)
         return;
     if (preMode == nullptr || postMode == nullptr) {
-        std::cerr << "Transition " << id << " names no mode to leave or none to reach.\n";
+        err << "Transition " << id << " names no mode to leave or none to reach.\n";
         return;
     }
-    std::cout << preMode->getId() << " --------> " << postMode->getId() << "\n";
+    out << preMode->getId() << " --------> " << postMode->getId() << "\n";
 }
 
-void Transition::showTransition() const {
-    std::cout << type << " (" << proba << ")" << (idle ? " (idle)" : "") << " : ";
+void Transition::showTransition(std::ostream& out) const {
+    out << type << " (" << proba << ")" << (idle ? " (idle)" : "") << " : ";
     if (pre)
-        pre->showStateFormula();
-    std::cout << " =>O ";
+        pre->showStateFormula(out);
+    out << " =>O ";
     for (auto const& formula : formulas) {
-        std::cout << " and (";
-        formula->showFormula();
-        std::cout << ")";
+        out << " and (";
+        formula->showFormula(out);
+        out << ")";
     }
     if (post) {
-        std::cout << " and ";
-        post->showStateFormula();
+        out << " and ";
+        post->showStateFormula(out);
     } else if (posts) {
         for (auto const& [offset, formula] : *posts) {
-            std::cout << "\n\t\t\t\t\t" << offset << " : ";
-            formula->showStateFormula();
+            out << "\n\t\t\t\t\t" << offset << " : ";
+            formula->showStateFormula(out);
         }
     }
-    std::cout << " -- " << id << "\n";
+    out << " -- " << id << "\n";
 }

@@ -54,9 +54,9 @@ public:
         formulas.push_back(std::move(formula));
     }
 
-    // Nothing for an idle transition; a transition without both modes is told on the error stream.
-    void showMove() const;
-    void showTransition() const;
+    // Nothing for an idle transition; a transition without both modes is told on *err*.
+    void showMove(std::ostream& out, std::ostream& err) const;
+    void showTransition(std::ostream& out) const;
 
     int id = 0;                   // unique once start-up has numbered the transitions
     std::string type;             // "Nominal" or "Fail"

@@ -1,8 +1,9 @@
 // The clauses that a compiled model states for each of its variables.
 #pragma once
 
+struct Plant;
 class StateVar;
 
-// Enters the internal clauses of a variable in the registry and in the variable: for each pair of
+// Enters the internal clauses of a variable in the plant and in the variable: for each pair of
 // its atoms, not both; then, one of them.
-void addExclusiveChoice(StateVar* variable);
+void addExclusiveChoice(Plant& plant, StateVar* variable);

@@ -44,6 +44,8 @@ using Observations = SignedAtoms;
 
 class Diagnoser : public itms {
 public:
+    using itms::itms;
+
     // ---- Locks (diagnoser/locks.cpp) ----
 
     // Labels the atom's element true, then those of its variable's atoms false. Required: the atom
@@ -65,8 +67,8 @@ public:
     // ---- Conflicts and successors (diagnoser/conflicts.cpp, successors.cpp, construct.cpp) ----
 
     // The transitions into step t whose effect (*post*) or whose guard no longer holds.
-    static ConflictSet getConflicts(Trajectory* trajectory, int t, bool post);
-    static void viewHashMapConflicts(ConflictSet const& conflicts);
+    ConflictSet getConflicts(Trajectory* trajectory, int t, bool post);
+    void viewHashMapConflicts(ConflictSet const& conflicts);
     // Adds to *finals*, by the probability of their last state, the histories without a conflict
     // that explain *conflicts* within *rank*. Consumes the trajectory.
     void immediateSuccessors(ConflictSet const& conflicts, std::unique_ptr<Trajectory> trajectory,
@@ -75,10 +77,10 @@ public:
     void constructSuccessors(likelyTransition const& candidate, Trajectory* trajectory, int t,
                              TrajectoryMap& successors, double rank);
     // Whether a failure that no command triggers has been expanded already in this search.
-    static bool checkForDeadEnd(Transition const* transition);
+    bool checkForDeadEnd(Transition const* transition);
     // The same, and whether the history holds one that has been; that alone decides for a
     // transition of another kind. Enters nothing. No caller yet.
-    static bool checkForDeadEndExt(Transition const* transition, Trajectory const* trajectory);
+    bool checkForDeadEndExt(Transition const* transition, Trajectory const* trajectory);
     static void addResult(std::unique_ptr<Trajectory> trajectory, TrajectoryMap& results,
                           double& sum);
 
@@ -105,17 +107,17 @@ public:
                               double toRank, Observations const& observations, double& reached);
 
     // Failures without a command that have been expanded in this search; compared by identity.
-    static std::set<Transition const*> redux_diag;
+    std::set<Transition const*> redux_diag;
 
 private:
-    static void tellTransition(Transition const* transition);
+    void tellTransition(Transition const* transition);
 
     struct Selection;
     void selectTransitions(Selection& selection, ConflictSet const& conflicts);
     bool tryConflict(Selection& selection, disConflict const& conflict);
     bool isRefused(Selection const& selection, disConflict const& conflict, TrajEl const* through,
                    Transition const* transition);
-    static bool isPointless(Selection const& selection, disConflict const& conflict,
+    bool isPointless(Selection const& selection, disConflict const& conflict,
                             TrajEl const* through, Transition const* transition);
     bool isGuardRefused(Selection const& selection, disConflict const& conflict,
                         Transition const* transition);
@@ -134,7 +136,7 @@ private:
                              std::unique_ptr<State> state, double rank);
 
     // Normalises the probabilities of what a search found, and tells it.
-    static void reportResults(TrajectoryMap const& results, double coverSum);
+    void reportResults(TrajectoryMap const& results, double coverSum);
 
     struct Round;
     bool exploreRound(Round& round, TrajectoryMap& results);

@@ -5,19 +5,14 @@
 // with the events that its continuous side raised.
 #pragma once
 
-#include <cstdio>
 #include <memory>
 #include <string>
 #include <vector>
 
 #include "reasoning/Diagnoser.h"
-#include "reasoning/hybrid_candidates.h"
 #include "reasoning/scenario.h"
 
 struct s_runtime;
-
-// Not false once a discrete run has begun: nothing then goes over the bridge.
-extern bool discretemdl;
 
 // A running transition whose effects come at delays.
 struct transitionCM {
@@ -33,8 +28,9 @@ using PendingTransitions = hash_map<int, transitionCM>;
 
 class Scheduler : public Diagnoser {
 public:
-    // Names the model. The process ends with status 1 when the initialisation fails.
-    explicit Scheduler(std::string const& name);
+    // Of a run, and of the building of a plant. Throws RunStopped when the initialisation fails.
+    Scheduler(Plant const& plant, Host& host);
+    Scheduler(Plant& plant, Host& host);
     ~Scheduler();
 
     int initSchD();
@@ -68,12 +64,11 @@ public:
     int runSchD(std::string const& path);
     void run2();
     // Writes traj0.dot, traj1.dot and so on, a file a trajectory, in the order of the map.
-    static void graphTraj(TrajectoryMap const& trajectories);
+    void graphTraj(TrajectoryMap const& trajectories);
 
-    // The discrete histories that explain the observations on one misbehaving candidate, into
-    // *out*, best first, each with a copy of the runtime. Implemented by the hybrid side.
-    void Diagnose(Trajectory* traj, s_runtime const* rt, Observations const& observations,
-                  HybMap& out);
+    // The discrete histories that explain the observations on one misbehaving candidate, best
+    // first.
+    TrajectoryMap Diagnose(Trajectory* traj, Observations const& observations);
 
     // ---- Steps (scheduler/steps.cpp) ----
 
@@ -100,8 +95,9 @@ public:
     std::vector<Atom*> contCommands;  // from the continuous side: atoms that act as commands
     s_runtime* runtime = nullptr;     // of the candidate being cycled; borrowed
     double bound = 0.0;               // rank bound of the covering search
-
-    static double simTime;  // continuous time of the running cycle
+    double simTime = 0.0;             // continuous time of the running cycle
+    // Not false once a discrete run has begun: nothing then goes over the bridge.
+    bool discretemdl = false;
 
 private:
     struct ElapsedTime;
@@ -135,8 +131,5 @@ private:
 
     std::string scenarioPath;
     int scenarioLine = 0;
-    std::unique_ptr<std::FILE, int (*)(std::FILE*)> scenarioFile;
+    std::unique_ptr<std::istream> scenarioFile;
 };
-
-// The one scheduler.
-extern Scheduler* sMM;

@@ -65,6 +65,8 @@ struct SearchLimits {
 
 class itms : public mdlChk {
 public:
+    using mdlChk::mdlChk;
+
     // ---- Start-up (startup.cpp) ----
 
     // Numbers and weighs transitions, finds the active atoms, links atoms and components, and sets
@@ -180,7 +182,7 @@ public:
     int readPI();
 
     // Every variable of every component, in the order of the registry.
-    std::vector<StateVar*> stateVars;
+    std::vector<StateVar*> const& stateVars = plant.stateVars;
     // Components pulled forward keep the locks of their observable elements.
     bool keepLocks = false;
     std::unique_ptr<PiTable> piTable;  // null unless readPI has run
@@ -188,7 +190,7 @@ public:
 private:
     void numberTransition(Transition* transition, Comp const& comp, int id);
     static bool guardHasCommand(Transition const& transition);
-    static void weighGuards(Comp const& comp);
+    void weighGuards(Comp const& comp);
     void linkAtoms(Comp* comp);
     void checkFocus(ElementTable const& table, ItmsRes& res, StateSite const& site);
     std::unique_ptr<ItmsRes> settleBranch(std::unique_ptr<ItmsRes> cur, Agenda& agenda,

@@ -2,6 +2,9 @@
 // adds nothing yet.
 #pragma once
 
-#include "model/DataManagerrt.h"
+#include "trajectory/DataManagerrt.h"
 
-class mdlChk : public DataManager {};
+class mdlChk : public DataManager {
+public:
+    using DataManager::DataManager;
+};

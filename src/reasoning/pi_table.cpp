@@ -1,10 +1,10 @@
 // The table of prime implicates and its text forms.
 #include "reasoning/pi_table.h"
 
-#include <fstream>
-#include <iostream>
+#include <sstream>
 
 #include "model/Atom.h"
+#include "support/host.h"
 
 void PiTable::addPIAtom(Atom* atom, Implicates list) {
     table[atom->getId()] = Entry{atom, std::move(list)};
@@ -15,28 +15,28 @@ Implicates const* PiTable::getPIs(Atom const* atom) const {
     return found == table.end() ? nullptr : &found->second.list;
 }
 
-void PiTable::showPI(Atom const* atom) const {
+void PiTable::showPI(std::ostream& out, Atom const* atom) const {
     Implicates const* list = getPIs(atom);
     if (list == nullptr)
         return;
-    std::cout << "\nPI(" << atom->getId() << ") => ";
+    out << "\nPI(" << atom->getId() << ") => ";
     char const* separator = "";
     for (Implicate const& implicate : *list) {
-        std::cout << separator;
+        out << separator;
         for (Atom const* member : implicate)
-            std::cout << member->getId() << " - ";
+            out << member->getId() << " - ";
         separator = "\n\t\t=>";
     }
 }
 
-void PiTable::showAllPI() const {
+void PiTable::showAllPI(std::ostream& out) const {
     for (auto const& entry : table)
-        showPI(entry.second.atom);
+        showPI(out, entry.second.atom);
 }
 
 namespace {
 
-void writeImplicate(std::ofstream& file, Implicate const& implicate) {
+void writeImplicate(std::ostream& file, Implicate const& implicate) {
     char const* separator = "";
     for (Atom const* member : implicate) {
         file << separator << member->getId();
@@ -46,10 +46,10 @@ void writeImplicate(std::ofstream& file, Implicate const& implicate) {
 
 }  // namespace
 
-void PiTable::writePI(char const* name) const {
+bool PiTable::writePI(Host& host, char const* name) const {
     std::string const path = std::string(name) + ".pi";
-    std::cout << "writing file " << path << "\n";
-    std::ofstream file(path, std::ios::trunc);
+    host.out() << "writing file " << path << "\n";
+    std::ostringstream file;
     for (auto const& entry : table) {
         file << entry.second.atom->getId() << ":";
         char const* separator = "";
@@ -60,4 +60,5 @@ void PiTable::writePI(char const* name) const {
         }
         file << "\n";
     }
+    return host.write(path, file.str());
 }

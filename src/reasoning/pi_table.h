@@ -4,12 +4,14 @@
 // Atoms are borrowed from the model.
 #pragma once
 
+#include <ostream>
 #include <string>
 #include <vector>
 
 #include "support/hash_map.h"
 
 class Atom;
+class Host;
 
 // One alternative, its atoms in the order of the file.
 using Implicate = std::vector<Atom*>;
@@ -21,11 +23,11 @@ public:
     void addPIAtom(Atom* atom, Implicates list);
     // The list, or null when the atom has none; enters nothing.
     Implicates const* getPIs(Atom const* atom) const;
-    void showPI(Atom const* atom) const;
-    void showAllPI() const;
+    void showPI(std::ostream& out, Atom const* atom) const;
+    void showAllPI(std::ostream& out) const;
     // Writes name + ".pi": a line an atom, "head:" and the alternatives, separated by ",", each a
     // list of ids separated by one blank. readPI of the truth maintenance reads it back.
-    void writePI(char const* name) const;
+    bool writePI(Host& host, char const* name) const;
 
 private:
     struct Entry {

@@ -1,25 +1,8 @@
-// The registry's operations on trajectories and states, and its end.
-#include <cstdio>
-#include <iostream>
-
-#include "model/DataManagerrt.h"
+// The registry's operations on trajectories and states.
 #include "model/StateVar.h"
 #include "model/labels.h"
+#include "trajectory/DataManagerrt.h"
 #include "trajectory/Trajectoryrt.h"
-
-TrajectoryMap DataManager::tracked_traj;
-
-DataManager::~DataManager() {
-    std::cout << "calling destructor of DataManager\n";
-    // Keys of these tables live in what is destroyed, so the tables go first.
-    active_comps.clear();
-    active_atoms.clear();
-    active_trans.clear();
-    tracked_traj.clear();
-    ownedComps.clear();
-    cls.clear();
-    std::cout << "tracked_traj deleted\n" << std::flush;
-}
 
 namespace {
 
@@ -55,36 +38,36 @@ bool DataManager::compareTrajsStates(State const* a, State const* b) {
 }
 
 void DataManager::compareTrajs(TrajectoryMap const* trajectories) {
-    std::cout << "Trajectories comparison :\n";
+    out << "Trajectories comparison :\n";
     int i = 0;
     for (auto first = trajectories->begin(); first != trajectories->end(); ++first) {
         ++i;
         int j = i;
         for (auto second = std::next(first); second != trajectories->end(); ++second) {
             ++j;
-            std::cout << "comparing traj " << i << " and " << j << "\n";
+            out << "comparing traj " << i << " and " << j << "\n";
             if (!wentThroughTheSame(*first->second, *second->second))
                 continue;
-            std::cout << "Traj " << i << " is the same as Traj " << j << " !!!\n";
-            first->second->showTrajectoryTransitions();
-            std::cout << "\n";
+            out << "Traj " << i << " is the same as Traj " << j << " !!!\n";
+            first->second->showTrajectoryTransitions(out);
+            out << "\n";
         }
     }
-    std::cout << "\n";
+    out << "\n";
 }
 
-void DataManager::printModes(std::FILE* stream, State const* state) {
+void DataManager::printModes(std::ostream* stream, State const* state) {
     if (stream == nullptr)
         return;
     for (auto const& entry : state->elts) {
         TrajEl const* element = entry.second;
         if (element != nullptr && element->getVarType() == typeMode && element->evalTrajEl())
-            std::fprintf(stream, "%i ", element->atom->linkIndex);
+            *stream << element->atom->linkIndex << " ";
     }
-    std::fprintf(stream, "\n");
+    *stream << "\n";
 }
 
 void DataManager::viewTrajectoriesTransitionsMultimap(TrajectoryMap const* trajectories) {
     for (auto const& entry : *trajectories)
-        entry.second->showTrajectoryTransitions();
+        entry.second->showTrajectoryTransitions(out);
 }

@@ -3,7 +3,6 @@
 
 #include <cassert>
 #include <cstring>
-#include <iostream>
 #include <set>
 
 #include "model/Comprt.h"
@@ -12,21 +11,18 @@
 #include "model/Transitionrt.h"
 #include "model/labels.h"
 
-unsigned State::state_created = 0;
-unsigned State::state_del = 0;
-
-State::State() {
-    ++state_created;
+State::State(TrajectoryBook& book) : book(book) {
+    ++book.state_created;
 }
 
 // Both take over what State() has made: an object that exists is destroyed when what follows fails.
-State::State(string_map<Atom*> const* atoms) : State() {
+State::State(TrajectoryBook& book, string_map<Atom*> const* atoms) : State(book) {
     locked = true;
     for (auto const& entry : *atoms) {
         Atom* atom = entry.second;
         if (atom == nullptr)
             continue;
-        auto element = std::make_unique<TrajEl>(atom, nullptr, nullptr, atom->getLabel());
+        auto element = std::make_unique<TrajEl>(book, atom, nullptr, nullptr, atom->getLabel());
         element->support = atom->support;
         enter(atom->getId(), std::move(element));
     }
@@ -36,7 +32,7 @@ State::State(string_map<Atom*> const* atoms) : State() {
         if (idle == nullptr)
             continue;
         if (!idle->pre || comp == nullptr) {
-            std::cerr << "the idle transition of " << entry.second->getId()
+            book.err << "the idle transition of " << entry.second->getId()
                       << " has no guard or no component\n";
             continue;
         }
@@ -50,7 +46,7 @@ State::State(string_map<Atom*> const* atoms) : State() {
     proba = prevTransProb;
 }
 
-State::State(State const* source, bool full) : State() {
+State::State(State const* source, bool full) : State(source->book) {
     if (full)
         copyHistory(*source);
     postProbs = source->postProbs;
@@ -76,7 +72,7 @@ void State::copyHistory(State const& source) {
 }
 
 State::~State() {
-    ++state_del;
+    ++book.state_del;
     clear();
 }
 
@@ -219,16 +215,16 @@ void State::checkState() const {
 #endif
 }
 
-void State::showState() const {
-    std::cout << "proba : " << proba << "\ncover : " << cover << "\n";
+void State::showState(std::ostream& out) const {
+    out << "proba : " << proba << "\ncover : " << cover << "\n";
     for (auto const& [id, element] : elts)
         if (element != nullptr)
-            std::cout << id << " --" << element->getLabel() << " (" << element->propagationNumber
+            out << id << " --" << element->getLabel() << " (" << element->propagationNumber
                       << ")  -- " << element->lock << "\n";
 }
 
-void State::showFullState() const {
+void State::showFullState(std::ostream& out) const {
     for (auto const& entry : elts)
         if (entry.second != nullptr)
-            entry.second->showTrajEl(true);
+            entry.second->showTrajEl(out, true);
 }

@@ -31,9 +31,9 @@ public:
     // Required: ordered by >=, so that equal keys stand in front of one another.
     using SortedPostProbs = std::multimap<double, int, std::greater_equal<double>>;
 
-    State();
+    explicit State(TrajectoryBook& book);
     // The initial state, from the atoms' own labels and supports.
-    explicit State(string_map<Atom*> const* atoms);
+    State(TrajectoryBook& book, string_map<Atom*> const* atoms);
     // A copy: with *full* all of it, and locked whatever the source holds; without, only labels and
     // supports, with no locks and no transitions.
     State(State const* source, bool full);
@@ -69,8 +69,8 @@ public:
     void clear();
     void checkState() const;
 
-    void showState() const;
-    void showFullState() const;
+    void showState(std::ostream& out) const;
+    void showFullState(std::ostream& out) const;
 
     Elements elts;
     double failCount = 0.0;      // failures added in this state
@@ -88,8 +88,7 @@ public:
     bool unknown = false;  // reached through an unknown mode
     std::vector<Atom*> observations;
 
-    static unsigned state_created;
-    static unsigned state_del;
+    TrajectoryBook& book;
 
 private:
     void copyHistory(State const& source);

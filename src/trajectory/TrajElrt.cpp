@@ -1,14 +1,9 @@
 // Construction, transitions and printing of elements.
 #include "trajectory/TrajElrt.h"
 
-#include <iostream>
-
 #include "model/Clause.h"
 #include "model/Transitionrt.h"
 #include "model/labels.h"
-
-unsigned TrajEl::trajel_created = 0;
-unsigned TrajEl::trajel_del = 0;
 
 namespace {
 
@@ -22,8 +17,8 @@ TrajEl::Transitions withoutNulls(TrajEl::Transitions const& transitions) {
 
 }  // namespace
 
-TrajEl::TrajEl() {
-    ++trajel_created;
+TrajEl::TrajEl(TrajectoryBook& book) : book(book) {
+    ++book.trajel_created;
 }
 
 TrajEl::TrajEl(TrajEl const* source)
@@ -37,19 +32,21 @@ TrajEl::TrajEl(TrajEl const* source)
       support(source->support),
       propagationNumber(source->propagationNumber),
       lock(source->lock),
-      proba(source->proba) {
-    ++trajel_created;
+      proba(source->proba),
+      book(source->book) {
+    ++book.trajel_created;
 }
 
-TrajEl::TrajEl(Atom* atom, Transition* prev, Transitions const* next, std::string const& label)
-    : atom(atom), prevTrans(prev), label(label) {
+TrajEl::TrajEl(TrajectoryBook& book, Atom* atom, Transition* prev, Transitions const* next,
+               std::string const& label)
+    : atom(atom), prevTrans(prev), label(label), book(book) {
     if (next != nullptr)
         nextTrans = withoutNulls(*next);
-    ++trajel_created;
+    ++book.trajel_created;
 }
 
 TrajEl::~TrajEl() {
-    ++trajel_del;
+    ++book.trajel_del;
 }
 
 bool TrajEl::evalTrajEl() const {
@@ -71,28 +68,28 @@ void TrajEl::addToNextTransNeg(Transition* transition) {
     nextTransNeg[transition->id] = transition;
 }
 
-void TrajEl::showAtom(bool const& full) const {
+void TrajEl::showAtom(std::ostream& out, bool const& full) const {
     if (!full) {
-        std::cout << getId();
+        out << getId();
         return;
     }
     // The degree sign is one Latin-1 byte. The label and the number are those of this step.
-    std::cout << "--- Atom n\xb0# ---\n"
+    out << "--- Atom n\xb0# ---\n"
               << getId() << " --> [" << atom->evalAtom() << "]\n"
               << "label : " << label << "\n"
               << "propagation number : " << propagationNumber << "\n"
               << "lock : " << lock << "\n";
 }
 
-void TrajEl::showTrajEl(bool const& full) const {
-    showAtom(full);
-    std::cout << "prevTrans(" << prevTime << ") :\n";
+void TrajEl::showTrajEl(std::ostream& out, bool const& full) const {
+    showAtom(out, full);
+    out << "prevTrans(" << prevTime << ") :\n";
     if (prevTrans != nullptr)
-        prevTrans->showTransition();
+        prevTrans->showTransition(out);
     for (auto const& entry : nextTrans)
         if (entry.second != nullptr)
-            entry.second->showTransition();
-    std::cout << "support: " << support << "\n";
+            entry.second->showTransition(out);
+    out << "support: " << support << "\n";
     if (support != nullptr)
-        support->showClause(true);
+        support->showClause(out, true);
 }

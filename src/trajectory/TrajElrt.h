@@ -10,10 +10,12 @@
 #pragma once
 
 #include <map>
+#include <ostream>
 #include <string>
 #include <vector>
 
 #include "model/Atom.h"
+#include "trajectory/TrajectoryBook.h"
 
 class Clause;
 class Transition;
@@ -31,11 +33,12 @@ class TrajEl {
 public:
     using Transitions = std::map<int, Transition*>;
 
-    TrajEl();
+    explicit TrajEl(TrajectoryBook& book);
     // A copy without the consequences, which the copied state rebuilds.
     explicit TrajEl(TrajEl const* source);
     // *next* may be null; its null entries are left out.
-    TrajEl(Atom* atom, Transition* prev, Transitions const* next, std::string const& label);
+    TrajEl(TrajectoryBook& book, Atom* atom, Transition* prev, Transitions const* next,
+           std::string const& label);
     ~TrajEl();
     TrajEl(TrajEl const&) = delete;
     TrajEl& operator=(TrajEl const&) = delete;
@@ -60,8 +63,8 @@ public:
     void addToNextTransNeg(Transition* transition);
     void updateProba(double const& factor) { proba *= factor; }
 
-    void showAtom(bool const& full) const;
-    void showTrajEl(bool const& full) const;
+    void showAtom(std::ostream& out, bool const& full) const;
+    void showTrajEl(std::ostream& out, bool const& full) const;
 
     Atom* atom = nullptr;
     int prevTime = 0;                 // shown only
@@ -75,7 +78,5 @@ public:
     int propagationNumber = 0;          // rises along a chain of supports; 0 after a retraction
     int lock = LOCK_FREE;
     double proba = 1.0;
-
-    static unsigned trajel_created;
-    static unsigned trajel_del;
+    TrajectoryBook& book;
 };

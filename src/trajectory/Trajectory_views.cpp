@@ -1,42 +1,40 @@
 // Printing of trajectories.
-#include <iostream>
-
 #include "model/Transitionrt.h"
 #include "trajectory/Trajectoryrt.h"
 
 namespace {
 
-void showStepBanner(int t) {
-    std::cout << "******** trajectory->timestep " << t << " *********\n";
+void showStepBanner(std::ostream& out, int t) {
+    out << "******** trajectory->timestep " << t << " *********\n";
 }
 
 }  // namespace
 
-void Trajectory::showTrajectory(int t) const {
-    showStepBanner(t);
+void Trajectory::showTrajectory(std::ostream& out, int t) const {
+    showStepBanner(out, t);
     if (State const* state = getState(t))
-        state->showState();
+        state->showState(out);
 }
 
-void Trajectory::showTrajectoryFull(int t) const {
-    showStepBanner(t);
+void Trajectory::showTrajectoryFull(std::ostream& out, int t) const {
+    showStepBanner(out, t);
     if (State const* state = getState(t))
-        state->showFullState();
+        state->showFullState(out);
 }
 
-void Trajectory::showTrajectoryLight() const {
+void Trajectory::showTrajectoryLight(std::ostream& out) const {
     for (int t = 0; t < static_cast<int>(states.size()); ++t)
-        showTrajectory(t);
+        showTrajectory(out, t);
 }
 
-void Trajectory::showTrajectoryTransitions() const {
-    std::cout << ">>>>>>>>>>> viewing Trajectory (" << rank << ")<<<<<<<<<<<\n"
+void Trajectory::showTrajectoryTransitions(std::ostream& out) const {
+    out << ">>>>>>>>>>> viewing Trajectory (" << rank << ")<<<<<<<<<<<\n"
               << "current time: " << currentTime << "\nproba : " << proba << "\n";
     for (auto const& [t, state] : states) {
-        std::cout << "************** timestep " << t << " (cover : " << state->cover
+        out << "************** timestep " << t << " (cover : " << state->cover
                   << ") **************\n";
         for (Transition const* transition : getStateTransitions(t))
-            transition->showTransition();
+            transition->showTransition(out);
     }
-    std::cout << "\n";
+    out << "\n";
 }

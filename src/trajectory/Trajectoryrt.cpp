@@ -2,28 +2,22 @@
 #include "trajectory/Trajectoryrt.h"
 
 #include <cassert>
-#include <iostream>
-
 #include "model/Comprt.h"
 #include "model/Transitionrt.h"
 #include "model/labels.h"
 
-int Trajectory::twd = 5;
-unsigned Trajectory::traj_created = 0;
-unsigned Trajectory::traj_del = 0;
-
-Trajectory::Trajectory() {
-    ++traj_created;
+Trajectory::Trajectory(TrajectoryBook& book) : book(book) {
+    ++book.traj_created;
 }
 
 // Both take over what Trajectory() has made: an object that exists is destroyed when what follows
 // fails.
-Trajectory::Trajectory(string_map<Atom*> const* atoms) : Trajectory() {
-    putState(0, std::make_unique<State>(atoms));
+Trajectory::Trajectory(TrajectoryBook& book, string_map<Atom*> const* atoms) : Trajectory(book) {
+    putState(0, std::make_unique<State>(book, atoms));
     setTimeCorr(0.0);
 }
 
-Trajectory::Trajectory(Trajectory const* source, int upTo) : Trajectory() {
+Trajectory::Trajectory(Trajectory const* source, int upTo) : Trajectory(source->book) {
     currentTime = stepCount = upTo - 1;
     firstTime = source->firstTime;
     rank = source->rank;
@@ -38,7 +32,7 @@ Trajectory::Trajectory(Trajectory const* source, int upTo) : Trajectory() {
 }
 
 Trajectory::~Trajectory() {
-    ++traj_del;
+    ++book.traj_del;
     for (auto const& entry : states)
         delete entry.second;
 }
@@ -56,7 +50,7 @@ std::unique_ptr<State> Trajectory::addState(int t, std::unique_ptr<State> state)
     std::unique_ptr<State> before = takeState(t);
     State* added = state.get();
     putState(t, std::move(state));
-    if (static_cast<int>(states.size()) > twd)
+    if (static_cast<int>(states.size()) > book.twd)
         reduceTrajectory();
     rank += getStateRank(added);
     if (added->unknown)
@@ -74,7 +68,7 @@ void Trajectory::addCopyState(int t, State const* source, bool full) {
     advanceTo(t);
     if (reachedUnknown)
         setUnknown();
-    if (static_cast<int>(states.size()) > twd)
+    if (static_cast<int>(states.size()) > book.twd)
         reduceTrajectory();
     checkTrajectory();
 }
@@ -97,7 +91,7 @@ void Trajectory::putState(int t, std::unique_ptr<State> state) {
 }
 
 void Trajectory::reduceTrajectory() {
-    int const oldest = currentTime - twd;
+    int const oldest = currentTime - book.twd;
     State* next = getState(oldest + 1);
     for (auto const& [name, comp] : getState(oldest)->comps)
         if (next->comps.count(name) == 0)
@@ -131,7 +125,7 @@ TrajEl* Trajectory::searchBack(char const* id, int start, int* found) const {
             *found = t;
         return element;
     }
-    std::cout << "Error: atom not found... " << id << "\n";
+    book.out << "Error: atom not found... " << id << "\n";
     return nullptr;
 }
 
@@ -211,7 +205,7 @@ void carryConsequences(State* state, string_map<TrajEl*> const& sources) {
 }  // namespace
 
 void Trajectory::addComp(Comp* comp, State* state, int t, bool idle, bool keepLocks) {
-    std::cout << "[addComp] --> timestep : " << t << " -- " << comp->getName()
+    book.out << "[addComp] --> timestep : " << t << " -- " << comp->getName()
               << (keepLocks ? " (locked)" : "") << "\n";
     string_map<TrajEl*> found;
     for (auto const& entry : comp->atoms) {
@@ -249,7 +243,7 @@ double Trajectory::getStateRank(State const* state) const {
 
 void Trajectory::checkTrajectory() const {
 #ifndef NDEBUG
-    assert(static_cast<int>(states.size()) <= twd);
+    assert(static_cast<int>(states.size()) <= book.twd);
     for (int t = firstTime; t <= currentTime; ++t)
         assert(getState(t) != nullptr);
 #endif

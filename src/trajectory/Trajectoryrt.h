@@ -29,8 +29,8 @@ public:
     static constexpr double noTime = 9999.0;
     static constexpr int noStep = 9999;
 
-    Trajectory();
-    explicit Trajectory(string_map<Atom*> const* atoms);
+    explicit Trajectory(TrajectoryBook& book);
+    Trajectory(TrajectoryBook& book, string_map<Atom*> const* atoms);
     // A copy of the states before step *upTo*, which must be above the first step kept.
     Trajectory(Trajectory const* source, int upTo);
     ~Trajectory();
@@ -56,7 +56,7 @@ public:
     // The newest state below the size of the window that has elements, or null.
     State* getLastNonEmptyState() const;
 
-    // The element of an atom at or before a start step; null, and a line on standard output, when
+    // The element of an atom at or before a start step; null, and a line told in the book, when
     // the search fails. The forms differ in where they start, and by whether they tell the step.
     TrajEl* getElt(int t, char const* id) const;  // step t alone, without a search or a message
     // Required: these start at the number of states minus 1, which is not the newest step once the
@@ -99,10 +99,10 @@ public:
     void setUnknown() { unknown = true; }
     void checkTrajectory() const;
 
-    void showTrajectory(int t) const;
-    void showTrajectoryFull(int t) const;
-    void showTrajectoryTransitions() const;
-    void showTrajectoryLight() const;
+    void showTrajectory(std::ostream& out, int t) const;
+    void showTrajectoryFull(std::ostream& out, int t) const;
+    void showTrajectoryTransitions(std::ostream& out) const;
+    void showTrajectoryLight(std::ostream& out) const;
 
     States states;
     int currentTime = 0;
@@ -115,9 +115,7 @@ public:
     bool unknown = false;                          // a state with an unknown mode was added
     double eventTime = -1.0;  // date of the scenario event taken last; -1 for none
 
-    static int twd;  // window size in states
-    static unsigned traj_created;
-    static unsigned traj_del;
+    TrajectoryBook& book;
 
 private:
     TrajEl* searchBack(char const* id, int start, int* found) const;

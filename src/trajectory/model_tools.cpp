@@ -1,29 +1,36 @@
 // Building the Graphviz text.
 #include "trajectory/model_tools.h"
 
-#include <cstdio>
-#include <fstream>
 #include <initializer_list>
-#include <iostream>
+#include <iomanip>
+#include <sstream>
 #include <string_view>
 
 #include "model/Comprt.h"
 #include "model/StateVar.h"
 #include "model/Transitionrt.h"
 #include "model/labels.h"
+#include "support/host.h"
 #include "trajectory/Trajectoryrt.h"
 
 namespace {
 
-void writeFile(std::string const& name, std::string const& text) {
-    std::ofstream(name + ".dot", std::ios::trunc) << text;
+void writeFile(Host& host, std::string const& name, std::string const& text) {
+    host.write(name + ".dot", text);
 }
 
-template <typename... Values>
-std::string formatted(char const* format, Values... values) {
-    char buffer[128];
-    std::snprintf(buffer, sizeof buffer, format, values...);
-    return buffer;
+// With two digits behind the point.
+std::string fixed(double value) {
+    std::ostringstream text;
+    text << std::fixed << std::setprecision(2) << value;
+    return text.str();
+}
+
+// In the shortest of the usual forms, with six digits.
+std::string general(double value) {
+    std::ostringstream text;
+    text << value;
+    return text.str();
 }
 
 void append(std::string& text, std::initializer_list<std::string_view> parts) {
@@ -45,7 +52,7 @@ std::string transitionText(Transition const& transition) {
                 append(text, {atom->value, " [ "});
     if (transition.type == transFail)
         text += "style=dotted,";
-    append(text, {" label = \"", label, " (", formatted("%3.2f", transition.proba), ")\" ];\n\t"});
+    append(text, {" label = \"", label, " (", fixed(transition.proba), ")\" ];\n\t"});
     return text;
 }
 
@@ -71,10 +78,11 @@ std::string componentColumn(Trajectory const& trajectory) {
 std::string timeLine(Trajectory const& trajectory) {
     std::string text = "{\n\t\tnode [shape=plaintext];\n\t";
     for (int k = trajectory.firstTime; k <= trajectory.currentTime; ++k)
-        text += formatted("%i [label = \"%i (%g)\"];\n\t", k, k, trajectory.getTimeCorr(k));
+        append(text, {std::to_string(k), " [label = \"", std::to_string(k), " (",
+                      general(trajectory.getTimeCorr(k)), ")\"];\n\t"});
     text += "\ttime";
     for (int k = trajectory.firstTime; k <= trajectory.currentTime; ++k)
-        text += formatted(" -> %i", k);
+        append(text, {" -> ", std::to_string(k)});
     text += "}\n\tnode [ shape=ellipse, style=filled ];\n\t";
     return text;
 }
@@ -142,8 +150,8 @@ std::string makeNodeNameWithLabel(Atom const* atom, std::string const& suffix) {
     return text;
 }
 
-void toDot(Comp const* comp) {
-    std::cout << "[model_tools] --> graphing component " << comp->getName() << "\n";
+void toDot(Host& host, Comp const* comp) {
+    host.out() << "[model_tools] --> graphing component " << comp->getName() << "\n";
     std::string text;
     append(text, {"digraph ", comp->getName(),
                   " {\n\trankdir=TB;\n\tsize=\"8,5\"\n\torientation=portrait;\n\tnode [shape = "
@@ -151,15 +159,15 @@ void toDot(Comp const* comp) {
     for (auto const& transition : comp->transitions)
         text += transitionText(*transition);
     text += "}";
-    writeFile(comp->getName(), text);
+    writeFile(host, comp->getName(), text);
 }
 
-void toDot(Trajectory const* trajectory, std::string const& name) {
-    trajectory->showTrajectoryTransitions();
+void toDot(Host& host, Trajectory const* trajectory, std::string const& name) {
+    trajectory->showTrajectoryTransitions(host.out());
     std::string text;
     append(text, {"digraph ", name,
                   " {\n\trankdir=LR;\n\tranksep=1;\n\tsize=\"10,5\"\n\torientation=land;\n\t",
                   componentColumn(*trajectory), timeLine(*trajectory), ranks(*trajectory),
                   edges(*trajectory), "}\n"});
-    writeFile(name, text);
+    writeFile(host, name, text);
 }

@@ -1,13 +1,14 @@
 // Graphviz text of components and trajectories, for inspection.
 //
-// The text is built in memory and written in one go into the working directory. A file that cannot
-// be created is not reported.
+// The text is built in memory and handed to the host in one go. A file that it cannot write is not
+// reported.
 #pragma once
 
 #include <string>
 
 class Atom;
 class Comp;
+class Host;
 class Trajectory;
 
 // The node of an atom at a step: component, "_", value, suffix.
@@ -17,7 +18,7 @@ std::string makeNodeNameWithLabel(Atom const* atom, std::string const& suffix);
 
 // Writes <component name>.dot: an edge per transition, from the mode before to the one after, with
 // the command that triggers it and its probability.
-void toDot(Comp const* comp);
+void toDot(Host& host, Comp const* comp);
 // Writes <name>.dot: a time line across the page, the modes of each component at each step, and the
 // transitions between them.
-void toDot(Trajectory const* trajectory, std::string const& name);
+void toDot(Host& host, Trajectory const* trajectory, std::string const& name);

@@ -6,18 +6,14 @@
 #include "generated/therm/room.h"
 #include "generated/therm/therm.h"
 #include "generated/therm/window.h"
-#include "hybrid/tavro-runt.h"
 #include "model/exclusiveChoice.h"
 #include "reasoning/Scheduler.h"
-#include "reasoning/compiled_model.h"
-
-std::string model_name = "therm";
+#include "run/compiled_model.h"
 
 namespace {
 
 room* R1;
 therm* T1;
-std::unique_ptr<s_runtime> therm_rt;
 
 void buildComponents(Scheduler* scheduler, s_runtime& rt) {
     auto ownedRoom = std::make_unique<room>("room", std::vector<CommandVar*>{},
@@ -77,15 +73,14 @@ void arrangeRecords(s_runtime& rt) {
                 R1->cond_open,    R1->cond_unknown, R1->cond_not_heating, R1->cond_known};
 }
 
-}  // namespace
-
 void startinit(Scheduler* scheduler) {
-    therm_rt = std::make_unique<s_runtime>();
+    Plant& plant = scheduler->building();
+    auto therm_rt = std::make_shared<s_runtime>();
     buildComponents(scheduler, *therm_rt);
-    addExclusiveChoice(T1->mode);
-    addExclusiveChoice(R1->cmdin);
-    addExclusiveChoice(R1->c1);
-    addExclusiveChoice(R1->mode);
+    addExclusiveChoice(plant, T1->mode);
+    addExclusiveChoice(plant, R1->cmdin);
+    addExclusiveChoice(plant, R1->c1);
+    addExclusiveChoice(plant, R1->mode);
     wireComponents();
     arrangeRecords(*therm_rt);
     sizeArrays(*therm_rt);
@@ -93,5 +88,9 @@ void startinit(Scheduler* scheduler) {
     therm_rt->Ts = 1.0;
     therm_rt->twc = thermWindow;
     therm_rt->cgAux = 2;
-    tavro_rt = therm_rt.get();
+    plant.tavro_rt = std::move(therm_rt);
 }
+
+}  // namespace
+
+extern CompiledModel const therm_model{"therm", startinit};

@@ -1,14 +1,13 @@
 // Conflicts between the transitions of a history and the labels of its states.
 #include <algorithm>
-#include <iostream>
 
 #include "model/labels.h"
 #include "reasoning/Diagnoser.h"
 
 namespace {
 
-void showHeading(char const* what, int t) {
-    std::cerr << "[getConflicts()] --> " << what << " at time step " << t << "\n";
+void showHeading(std::ostream& err, char const* what, int t) {
+    err << "[getConflicts()] --> " << what << " at time step " << t << "\n";
 }
 
 // A transition whose effect has been labelled false.
@@ -41,7 +40,7 @@ void addGuardConflicts(Trajectory const* trajectory, int t, Transition const* tr
 }  // namespace
 
 ConflictSet Diagnoser::getConflicts(Trajectory* trajectory, int t, bool post) {
-    showHeading(post ? "effects" : "guards", t);
+    showHeading(err, post ? "effects" : "guards", t);
     ConflictSet conflicts;
     std::vector<Transition const*> seen;
     State const* state = trajectory->getState(t);
@@ -65,7 +64,7 @@ ConflictSet Diagnoser::getConflicts(Trajectory* trajectory, int t, bool post) {
 }
 
 void Diagnoser::viewHashMapConflicts(ConflictSet const& conflicts) {
-    std::cerr << "******* Showing conflicts *******\n";
+    err << "******* Showing conflicts *******\n";
     for (auto const& entry : conflicts)
-        std::cerr << entry.first << " (" << entry.second.position << ")\n";
+        err << entry.first << " (" << entry.second.position << ")\n";
 }

@@ -1,6 +1,5 @@
 // A history in which another transition was taken: its guard asserted at one step, its effect at a
 // later one.
-#include <iostream>
 
 #include "model/StateVar.h"
 #include "model/labels.h"
@@ -99,7 +98,7 @@ void Diagnoser::constructSuccessors(likelyTransition const& candidate, Trajector
     requireComponent(trajectory, effectState.get(), candidate.transition, t, false);
     ItmsResults const guards = settleGuard(candidate, trajectory, std::move(guardState), rank);
     if (guards.empty()) {
-        std::cerr << ">>>>> Transition aborted : \n";
+        err << ">>>>> Transition aborted : \n";
         tellTransition(candidate.transition);
         return;
     }
@@ -112,5 +111,5 @@ void Diagnoser::constructSuccessors(likelyTransition const& candidate, Trajector
             double const key = history->rank;
             successors.emplace(key, std::move(history));
         }
-    std::cerr << "construct size : " << successors.size() << "\n";
+    err << "construct size : " << successors.size() << "\n";
 }

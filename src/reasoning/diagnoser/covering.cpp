@@ -6,7 +6,6 @@
 // start of its window is a result if its rank is the round's, and ends the search otherwise. The
 // first rank that has results ends it too.
 #include <ctime>
-#include <iostream>
 
 #include "reasoning/Diagnoser.h"
 #include "support/memory_watch.h"
@@ -29,6 +28,7 @@ bool isAtStart(Trajectory const& trajectory, int step) {
 struct Diagnoser::Round {
     double rank;
     std::clock_t start;
+    std::ostream& err;
     double& coverSum;
     TrajectoryMap open;  // histories to be followed back, by the probability of their last state
 
@@ -38,10 +38,10 @@ struct Diagnoser::Round {
     }
     // Takes a history that reached its start as a result. False: its rank ends the search.
     bool accept(std::unique_ptr<Trajectory> trajectory, TrajectoryMap& results) {
-        std::cerr << "Time : " << secondsSince(start) << "\n";
+        err << "Time : " << secondsSince(start) << "\n";
         // Required: the ranks are compared for equality, also where the one found is lower.
         if (trajectory->rank != rank) {
-            std::cerr << "too high rank found: " << trajectory->rank << "\n";
+            err << "too high rank found: " << trajectory->rank << "\n";
             return false;
         }
         addResult(std::move(trajectory), results, coverSum);
@@ -85,7 +85,7 @@ bool Diagnoser::stepBack(Round& round, std::unique_ptr<Trajectory>& current,
 bool Diagnoser::exploreRound(Round& round, TrajectoryMap& results) {
     std::unique_ptr<Trajectory> current;
     while (current != nullptr || !round.open.empty()) {
-        watchMemory();
+        watchMemory(host);
         if (current == nullptr) {
             current = std::move(round.open.begin()->second);
             round.open.erase(round.open.begin());
@@ -99,7 +99,7 @@ bool Diagnoser::exploreRound(Round& round, TrajectoryMap& results) {
 void Diagnoser::reportResults(TrajectoryMap const& results, double coverSum) {
     for (auto const& result : results)
         result.second->proba = result.second->getLastState()->proba / coverSum;
-    std::cerr << "res's size : " << results.size() << "\n";
+    err << "res's size : " << results.size() << "\n";
     viewTrajectoriesTransitionsMultimap(&results);
     updateTrajectoriesCover();
 }
@@ -116,8 +116,8 @@ TrajectoryMap Diagnoser::coverTrack3(std::unique_ptr<Trajectory> trajectory, dou
     double rank = fromRank;
     bool complete = true;
     while (complete && results.empty() && rank <= toRank) {
-        std::cerr << "Rank : " << rank << "/" << toRank << " (" << secondsSince(start) << ")\n";
-        Round round{rank, start, coverSum, {}};
+        err << "Rank : " << rank << "/" << toRank << " (" << secondsSince(start) << ")\n";
+        Round round{rank, start, err, coverSum, {}};
         Trajectory from(trajectory.get(), trajectory->getCurrentTime() + 1);
         for (auto& outcome : observationResults(observations, &from, t, rank, false))
             round.push(std::move(outcome.second));
@@ -127,7 +127,7 @@ TrajectoryMap Diagnoser::coverTrack3(std::unique_ptr<Trajectory> trajectory, dou
     }
     reached = rank - 1.0;
     reportResults(results, coverSum);
-    std::cerr << "cover_track execution time : " << secondsSince(start) << "\n";
+    err << "cover_track execution time : " << secondsSince(start) << "\n";
     redux_diag.clear();
     return results;
 }

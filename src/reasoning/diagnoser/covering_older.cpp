@@ -4,7 +4,6 @@
 // It goes back to step 1 and not to the start of the window, so it finds nothing once the window
 // has moved. Every history that comes to step 1 is a result of the first rank that has any.
 #include <ctime>
-#include <iostream>
 #include <stack>
 
 #include "reasoning/Diagnoser.h"
@@ -18,14 +17,15 @@ double secondsSince(std::clock_t start) {
     return static_cast<double>(std::clock() - start) / ticksPerSecond;
 }
 
-void tellCounters() {
-    std::cerr << "transitions checked : " << DataManager::transitions_checked
-              << "\ntrajectories created : " << Trajectory::traj_created
-              << "\ntrajectories destroyed : " << Trajectory::traj_del
-              << "\nstates created : " << State::state_created
-              << "\nstates deleted : " << State::state_del
-              << "\nelts created : " << TrajEl::trajel_created
-              << "\nelts deleted : " << TrajEl::trajel_del << "\n";
+void tellCounters(DataManager const& run) {
+    TrajectoryBook const& book = run.book;
+    run.err << "transitions checked : " << run.transitions_checked
+              << "\ntrajectories created : " << book.traj_created
+              << "\ntrajectories destroyed : " << book.traj_del
+              << "\nstates created : " << book.state_created
+              << "\nstates deleted : " << book.state_del
+              << "\nelts created : " << book.trajel_created
+              << "\nelts deleted : " << book.trajel_del << "\n";
 }
 
 }  // namespace
@@ -34,6 +34,7 @@ void tellCounters() {
 struct Diagnoser::Descent {
     double rank;
     std::clock_t start;
+    std::ostream& err;
     double& coverSum;
     TrajectoryMap& results;
     std::stack<std::unique_ptr<Trajectory>> pending;  // the newest is followed first
@@ -45,7 +46,7 @@ struct Diagnoser::Descent {
             pending.push(std::move(trajectory));
             return;
         }
-        std::cerr << "Time : " << secondsSince(start) << "\n";
+        err << "Time : " << secondsSince(start) << "\n";
         unlockTrajectory(trajectory.get());
         double const proba = trajectory->getLastState()->proba;
         coverSum += proba;
@@ -67,7 +68,7 @@ void Diagnoser::descend(Descent& descent) {
         }
         TrajectoryMap successors;
         immediateSuccessors(conflicts, std::move(current), step, descent.rank, successors, true);
-        std::cerr << "result size from immediate succs : " << successors.size() << "\n";
+        err << "result size from immediate succs : " << successors.size() << "\n";
         compareTrajs(&successors);
         for (auto& entry : successors)
             descent.advance(std::move(entry.second), step);
@@ -87,17 +88,17 @@ TrajectoryMap Diagnoser::coverTrack2(std::unique_ptr<Trajectory> trajectory, dou
     TrajectoryMap results;
     double rank = fromRank;
     for (; results.empty() && rank <= toRank; rank += 1.0) {
-        std::cerr << "Rank : " << rank << "(" << secondsSince(start) << ")\n";
-        Descent descent{rank, start, coverSum, results, {}};
+        err << "Rank : " << rank << "(" << secondsSince(start) << ")\n";
+        Descent descent{rank, start, err, coverSum, results, {}};
         Trajectory from(trajectory.get(), t + 1);
         for (auto& outcome : observationResults(observations, &from, t, rank, false))
             descent.pending.push(std::move(outcome.second));
         descend(descent);
     }
     reached = rank - 1.0;
-    tellCounters();
+    tellCounters(*this);
     reportResults(results, coverSum);
-    std::cerr << "trajectories cover : " << traj_cover
+    err << "trajectories cover : " << traj_cover
               << "\ncover_track execution time : " << secondsSince(start) << "\n";
     return results;
 }

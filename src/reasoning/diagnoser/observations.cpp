@@ -1,5 +1,4 @@
 // Inserting observations into the last state of a history.
-#include <iostream>
 
 #include "model/labels.h"
 #include "reasoning/Diagnoser.h"
@@ -40,7 +39,7 @@ std::unique_ptr<Trajectory> withOutcome(Trajectory const* trajectory, int t,
 TrajectoryMap Diagnoser::observationResults(Observations const& observations,
                                             Trajectory* trajectory, int t, double rank,
                                             bool observing) {
-    std::cerr << "inserting observations at time_step : " << t << "\n";
+    err << "inserting observations at time_step : " << t << "\n";
     TrajectoryMap outcomes;
     State const* last = trajectory->getState(t);
     if (last == nullptr)
@@ -64,7 +63,7 @@ TrajectoryMap Diagnoser::observationResults(Observations const& observations,
         double const key = history->getLastState()->obsProb;
         outcomes.emplace(key, std::move(history));
     }
-    std::cerr << "results from observations computed : " << outcomes.size() << "\n";
+    err << "results from observations computed : " << outcomes.size() << "\n";
     keepLocks = false;
     return outcomes;
 }

@@ -1,6 +1,5 @@
 // The older insertion of observations: every atom counts as seen, and nothing is normalised.
 // Nothing calls it; results of both forms can be compared.
-#include <iostream>
 
 #include "model/labels.h"
 #include "reasoning/Diagnoser.h"
@@ -8,15 +7,15 @@
 namespace {
 
 // The history up to *t* with the outcome there, told on the error stream.
-std::unique_ptr<Trajectory> withOutcome(Trajectory const* trajectory, int t,
-                                        std::unique_ptr<State> outcome) {
+std::unique_ptr<Trajectory> withOutcome(DataManager const& run, Trajectory const* trajectory,
+                                        int t, std::unique_ptr<State> outcome) {
     auto history = std::make_unique<Trajectory>(trajectory, t);
     State const* state = outcome.get();
     history->addState(t, std::move(outcome));
     history->computeStateProb(t);
-    std::cerr << "posterior proba on obs : " << state->obsProb << "\nproba : " << state->proba
+    run.err << "posterior proba on obs : " << state->obsProb << "\nproba : " << state->proba
               << "\ncover : " << state->cover << "\n";
-    state->showState();
+    state->showState(run.out);
     return history;
 }
 
@@ -25,7 +24,7 @@ std::unique_ptr<Trajectory> withOutcome(Trajectory const* trajectory, int t,
 TrajectoryMap Diagnoser::observationResults(std::vector<Atom*> const& observations,
                                             std::unique_ptr<Trajectory> trajectory, int t,
                                             double rank, bool observing) {
-    std::cerr << "inserting observations at time_step (deprecated version): " << t << "\n";
+    err << "inserting observations at time_step (deprecated version): " << t << "\n";
     TrajectoryMap outcomes;
     State const* last = trajectory->getState(t);
     if (last == nullptr)
@@ -42,14 +41,14 @@ TrajectoryMap Diagnoser::observationResults(std::vector<Atom*> const& observatio
     }
     ItmsResults results =
         addPropositions(props, state, {observing, rank}, trajectory.get(), t, true);
-    std::cerr << "itms_tmp size: " << results.size() << "\n";
+    err << "itms_tmp size: " << results.size() << "\n";
     for (auto const& result : results) {
         noteChanged(*result);
-        auto history = withOutcome(trajectory.get(), t, std::move(result->state));
+        auto history = withOutcome(*this, trajectory.get(), t, std::move(result->state));
         double const key = history->getLastState()->proba;
         outcomes.emplace(key, std::move(history));
     }
-    std::cerr << "results from observations computed : " << outcomes.size() << "\n";
+    err << "results from observations computed : " << outcomes.size() << "\n";
     keepLocks = false;
     return outcomes;
 }

@@ -2,13 +2,10 @@
 //
 // One call expands the conflicts of one variable; the successors deal with the rest, recursively.
 #include <algorithm>
-#include <iostream>
 
 #include "model/StateVar.h"
 #include "model/labels.h"
 #include "reasoning/Diagnoser.h"
-
-std::set<Transition const*> Diagnoser::redux_diag;
 
 // What one call of immediateSuccessors works on.
 struct Diagnoser::Selection {
@@ -53,10 +50,10 @@ bool concernsNone(TrajEl const* element, TrajEl const* through) {
 }  // namespace
 
 void Diagnoser::tellTransition(Transition const* transition) {
-    std::cerr << transition->id << " " << transition->type;
+    err << transition->id << " " << transition->type;
     if (transition->preMode != nullptr && transition->postMode != nullptr)
-        std::cerr << " " << transition->preMode->getId() << " -> " << transition->postMode->getId();
-    std::cerr << "\n";
+        err << " " << transition->preMode->getId() << " -> " << transition->postMode->getId();
+    err << "\n";
 }
 
 bool Diagnoser::checkForDeadEnd(Transition const* transition) {
@@ -93,11 +90,11 @@ bool Diagnoser::isGuardRefused(Selection const& selection, disConflict const& co
         if (element == nullptr)
             continue;
         if (key ? element->isHeldFalse() : element->isHeldTrue()) {
-            std::cerr << atom->getId() << " is locked !!\n";
+            err << atom->getId() << " is locked !!\n";
             return true;
         }
         if (contains(element->nextTrans, transition)) {
-            std::cerr << "already supported by : " << atom->getId() << "\n";
+            err << "already supported by : " << atom->getId() << "\n";
             return true;
         }
     }
@@ -111,7 +108,7 @@ bool Diagnoser::isEffectRefused(Selection const& selection, Transition const* tr
         TrajEl const* effect = getElt(atom->getId(), site, true);
         if (effect == nullptr || !effect->isHeldFalse())
             continue;
-        std::cerr << atom->getId() << " is post-locked !!\n";
+        err << atom->getId() << " is post-locked !!\n";
         return true;
     }
     return false;
@@ -126,12 +123,12 @@ bool Diagnoser::isPointless(Selection const& selection, disConflict const& confl
     if (selection.commandVar != nullptr && transition->modeVar != selection.commandVar)
         return true;
     if (selection.post && transition == through->prevTrans) {
-        std::cerr << "trans is the actual one !\n";
+        err << "trans is the actual one !\n";
         return true;
     }
     if (!selection.post &&
         (contains(through->nextTrans, transition) || contains(through->nextTransNeg, transition))) {
-        std::cerr << "curr_trans already in nextTrans !\n";
+        err << "curr_trans already in nextTrans !\n";
         return true;
     }
     return selection.isChosen(transition);
@@ -142,7 +139,7 @@ bool Diagnoser::isPointless(Selection const& selection, disConflict const& confl
 bool Diagnoser::isRefused(Selection const& selection, disConflict const& conflict,
                           TrajEl const* through, Transition const* transition) {
     if (transition->modeVar == nullptr) {
-        std::cerr << "transition " << transition->id << " has no mode in its guard\n";
+        err << "transition " << transition->id << " has no mode in its guard\n";
         return true;
     }
     return isPointless(selection, conflict, through, transition) ||
@@ -154,12 +151,12 @@ bool Diagnoser::isRefused(Selection const& selection, disConflict const& conflic
 bool Diagnoser::tryTransition(Selection& selection, disConflict const& conflict,
                               TrajEl const* through, Transition* transition) {
     if (isRefused(selection, conflict, through, transition)) {
-        std::cerr << "[immediateSuccessors] --> transition impossibility (" << selection.t
+        err << "[immediateSuccessors] --> transition impossibility (" << selection.t
                   << ") :\n";
         tellTransition(transition);
         return false;
     }
-    std::cerr << "[immediateSuccessors] --> transition chosen : \n";
+    err << "[immediateSuccessors] --> transition chosen : \n";
     tellTransition(transition);
     Trajectory* trajectory = selection.trajectory;
     if (selection.post)
@@ -174,7 +171,7 @@ bool Diagnoser::tryTransition(Selection& selection, disConflict const& conflict,
             {posterior, likelyTransition{conflict.element->atom, through->atom, posterior,
                                          transition, conflict.position}});
     } else {
-        std::cerr << "out of rank !\ncurrent rank : " << trajectory->rank
+        err << "out of rank !\ncurrent rank : " << trajectory->rank
                   << " -- rank : " << selection.rank << "\n";
     }
     if (conflict.element->getVarType() == typeCommand && selection.commandVar == nullptr)
@@ -243,7 +240,7 @@ void Diagnoser::recurse(std::unique_ptr<Trajectory> successor, Selection const& 
                             check.post);
         return;
     }
-    std::cerr << "Traj added to immSuccs final results...\n";
+    err << "Traj added to immSuccs final results...\n";
     successor->updateStatesProb();
     double const proba = successor->getLastState()->proba;
     finals.emplace(proba, std::move(successor));

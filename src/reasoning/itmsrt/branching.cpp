@@ -5,7 +5,6 @@
 // value is retracted. The first branch goes on in the caller's loop; the others wait on the agenda.
 // What bounds the search: locks, the elements changed already on the branch, and the rank that a
 // history may reach.
-#include <iostream>
 #include <optional>
 
 #include "model/labels.h"
@@ -61,9 +60,9 @@ bool isCandidate(TrajEl const* element, Conflict const& conflict) {
                                      : mayFlipWhileSearching(element);
 }
 
-void showCandidates(Candidates const& candidates) {
+void showCandidates(std::ostream& out, Candidates const& candidates) {
     for (auto const& candidate : candidates)
-        candidate.second->showAtom(true);
+        candidate.second->showAtom(out, true);
 }
 
 // A failure atom of an implicate that would have to become true although it may not.
@@ -101,11 +100,11 @@ void noteFailure(TrajEl const* flipped, State* state) {
         state->failCount += 1.0;
 }
 
-void flip(TrajEl* element, ItmsRes& branch) {
+void flip(std::ostream& out, TrajEl* element, ItmsRes& branch) {
     char const* label = element->isLabelled(labelFalse) ? labelTrue : labelFalse;
-    std::cout << "[propagateThroughConflict] --> clause to be added :\n";
-    element->showAtom(true);
-    std::cout << "\n[propagateThroughConflict] --> adding a new clause. " << label << "\n";
+    out << "[propagateThroughConflict] --> clause to be added :\n";
+    element->showAtom(out, true);
+    out << "\n[propagateThroughConflict] --> adding a new clause. " << label << "\n";
     branch.already_changed[element->getId()] = element;
     element->setLabel(label);
 }
@@ -137,7 +136,7 @@ std::unique_ptr<ItmsRes> makeBranch(TrajEl const* candidate, Implicate const& im
     noteFailure(flipped, branch->state.get());
     engine.setSupport(conflict.clause, flipped, site);
     flipped->propagationNumber = engine.maxPropagationNumber(conflict.clause, site) + 1;
-    flip(flipped, *branch);
+    flip(engine.out, flipped, *branch);
     adoptPostProbs(flipped, branch->state.get());
     branch->focus = branch->already_changed;
     engine.resupportDependence(flipped, branch->focus, site);
@@ -163,7 +162,7 @@ Candidates findCandidates(Conflict const& conflict, itms& engine) {
         double const key = engine.entropy(element->getStateVar(), conflict.res.state.get());
         candidates.insert({key, element});
     }
-    std::cout << "not_unknown's size : " << candidates.size() << "\n";
+    engine.out << "not_unknown's size : " << candidates.size() << "\n";
     return candidates;
 }
 
@@ -173,14 +172,14 @@ std::unique_ptr<ItmsRes> itms::propagateThroughConflict(Clause* clause,
                                                         std::unique_ptr<ItmsRes> res,
                                                         Agenda& agenda, SearchLimits const& limits,
                                                         Trajectory* trajectory, int timestep) {
-    std::cout << "[propagateThroughConflict] --> conflict :\n";
-    clause->showClause(true);
+    out << "[propagateThroughConflict] --> conflict :\n";
+    clause->showClause(out, true);
     Conflict const conflict{clause, *res, limits, trajectory, timestep};
     Candidates const candidates = findCandidates(conflict, *this);
     if (candidates.empty())
         return nullptr;
-    showCandidates(candidates);
-    std::cout << "[propagateThroughConflict] --> beginning propagation\n";
+    showCandidates(out, candidates);
+    out << "[propagateThroughConflict] --> beginning propagation\n";
     int counter = 0;
     std::unique_ptr<ItmsRes> continuing;
     for (auto const& candidate : candidates)

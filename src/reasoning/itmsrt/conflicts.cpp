@@ -1,6 +1,5 @@
 // Asserting propositions, finding violated clauses, re-supporting and retracting elements.
 #include <ctime>
-#include <iostream>
 
 #include "model/CommandVar.h"
 #include "model/labels.h"
@@ -58,7 +57,7 @@ ItmsResults itms::addPropositions(SignedElements const& props, std::unique_ptr<S
         return results;
     }
     unitPropagate(std::move(res), results, limits, trajectory, timestep);
-    std::cout << "[addClause] --> res' size : " << results.size() << "\n";
+    out << "[addClause] --> res' size : " << results.size() << "\n";
     double const seconds = static_cast<double>(std::clock() - start) / ticksPerSecond;
     addItmsBmkEntry(seconds, static_cast<unsigned>(results.size()), &ids);
     keepLocks = false;
@@ -102,7 +101,7 @@ std::vector<Clause*> itms::checkForConflicts(std::vector<std::unique_ptr<Clause>
     for (auto const& clause : clauses)
         if (!testClause(clause.get(), site))
             found.push_back(clause.get());
-    std::cout << "*** detected conflicts ***\n";
+    out << "*** detected conflicts ***\n";
     viewClauseVector(&found);
     return found;
 }
@@ -115,8 +114,8 @@ void itms::resupportDependence(TrajEl* element, ElementTable& focus, StateSite c
         for (auto const& [key, unknown] : getNotUnknown(clause, site)) {
             if (unknown == element || !isResupportable(unknown, clause, key, site))
                 continue;
-            std::cout << "[resupportDependency] --> resupporting :\n";
-            unknown->showAtom(true);
+            out << "[resupportDependency] --> resupporting :\n";
+            unknown->showAtom(out, true);
             removeFromSupport(unknown, site);
             unknown->support = clause;
             unknown->propagationNumber = maxPropagationNumber(clause, site) + 1;
@@ -126,8 +125,8 @@ void itms::resupportDependence(TrajEl* element, ElementTable& focus, StateSite c
 }
 
 void itms::deleteClause(TrajEl* element, std::vector<TrajEl*>& list, StateSite const& site) {
-    std::cout << "[deleteClause] --> delete clause :\n";
-    element->showAtom(true);
+    out << "[deleteClause] --> delete clause :\n";
+    element->showAtom(out, true);
     element->setLabel(labelUnknown);
     element->support = nullptr;
     element->propagationNumber = 0;

@@ -1,7 +1,4 @@
 // Reading the file of prime implicates.
-#include <cstdio>
-#include <fstream>
-#include <iostream>
 #include <optional>
 #include <sstream>
 
@@ -10,12 +7,12 @@
 namespace {
 
 // The whole file, or nothing when it cannot be opened.
-std::optional<std::string> readWhole(std::string const& path) {
-    std::ifstream file(path);
-    if (!file)
+std::optional<std::string> readWhole(Host& host, std::string const& path) {
+    std::unique_ptr<std::istream> const file = host.open(path);
+    if (file == nullptr)
         return std::nullopt;
     std::ostringstream text;
-    text << file.rdbuf();
+    text << file->rdbuf();
     return text.str();
 }
 
@@ -28,8 +25,8 @@ std::vector<std::string> splitAt(std::string const& text, char separator) {
     return parts;
 }
 
-bool isSymbolOfComponent(std::string const& symbol) {
-    for (auto const& entry : DataManager::active_comps)
+bool isSymbolOfComponent(itms const& engine, std::string const& symbol) {
+    for (auto const& entry : engine.active_comps)
         if (entry.second != nullptr && entry.second->symbol == symbol)
             return true;
     return false;
@@ -37,20 +34,20 @@ bool isSymbolOfComponent(std::string const& symbol) {
 
 // The atom, or null and a line on the error stream. Enters nothing for an unknown id, since the
 // word does not live on.
-Atom* findAtom(std::string const& id) {
-    auto const found = DataManager::active_atoms.find(id.c_str());
-    if (found != DataManager::active_atoms.end() && found->second != nullptr)
+Atom* findAtom(itms const& engine, std::string const& id) {
+    auto const found = engine.active_atoms.find(id.c_str());
+    if (found != engine.active_atoms.end() && found->second != nullptr)
         return found->second;
-    std::fprintf(stderr, "Atom not found: %s\n", id.c_str());
+    engine.err << "Atom not found: " << id << "\n";
     return nullptr;
 }
 
 // One alternative; false on an unknown atom.
-bool readImplicate(std::string const& text, Implicate& implicate) {
+bool readImplicate(itms const& engine, std::string const& text, Implicate& implicate) {
     for (std::string const& word : splitAt(text, ' ')) {
         if (word.empty())
             continue;
-        Atom* atom = findAtom(word);
+        Atom* atom = findAtom(engine, word);
         if (atom == nullptr)
             return false;
         implicate.push_back(atom);
@@ -59,13 +56,13 @@ bool readImplicate(std::string const& text, Implicate& implicate) {
 }
 
 // One line of the file; false on an unknown atom.
-bool readLine(std::string const& line, PiTable& table) {
+bool readLine(itms const& engine, std::string const& line, PiTable& table) {
     std::size_t const colon = line.find(':');
     std::string const head = line.substr(0, colon);
     std::string const symbol = head.substr(0, head.find('.'));
-    if (!isSymbolOfComponent(symbol))
-        std::cout << "Component not found: " << symbol << "\n";
-    Atom* atom = findAtom(head);
+    if (!isSymbolOfComponent(engine, symbol))
+        engine.out << "Component not found: " << symbol << "\n";
+    Atom* atom = findAtom(engine, head);
     if (atom == nullptr)
         return false;
     std::vector<std::string> const parts =
@@ -74,7 +71,7 @@ bool readLine(std::string const& line, PiTable& table) {
         return true;
     Implicates list;
     for (std::string const& part : parts)
-        if (!readImplicate(part, list.emplace_back()))
+        if (!readImplicate(engine, part, list.emplace_back()))
             return false;
     table.addPIAtom(atom, std::move(list));
     return true;
@@ -85,17 +82,17 @@ bool readLine(std::string const& line, PiTable& table) {
 int itms::readPI() {
     piTable = std::make_unique<PiTable>();
     std::string const path = model_name + ".pi";
-    std::optional<std::string> const text = readWhole(path);
+    std::optional<std::string> const text = readWhole(host, path);
     if (!text) {
-        std::cout << "can't open " << path << "\n";
+        out << "can't open " << path << "\n";
         return 0;
     }
-    std::cout << "*** File " << path << " found. Reading file...\n";
+    out << "*** File " << path << " found. Reading file...\n";
     std::vector<std::string> lines = splitAt(*text, '\n');
     lines.pop_back();  // Required: what no line end closes is dropped
     for (std::string const& line : lines)
-        if (!readLine(line, *piTable))
+        if (!readLine(*this, line, *piTable))
             return -1;
-    piTable->showAllPI();
+    piTable->showAllPI(out);
     return 1;
 }

@@ -2,7 +2,6 @@
 // rough likelihood of observations.
 #include <algorithm>
 #include <cmath>
-#include <iostream>
 
 #include "model/CommandVar.h"
 #include "model/labels.h"
@@ -83,7 +82,7 @@ double itms::entropy(Atom const* atom, State* state) {
 
 double itms::computeCondProbRough(Atom const* atom, Transition const* transition) {
     if (piTable && piTable->getPIs(atom) != nullptr) {
-        std::cout << "rough proba computation - strange end\n";
+        out << "rough proba computation - strange end\n";
         return 0.0;
     }
     SignedAtoms const effect =

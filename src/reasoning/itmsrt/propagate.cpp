@@ -4,7 +4,6 @@
 // first candidate of each conflict is followed to its end without passing over the agenda. Only
 // elements in the focus are checked again, and unit clauses are looked for only among the clauses
 // of retracted elements: the whole clause base is never scanned.
-#include <iostream>
 
 #include "model/labels.h"
 #include "reasoning/itmsrt.h"
@@ -21,7 +20,7 @@ StateSite siteOf(ItmsRes const& branch, Trajectory* trajectory, int timestep) {
 Clause* itms::getFirstUnitClause(Atom const* atom, StateSite const& site) {
     for (Clause* clause : atom->clauses)
         if (unitClause(clause, site) != nullptr) {
-            clause->showClause(true);
+            clause->showClause(out, true);
             return clause;
         }
     return nullptr;
@@ -37,7 +36,7 @@ Clause* itms::getFirstUnitClause(std::vector<TrajEl*> const& elements, StateSite
 Clause* itms::getFirstUnitClause(StateSite const& site) {
     for (auto const& clause : cls)
         if (unitClause(clause.get(), site) != nullptr) {
-            clause->showClause(true);
+            clause->showClause(out, true);
             return clause.get();
         }
     return nullptr;
@@ -47,8 +46,8 @@ Clause* itms::getFirstUnitClause(StateSite const& site) {
 // support nor a number, so that a retraction does not reach it.
 void itms::propagateClause(Clause const* clause, StateSite const& site) {
     TrajEl* unknown = getUnknown(clause, site);
-    std::cout << "[propagateClause] --> propagating (setting to true) :\n";
-    unknown->showAtom(true);
+    out << "[propagateClause] --> propagating (setting to true) :\n";
+    unknown->showAtom(out, true);
     unknown->setLabel(labelTrue);
 }
 
@@ -87,7 +86,7 @@ void itms::finishBranch(std::unique_ptr<ItmsRes> cur, ItmsResults& results, Agen
     sortPostProbs(cur->state.get());
     if (cur->state->observed)
         computeObsCondRough(cur->state.get());
-    std::cout << "sol added !\nagenda's size : " << agenda.size()
+    out << "sol added !\nagenda's size : " << agenda.size()
               << "\nalready_changed's size end : " << cur->already_changed.size() << "\n";
     results.push_back(std::move(cur));
 }
@@ -102,9 +101,9 @@ void itms::unitPropagate(std::unique_ptr<ItmsRes> branch, ItmsResults& results,
     agenda.push(std::move(branch));
     bool recheck = false;
     // Required: the line comes once before the first branch, and after each lost one.
-    std::cout << "a sol has been discarded...\n";
+    out << "a sol has been discarded...\n";
     while (!agenda.empty()) {
-        watchMemory();
+        watchMemory(host);
         std::unique_ptr<ItmsRes> cur = std::move(agenda.top());
         agenda.pop();
         if (recheck)
@@ -115,7 +114,7 @@ void itms::unitPropagate(std::unique_ptr<ItmsRes> branch, ItmsResults& results,
             recheck = true;
         } else {
             recheck = !agenda.empty();
-            std::cout << "a sol has been discarded...\n";
+            out << "a sol has been discarded...\n";
         }
     }
 }

@@ -3,7 +3,6 @@
 // It numbers the transitions, derives the probabilities that the search needs, fixes the active
 // atoms, links atoms and components both ways, marks dead ends and sets the first labels. After it
 // the transition ids are stable keys.
-#include <iostream>
 
 #include "model/CommandVar.h"
 #include "model/StateVar.h"
@@ -31,11 +30,11 @@ void itms::rtInit() {
         if (entry.second == nullptr)
             continue;
         for (auto const& variable : entry.second->getStateVariables())
-            stateVars.push_back(variable.get());
+            building().stateVars.push_back(variable.get());
         idTransitions(entry.second, id);
     }
     string_map<Atom*> loaded = loadAtoms(cls);
-    active_atoms.swap(loaded);
+    building().active_atoms.swap(loaded);
     for (auto const& entry : active_comps)
         if (entry.second != nullptr)
             linkAtoms(entry.second);
@@ -72,9 +71,9 @@ bool itms::guardHasCommand(Transition const& transition) {
 
 void itms::numberTransition(Transition* transition, Comp const& comp, int id) {
     transition->setID(id);
-    active_trans[id] = transition;
+    building().active_trans[id] = transition;
     transition->weight = transition->proba / static_cast<double>(comp.transitions.size());
-    std::cout << "weight : " << transition->weight << "\n";
+    out << "weight : " << transition->weight << "\n";
 }
 
 void itms::idTransitions(Comp* comp, int& id) {
@@ -89,29 +88,29 @@ void itms::idTransitions(Comp* comp, int& id) {
         // A move that no command triggers stays reachable from a conflict on a command.
         for (CommandVar const* command : comp->importedCommands)
             for (Atom* atom : command->getAtomLinks()) {
-                std::cout << "adding idle trans reference :\n";
+                out << "adding idle trans reference :\n";
                 atom->addRefTransPre(transition);
             }
     }
-    comp->getTransitionsGuards();
+    comp->getTransitionsGuards(err);
     weighGuards(*comp);
 }
 
 void itms::weighGuards(Comp const& comp) {
     for (auto const& transition : comp.transitions) {
         if (transition->modeVar == nullptr) {
-            std::cerr << "Component " << comp.getName()
+            err << "Component " << comp.getName()
                       << ": a transition has no mode in its guard, its guard counts nothing.\n";
             continue;
         }
         StateVar const* variable = transition->modeVar;
-        std::cout << "guards number of " << transition->preMode->getId() << " : "
+        out << "guards number of " << transition->preMode->getId() << " : "
                   << transition->preMode->guards << "\n"
                   << "guards number of " << variable->getCharName() << " : " << variable->guards
                   << "\n";
         // A count of 0 gives an infinite value, which stands.
         transition->guardProba = transition->proba / static_cast<double>(variable->guards);
-        std::cout << "guard proba : " << transition->guardProba << "\n";
+        out << "guard proba : " << transition->guardProba << "\n";
     }
 }
 
@@ -142,7 +141,7 @@ void itms::compileTransitionsProb(Atom* atom) {
     if (atom->getRefTransPost().empty())
         return;
     atom->compiledProb = sum / static_cast<double>(atom->getRefTransPost().size());
-    std::cout << "compiled probability : " << atom->getId() << " -- " << atom->compiledProb << "\n";
+    out << "compiled probability : " << atom->getId() << " -- " << atom->compiledProb << "\n";
 }
 
 bool itms::intersectClauses(std::vector<Clause*> const& a, std::vector<Clause*> const& b) {

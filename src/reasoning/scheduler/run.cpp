@@ -4,12 +4,11 @@
 // state. An observation step keeps the trajectories that agree with what was seen; when none does,
 // the covering search looks for the histories of least failure that do.
 #include <ctime>
-#include <iostream>
 
 #include "model/StateVar.h"
 #include "model/labels.h"
 #include "reasoning/Scheduler.h"
-#include "support/process.h"
+#include "support/run_stopped.h"
 
 namespace {
 
@@ -31,9 +30,9 @@ struct Scheduler::ElapsedTime {
     std::clock_t start = std::clock();
 
     double seconds() const { return static_cast<double>(std::clock() - start) / ticksPerSecond; }
-    double report(char const* what) const {
+    double report(std::ostream& err, char const* what) const {
         double const elapsed = seconds();
-        std::cerr << "[Scheduler] --> elapsed time" << what << " : " << elapsed << "\n";
+        err << "[Scheduler] --> elapsed time" << what << " : " << elapsed << "\n";
         return elapsed;
     }
 };
@@ -57,10 +56,10 @@ void Scheduler::lockFirstStates() {
 }
 
 void Scheduler::announceStep(scenarEvent const& event) const {
-    std::cerr << "Time : " << time + 1 << "\nFrom scenario:\n";
+    err << "Time : " << time + 1 << "\nFrom scenario:\n";
     for (Atom const* atom : event.atoms)
-        std::cerr << atom->getId() << " ";
-    std::cerr << "\n";
+        err << atom->getId() << " ";
+    err << "\n";
 }
 
 void Scheduler::run2() {
@@ -69,13 +68,13 @@ void Scheduler::run2() {
     if (!openScenario(scenarioPath))
         return;
     if (tracked_traj.empty()) {
-        std::cerr << "no history to run the scenario on\n";
+        err << "no history to run the scenario on\n";
         return;
     }
     scenario[1.0] = readFromScenario();
     if (scenario[1.0] == nullptr) {
-        std::cerr << "exiting run2.\n";
-        leaveProcess(0);
+        err << "exiting run2.\n";
+        throw RunStopped(RunStopped::scenarioEnded, "the scenario has no first event");
     }
     if (time == 0)
         lockFirstStates();
@@ -115,7 +114,7 @@ void Scheduler::commandStep(scenarEvent& event, PendingTransitions& pending) {
         }
     }
     normalizeAfterCommand(sum);
-    addBmkEntry(time, elapsed.report(""), false, static_cast<unsigned>(tracked_traj.size()));
+    addBmkEntry(time, elapsed.report(err, ""), false, static_cast<unsigned>(tracked_traj.size()));
 }
 
 void Scheduler::normalizeAfterCommand(double sum) {
@@ -123,9 +122,9 @@ void Scheduler::normalizeAfterCommand(double sum) {
         State const* state = entry.second->getState(time);
         if (state == nullptr)
             continue;
-        std::cerr << "state proba : " << state->proba << "\n";
+        err << "state proba : " << state->proba << "\n";
         entry.second->proba = state->proba / sum;
-        std::cerr << "normalized proba : " << entry.second->proba << "\n";
+        err << "normalized proba : " << entry.second->proba << "\n";
     }
 }
 
@@ -135,7 +134,7 @@ TrajectoryMap Scheduler::explainedBy(Observations const& observations, ElapsedTi
     TrajectoryMap survivors;
     while (!tracked_traj.empty()) {
         Trajectory* traj = tracked_traj.begin()->second.get();
-        std::cerr << "[Scheduler] --> updating tracked trajectories with observations (" << time
+        err << "[Scheduler] --> updating tracked trajectories with observations (" << time
                   << ")\n";
         int const t = traj->getCurrentTime();
         TrajectoryMap outcomes = observationResults(observations, traj, t, 0.0, true);
@@ -144,7 +143,7 @@ TrajectoryMap Scheduler::explainedBy(Observations const& observations, ElapsedTi
             survivors.emplace(key, std::move(outcomes.begin()->second));
             sum += key;
         }
-        elapsed.report(" (observations insertion)");
+        elapsed.report(err, " (observations insertion)");
         tracked_traj.erase(tracked_traj.begin());
     }
     return survivors;
@@ -154,7 +153,7 @@ void Scheduler::keepSurvivors(TrajectoryMap survivors, double sum) {
     for (auto& entry : survivors) {
         double const proba = entry.first / sum;
         entry.second->proba = proba;
-        std::cerr << "normalized proba after inserting obs : " << proba << "\n";
+        err << "normalized proba after inserting obs : " << proba << "\n";
         tracked_traj.emplace(proba, std::move(entry.second));
     }
 }
@@ -171,16 +170,16 @@ void Scheduler::observationStep(scenarEvent const& event) {
         keepSurvivors(std::move(survivors), sum);
     else
         diagnose(std::move(copy), observations);
-    addBmkEntry(time, elapsed.report(""), diagnosing, static_cast<unsigned>(tracked_traj.size()));
+    addBmkEntry(time, elapsed.report(err, ""), diagnosing, static_cast<unsigned>(tracked_traj.size()));
     ++time;
     if (tracked_traj.empty())
-        std::cerr << "no history explains the observations of step " << time << "\n";
+        err << "no history explains the observations of step " << time << "\n";
 }
 
 // Required: the search gets the copy itself. A copy turns around the order of elements that share a
 // bucket of their table, and the search meets them in that order; the further one is only counted.
 void Scheduler::diagnose(std::unique_ptr<Trajectory> refuted, Observations const& observations) {
-    std::cerr << "---------> Diagnosing...\n";
+    err << "---------> Diagnosing...\n";
     Trajectory const further(refuted.get(), refuted->getCurrentTime() + 1);
     double const highest = refuted->rank + rankMargin;
     tracked_traj = coverTrack3(std::move(refuted), bound + 1.0, highest, observations, bound);
@@ -189,5 +188,5 @@ void Scheduler::diagnose(std::unique_ptr<Trajectory> refuted, Observations const
 // Once nothing is tracked, the steps go on without a candidate.
 void Scheduler::skipObservations() {
     ++time;
-    std::cerr << "no history is left to observe at step " << time << "\n";
+    err << "no history is left to observe at step " << time << "\n";
 }

@@ -6,7 +6,6 @@
 #include <array>
 #include <cstdlib>
 #include <cstring>
-#include <iostream>
 #include <optional>
 
 #include "model/StateVar.h"
@@ -23,48 +22,70 @@ constexpr char const* commandKind = "Command";
 
 using Line = std::array<char, lineSize>;
 
-// The next tokens of a line, walked with strtok.
-char* firstToken(Line& line) {
-    return std::strtok(line.data(), separators);
+// Reads a line with its end, or the first part of one that is too long; false at the end.
+bool nextLine(std::istream& file, Line& line) {
+    std::size_t length = 0;
+    while (length < lineSize - 1) {
+        int const c = file.get();
+        if (c == std::istream::traits_type::eof())
+            break;
+        line[length++] = static_cast<char>(c);
+        if (c == '\n')
+            break;
+    }
+    line[length] = '\0';
+    return length > 0;
 }
-char* nextToken() {
-    return std::strtok(nullptr, separators);
-}
+
+// The tokens of a line, one after the other; null when there are no more.
+class Tokens {
+public:
+    explicit Tokens(Line& line) : start(line.data()) {}
+    char const* next() {
+        char* const token = strtok_r(start, separators, &rest);
+        start = nullptr;
+        return token;
+    }
+
+private:
+    char* start;  // null once the walk has begun
+    char* rest = nullptr;
+};
 
 // The atom, or null. Enters nothing for an unknown word, which does not live on.
-Atom* knownAtom(char const* id) {
-    auto const found = DataManager::active_atoms.find(id);
-    return found == DataManager::active_atoms.end() ? nullptr : found->second;
+Atom* knownAtom(DataManager const& run, char const* id) {
+    auto const found = run.active_atoms.find(id);
+    return found == run.active_atoms.end() ? nullptr : found->second;
 }
 
-void reportInvalid(char const* token) {
-    std::cerr << "Scheduler::readFromScenario --> received command is not valid : " << token
+void reportInvalid(std::ostream& err, char const* token) {
+    err << "Scheduler::readFromScenario --> received command is not valid : " << token
               << "\n";
 }
 
-void reportReceived(bool isCommand, Atom const* atom) {
-    std::cerr << "Scheduler receives " << (isCommand ? "a command: " : "an observation: ")
+void reportReceived(std::ostream& err, bool isCommand, Atom const* atom) {
+    err << "Scheduler receives " << (isCommand ? "a command: " : "an observation: ")
               << atom->getId() << "\n";
 }
 
 // Reads the atoms of the rest of a line into *event*; false on an unknown one.
-bool readAtoms(scenarEvent& event, bool echo) {
-    for (char const* token = nextToken(); token != nullptr; token = nextToken()) {
+bool readAtoms(DataManager const& run, Tokens& tokens, scenarEvent& event, bool echo) {
+    while (char const* token = tokens.next()) {
         if (echo)
-            std::cerr << "regular token : " << token << "\n";
-        Atom* atom = knownAtom(token);
+            run.err << "regular token : " << token << "\n";
+        Atom* atom = knownAtom(run, token);
         if (atom == nullptr) {
-            reportInvalid(token);
+            reportInvalid(run.err, token);
             return false;
         }
-        reportReceived(event.isCommand, atom);
+        reportReceived(run.err, event.isCommand, atom);
         event.atoms.push_back(atom);
     }
     return true;
 }
 
-void reportNoKind(std::string const& path, int line) {
-    std::cerr << "scenario file " << path << ", line " << line
+void reportNoKind(std::ostream& err, std::string const& path, int line) {
+    err << "scenario file " << path << ", line " << line
               << ": no kind of event, line skipped\n";
 }
 
@@ -76,25 +97,26 @@ void Scheduler::loadScenario(std::string const& path) {
         return;
     bool isCommand = false;
     Line line;
-    while (std::fgets(line.data(), lineSize, scenarioFile.get()) != nullptr) {
+    while (nextLine(*scenarioFile, line)) {
         ++scenarioLine;
-        char const* date = firstToken(line);
+        Tokens tokens(line);
+        char const* date = tokens.next();
         if (date == nullptr) {
-            reportNoKind(path, scenarioLine);
+            reportNoKind(err, path, scenarioLine);
             continue;
         }
         double const when = std::atof(date);
-        std::cerr << "event date: " << when << "\n";
-        char const* kind = nextToken();
+        err << "event date: " << when << "\n";
+        char const* kind = tokens.next();
         if (kind == nullptr) {
-            reportNoKind(path, scenarioLine);
+            reportNoKind(err, path, scenarioLine);
             continue;
         }
         if (std::strcmp(kind, commandKind) == 0)
             isCommand = true;
         auto event = std::make_unique<scenarEvent>();
         event->isCommand = isCommand;
-        if (!readAtoms(*event, true))
+        if (!readAtoms(*this, tokens, *event, true))
             return;
         scenario[when] = std::move(event);
     }
@@ -104,29 +126,29 @@ void Scheduler::loadScenario(std::string const& path) {
 bool Scheduler::openScenario(std::string const& path) {
     scenarioPath = path;
     scenarioLine = 0;
-    scenarioFile.reset(std::fopen(path.c_str(), "r"));
+    scenarioFile = host.open(path);
     if (scenarioFile == nullptr)
-        std::cerr << "can't open scenario file: " << path << "\n";
+        err << "can't open scenario file: " << path << "\n";
     return scenarioFile != nullptr;
 }
 
 std::unique_ptr<scenarEvent> Scheduler::readFromScenario() {
     Line line;
-    while (scenarioFile != nullptr &&
-           std::fgets(line.data(), lineSize, scenarioFile.get()) != nullptr) {
+    while (scenarioFile != nullptr && nextLine(*scenarioFile, line)) {
         ++scenarioLine;
-        char const* kind = firstToken(line);
+        Tokens tokens(line);
+        char const* kind = tokens.next();
         if (kind == nullptr) {
-            reportNoKind(scenarioPath, scenarioLine);
+            reportNoKind(err, scenarioPath, scenarioLine);
             continue;
         }
         auto event = std::make_unique<scenarEvent>();
         event->isCommand = std::strcmp(kind, commandKind) == 0;
-        if (!readAtoms(*event, false))
+        if (!readAtoms(*this, tokens, *event, false))
             return nullptr;
         return event;
     }
-    std::cerr << "end of the scenario !\n";
+    err << "end of the scenario !\n";
     return nullptr;
 }
 
@@ -174,5 +196,5 @@ std::vector<Atom*> Scheduler::getNoneCommands(std::vector<Atom*> const& commands
 void Scheduler::reportUnmetEvents(double until) const {
     for (auto const& [date, event] : scenario)
         if (date <= until && event != nullptr && !event->met)
-            std::cerr << "scenario event of date " << date << " met no time step\n";
+            err << "scenario event of date " << date << " met no time step\n";
 }

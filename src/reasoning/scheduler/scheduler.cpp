@@ -1,17 +1,24 @@
 // Construction and reset of the scheduler.
 #include "reasoning/Scheduler.h"
 
-#include "support/process.h"
+#include "support/run_stopped.h"
 #include "trajectory/model_tools.h"
 
-bool discretemdl = false;
-Scheduler* sMM = nullptr;
-double Scheduler::simTime = 0.0;
+namespace {
 
-Scheduler::Scheduler(std::string const& name) : scenarioFile(nullptr, &std::fclose) {
-    model_name = name;
-    if (initSchD() != 1)
-        leaveProcess(1);
+void requireReady(int result) {
+    if (result != 1)
+        throw RunStopped(RunStopped::initialisation, "the scheduler could not be made ready");
+}
+
+}  // namespace
+
+Scheduler::Scheduler(Plant const& plant, Host& host) : Diagnoser(plant, host) {
+    requireReady(initSchD());
+}
+
+Scheduler::Scheduler(Plant& plant, Host& host) : Diagnoser(plant, host) {
+    requireReady(initSchD());
 }
 
 Scheduler::~Scheduler() = default;
@@ -36,5 +43,5 @@ void Scheduler::raz() {
 void Scheduler::graphTraj(TrajectoryMap const& trajectories) {
     int i = 0;
     for (auto const& entry : trajectories)
-        toDot(entry.second.get(), "traj" + std::to_string(i++));
+        toDot(host, entry.second.get(), "traj" + std::to_string(i++));
 }

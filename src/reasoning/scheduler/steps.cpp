@@ -3,7 +3,6 @@
 // Commands are asserted in the current state; the transitions that they trigger, and those that the
 // settled elements trigger, fire into the next state. Only the first result of each propagation is
 // followed, and only transitions reachable from what changed are examined, never all of the model.
-#include <iostream>
 #include <optional>
 #include <utility>
 
@@ -11,7 +10,7 @@
 #include "model/StateVar.h"
 #include "model/labels.h"
 #include "reasoning/Scheduler.h"
-#include "support/process.h"
+#include "support/run_stopped.h"
 
 namespace {
 
@@ -24,8 +23,8 @@ std::unique_ptr<State> exactCopy(State const* state) {
     return copy;
 }
 
-void reportNoState() {
-    std::cerr << "Error update the current state: no valid state found.\n";
+void reportNoState(std::ostream& err) {
+    err << "Error update the current state: no valid state found.\n";
 }
 
 // Of a list of results that is not empty, the first alone is followed.
@@ -53,7 +52,7 @@ void Scheduler::constructNextNominalStateLarge(Trajectory* traj, std::vector<Ato
                                                bool keepUnlocked, PendingTransitions& pending) {
     int const t = traj->getCurrentTime();
     NominalStep step{traj, t, commands, keepUnlocked, pending, nullptr, nullptr, {}};
-    traj->addState(t + 1, std::make_unique<State>());
+    traj->addState(t + 1, std::make_unique<State>(book));
     step.next = traj->takeState(t + 1);
     states_cover[t + 1] = 0.0;
     std::unique_ptr<State> before = exactCopy(step.current());
@@ -101,7 +100,7 @@ bool Scheduler::settleCommands(NominalStep& step) {
     ItmsResults results =
         addPropositions(props, current, {true, step.traj->rank}, step.traj, step.t, false);
     if (results.empty()) {
-        reportNoState();
+        reportNoState(err);
         return false;
     }
     step.settled = firstOf(results);
@@ -127,7 +126,7 @@ void Scheduler::endPendingTransitions(NominalStep& step) {
     std::vector<int> ended;
     for (auto const& entry : step.pending)
         if (entry.second.getEnd(step.t)) {
-            entry.second.trans->showTransition();
+            entry.second.trans->showTransition(out);
             ended.push_back(entry.first);
         }
     for (int const id : ended)
@@ -222,7 +221,7 @@ bool Scheduler::settleNext(SignedElements const& props, std::unique_ptr<State>& 
                            Trajectory* traj, int now) {
     ItmsResults results = addPropositions(props, next, {true, traj->rank}, traj, now + 1, false);
     if (results.empty()) {
-        reportNoState();
+        reportNoState(err);
         return false;
     }
     std::unique_ptr<ItmsRes> const settled = firstOf(results);
@@ -290,7 +289,7 @@ void Scheduler::triggerTransition(Transition* transition, State* current,
         for (auto const& [command, step] : firing.given)
             addCommandEvent(command, step);
         if (transition->post)
-            transition->showMove();
+            transition->showMove(out, err);
         return;
     }
     next = std::move(before);
@@ -310,7 +309,7 @@ int Scheduler::syncPreviousState(Trajectory* traj) {
     State const* last = traj->getLastState();
     if (last->elts.empty() || !last->locked)
         return 0;
-    traj->addState(traj->getCurrentTime() + 1, std::make_unique<State>());
+    traj->addState(traj->getCurrentTime() + 1, std::make_unique<State>(book));
     traj->setTimeCorr(simTime);
     return 1;
 }
@@ -341,8 +340,9 @@ void Scheduler::addContEvents(Trajectory* traj) {
     std::unique_ptr<State> state = traj->takeState(t);
     ItmsResults results = addPropositions(props, state, {true, traj->rank}, traj, t, false);
     if (results.empty()) {
-        std::cerr << "Error adding continuous events: no valid state found.\n";
-        leaveProcess(1);
+        err << "Error adding continuous events: no valid state found.\n";
+        throw RunStopped(RunStopped::eventImpossible,
+                         "an event of the continuous side fits no state");
     }
     std::unique_ptr<ItmsRes> const settled = firstOf(results);
     for (auto const& entry : settled->already_changed)
@@ -383,7 +383,7 @@ void Scheduler::doCycle(Trajectory* traj, s_runtime* rt, double when) {
     if (!commands.empty()) {
         bool const added = syncPreviousState(traj) == 1;
         for (Atom const* command : commands)
-            std::cerr << command->getId() << "\n";
+            err << command->getId() << "\n";
         constructNextNominalStateLarge(traj, commands, false, pending);
         if (added)
             takeBackEmptyState(traj);

@@ -1,42 +1,39 @@
-// The registry's members, covers, benchmark logs and error texts.
-#include "model/DataManagerrt.h"
+// The view's making and end, covers, logs and error texts.
+#include "trajectory/DataManagerrt.h"
 
 #include <algorithm>
 #include <cstdint>
-#include <cstdio>
 #include <cstring>
-#include <iostream>
 #include <limits>
 
-#include "support/process.h"
+#include "model/StateVar.h"
+#include "trajectory/Trajectoryrt.h"
 
-namespace {
-
-std::ofstream openLog(char const* name) {
-    keepStandardStreams();
-    return std::ofstream(name, std::ios::trunc);
+DataManager::DataManager(Plant const& plant, Host& host)
+    : plant(plant),
+      host(host),
+      out(host.out()),
+      err(host.err()),
+      book(out, err),
+      active_comps(plant.active_comps),
+      active_atoms(plant.active_atoms),
+      active_trans(plant.active_trans),
+      cls(plant.cls),
+      model_name(plant.name) {
+    init();
 }
 
-}  // namespace
+DataManager::DataManager(Plant& plant, Host& host)
+    : DataManager(static_cast<Plant const&>(plant), host) {
+    plantInMaking = &plant;
+}
 
-string_map<Comp*> DataManager::active_comps;
-string_map<Atom*> DataManager::active_atoms;
-hash_map<int, Transition*> DataManager::active_trans;
-std::vector<std::unique_ptr<Clause>> DataManager::cls;
-double DataManager::traj_cover = 0.0;
-hash_map<int, double> DataManager::states_cover;
-unsigned DataManager::trajectories_created = 1;
-unsigned DataManager::trajectories_checked = 0;
-unsigned DataManager::transitions_checked = 0;
-unsigned DataManager::trajectories_destroyed = 0;
-std::string DataManager::model_name;
-std::ofstream DataManager::benchmk_stream = openLog("bench1.bmk");
-std::ofstream DataManager::itms_stream = openLog("itmsbench.bmk");
-unsigned DataManager::itms_calls = 0;
-std::vector<owned<Comp>> DataManager::ownedComps;
-
-DataManager::DataManager() {
-    init();
+DataManager::~DataManager() {
+    if (plantInMaking != nullptr)
+        return;
+    out << "calling destructor of DataManager\n";
+    tracked_traj.clear();
+    out << "tracked_traj deleted\n" << std::flush;
 }
 
 int DataManager::init() {
@@ -44,9 +41,9 @@ int DataManager::init() {
     return 1;
 }
 
-Clause* DataManager::addClause(std::unique_ptr<Clause> clause) {
-    cls.push_back(std::move(clause));
-    return cls.back().get();
+void DataManager::tellComplaints(Comp const& comp) const {
+    for (auto const& variable : comp.getStateVariables())
+        out << variable->complaints;
 }
 
 bool DataManager::inVector(Atom const* atom, std::vector<Atom*> const* atoms) {
@@ -75,27 +72,28 @@ void DataManager::updateTrajectoriesCover() {
 }
 
 void DataManager::addBmkEntry(int step, double seconds, bool flag, unsigned candidates) {
-    benchmk_stream << step << " " << seconds << " " << flag << " " << candidates << "\n";
+    host.stepLog() << step << " " << seconds << " " << flag << " " << candidates << "\n";
 }
 
 void DataManager::addItmsBmkEntry(double seconds, unsigned results,
                                   std::vector<char const*> const* ids) {
-    itms_stream << itms_calls++ << " " << seconds << " " << results << " ";
+    std::ostream& log = host.propagationLog();
+    log << itms_calls++ << " " << seconds << " " << results << " ";
     for (char const* id : *ids)
-        itms_stream << id << " ";
-    itms_stream << "\n";
+        log << id << " ";
+    log << "\n";
 }
 
 void DataManager::dataError(long kind, long code) {
     // Indexed from 1.
-    static char const* const messages[] = {"component doesn't exist."};
+    constexpr char const* messages[] = {"component doesn't exist."};
     constexpr long count = sizeof messages / sizeof messages[0];
     char const* message = code >= 1 && code <= count ? messages[code - 1] : "unknown error.";
     if (kind == 0)
-        std::fprintf(stderr, "Request error.\n ...%s\n", message);
+        err << "Request error.\n ..." << message << "\n";
     // Required: a request error goes on into the warning.
     if (kind == 0 || kind == 1)
-        std::fprintf(stderr, "Warning.\n  ...%s\n", message);
+        err << "Warning.\n  ..." << message << "\n";
 }
 
 namespace {
@@ -104,10 +102,10 @@ namespace {
 constexpr std::uint64_t widestTable = 1 << 24;
 
 // 0 as soon as one component has no transition; stays at the largest number beyond it.
-std::uint64_t numberOfJointTransitions() {
+std::uint64_t numberOfJointTransitions(string_map<Comp*> const& comps) {
     constexpr std::uint64_t largest = std::numeric_limits<std::uint64_t>::max();
     std::uint64_t product = 1;
-    for (auto const& entry : DataManager::active_comps) {
+    for (auto const& entry : comps) {
         if (entry.second == nullptr)
             continue;
         std::uint64_t const count = entry.second->transitions.size();
@@ -133,15 +131,15 @@ std::size_t spreadComponent(Comp const& comp, std::vector<double>& table, std::s
 }  // namespace
 
 void DataManager::testTransitionsProbas() {
-    std::cout << "[testTransitionsProbas] --> testing...\n";
-    std::uint64_t const size = numberOfJointTransitions();
-    std::cout << "[testTransitionsProbas] --> tabd size : " << size << "\n";
+    out << "[testTransitionsProbas] --> testing...\n";
+    std::uint64_t const size = numberOfJointTransitions(active_comps);
+    out << "[testTransitionsProbas] --> tabd size : " << size << "\n";
     if (size > widestTable) {
-        std::cerr << "Too many joint transitions to test their probabilities.\n";
+        err << "Too many joint transitions to test their probabilities.\n";
         return;
     }
     if (size == 0)
-        std::cerr << "A component has no transitions: there are no joint probabilities to test.\n";
+        err << "A component has no transitions: there are no joint probabilities to test.\n";
     std::vector<double> table(size);
     std::size_t width = 1;
     for (auto const& entry : active_comps)
@@ -149,8 +147,8 @@ void DataManager::testTransitionsProbas() {
             width = spreadComponent(*entry.second, table, width);
     double sum = 0.0;
     for (double const proba : table) {
-        std::cout << proba << " ";
+        out << proba << " ";
         sum += proba;
     }
-    std::cout << "test of transitions probabilities : " << sum << "\n";
+    out << "test of transitions probabilities : " << sum << "\n";
 }

@@ -1,0 +1,97 @@
+// Streams, files and requests of a console's runs.
+#include "console/console_host.h"
+
+#include <iostream>
+
+#include "console/exchange.h"
+#include "console/isolation_request.h"
+#include "console/process.h"
+#include "support/nelder.h"
+
+namespace {
+
+std::ofstream openLog(char const* name) {
+    keepStandardStreams();
+    return std::ofstream(name, std::ios::trunc);
+}
+
+// A pointer to a stream that lives on.
+std::shared_ptr<std::ostream> borrowed(std::ostream& stream) {
+    return {&stream, [](std::ostream*) {}};
+}
+
+}  // namespace
+
+ConsoleHost::ConsoleHost() : steps(openLog("bench1.bmk")), propagations(openLog("itmsbench.bmk")) {}
+
+std::ostream& ConsoleHost::out() {
+    return std::cout;
+}
+
+std::ostream& ConsoleHost::err() {
+    return std::cerr;
+}
+
+void ConsoleHost::inputs(int count, double* values) {
+    tavro_getInputs("", count, values);
+}
+
+void ConsoleHost::measures(int count, double* values) {
+    tavro_getMeasures("", count, values);
+}
+
+bool ConsoleHost::misbehaviours(int count, int* values) {
+    return sorn_getMisbs("", count, values) == 1;
+}
+
+bool ConsoleHost::activity(int count, int* values) {
+    return sorn_getConds("", count, values) == 1;
+}
+
+void ConsoleHost::alarms(int count, int const* low, int const* high, int const* misbehaving) {
+    sorn_setAlarms("", count, low, high, misbehaving);
+}
+
+void ConsoleHost::diagnosis(std::string const& text) {
+    sorn_sendDiagnosis("", text.c_str());
+}
+
+std::unique_ptr<std::istream> ConsoleHost::open(std::string const& path) {
+    auto file = std::make_unique<std::ifstream>(path);
+    if (!*file)
+        return nullptr;
+    return file;
+}
+
+bool ConsoleHost::write(std::string const& path, std::string const& text) {
+    std::ofstream file(path, std::ios::trunc);
+    file << text;
+    file.close();
+    return static_cast<bool>(file);
+}
+
+// Read again for every search, so that the optimiser can be tuned anew without a restart.
+void ConsoleHost::optimiserOptions(Nelder_options& options) {
+    if (std::ifstream file("nelder.dat"); file)
+        Nelder_read_options(file, options);
+}
+
+std::shared_ptr<std::ostream> ConsoleHost::optimiserTrace(Nelder_options const& options) {
+    if (!options.traceToFile)
+        return borrowed(std::cout);
+    auto file = std::make_shared<std::ofstream>(options.traceFile, std::ios::trunc);
+    if (*file)
+        return file;
+    std::cerr << "\n!!! ATTENTION: impossible d'ouvrir le fichier: " << options.traceFile
+              << " !!!\n";
+    return borrowed(std::cout);
+}
+
+bool ConsoleHost::memoryRunsShort() {
+    return memory.runsShort();
+}
+
+ConsoleHost& consoleHost() {
+    static ConsoleHost host;
+    return host;
+}

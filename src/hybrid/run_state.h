@@ -1,0 +1,48 @@
+// Everything that one run of a plant changes.
+//
+// The plant is shared and only read; the host is the run's outside; all the rest is owned here, and
+// nothing of it is shared with another run. The members keep the order in which they depend on each
+// other, so that the end of a run is the reverse of its start: candidates go first, since the keys
+// of their tables are texts of the plant and their states tell the scheduler's book.
+//
+// Invariants between two steps:
+//   1. hybNT is null, or the first of tracked_trajs;
+//   2. every candidate of tracked_trajs has a history and, in a hybrid plant, a runtime;
+//   3. engine.nrt is empty.
+#pragma once
+
+#include "continuous/engine.h"
+#include "hybrid/hybTrajectory.h"
+#include "hybrid/hybrid_candidates.h"
+#include "reasoning/Scheduler.h"
+
+struct RunState {
+    RunState(Plant const& plant, Host& host);
+    ~RunState();
+    RunState(RunState const&) = delete;
+    RunState& operator=(RunState const&) = delete;
+
+    void checkRunState() const;
+
+    Plant const& plant;
+    Host& host;
+    std::ostream& out;
+    std::ostream& err;
+    s_engine engine;
+    Scheduler scheduler;
+    Scheduler* const sMM = &scheduler;  // the name under which the discrete half is known
+
+private:
+    std::unique_ptr<s_runtime> ownTemplate;
+
+public:
+    s_runtime* tavro_rt;  // the run's own template, never stepped; null in a discrete plant
+
+    HybMap tracked_trajs;            // the candidates being tracked
+    HybMap ntrajs;                   // candidates being rebuilt within a cycle
+    HybMap misbtrajs;                // candidates found misbehaving in this cycle
+    hybTrajectory* hybNT = nullptr;  // the nominal candidate, borrowed; null: not initialised
+
+    double last_detection_time = -1.0;  // of the first detection that came last; -1 at first
+    bool diag_flag = false;             // a diagnosis has been accepted in this run
+};

@@ -1,0 +1,23 @@
+// What a plant owns, and its end.
+#include "model/Plant.h"
+
+Plant::Plant(std::string name) : name(std::move(name)) {}
+
+Plant::~Plant() {
+    clear();
+}
+
+Clause* Plant::addClause(std::unique_ptr<Clause> clause) {
+    cls.push_back(std::move(clause));
+    return cls.back().get();
+}
+
+void Plant::clear() {
+    active_comps.clear();
+    active_atoms.clear();
+    active_trans.clear();
+    stateVars.clear();
+    tavro_rt.reset();
+    ownedComps.clear();
+    cls.clear();
+}
