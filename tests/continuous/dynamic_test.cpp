@@ -334,6 +334,18 @@ TEST_F(Dynamic, ANumberBesideAnIntervalHasTwoEqualBounds) {
     EXPECT_EQ(text(*TMPSS), "[130, 133[");
 }
 
+// As the past of a parameter, which is never written: it adds nothing, to a corner as to a sum.
+TEST_F(Dynamic, ACauseWithoutAValueContributesNothing) {
+    for (char const* b : {"5", "[5, 6]"}) {
+        coefs(INF_DYNAMIC2, "0", "0", b, b);
+        *TMP1 = obj("0");
+        *TMP2 = obj("10");
+        *TMP5 = s_Objet{};
+        sn_addSecondOrder(influence);
+        EXPECT_EQ(text(isReal(influence->b1) ? *TMP1 : *TMPIS), "50") << b;
+    }
+}
+
 TEST_F(Dynamic, TheLastIntervalInfluenceReplacesTheCorners) {
     coefs(INF_DYNAMIC2, "0", "0", "[2, 3]", "1");
     add("0", "10", "100");

@@ -104,6 +104,19 @@ TEST_F(Initial, ASecondOrderCauseWithoutHistoryHasItsValueForBoth) {
     EXPECT_EQ(first(v), "2020 | 2020 2020 | 1");
 }
 
+// What is not there yet counts as 0, as it does in an integral. With a1 = 1 a first order keeps the
+// state; the second order has 10 u = 20 from its cause and 2 y = 0.
+TEST_F(Initial, AnEffectWithoutAValueCountsAsZero) {
+    s_Variable *lag = add("lag"), *second = add("second");
+    plant.link(known("a", "7"), lag, INF_DYNAMIC)->a1 = obj("1");
+    EXPECT_EQ(first(lag), "0 | 0 0 | 1");
+    s_Influence* i = plant.link(known("u", "2"), second, INF_DYNAMIC2, "10");
+    i->a1 = obj("2");
+    i->a2 = obj("-1");
+    i->b2 = obj("0");
+    EXPECT_EQ(first(second), "20 | 20 20 | 1");
+}
+
 TEST_F(Initial, AnotherKindLeavesZero) {
     s_Variable* v = add("v");
     s_Influence* i = plant.link(known("a", "2"), v, INF_COUPLING, "10");
