@@ -23,9 +23,8 @@ public:
         for (char const* name : measured)
             sensors[name] = {};
         takeMeasures(measures);
-        for (char const* name :
-             {"ilag", "iint", "iunder", "iover", "iacc", "iratio", "still", "istat", "held",
-              "drift", "under", "crit", "acc", "ratio", "swing"})
+        for (char const* name : {"ilag", "iunder", "iover", "iacc", "iratio", "still", "istat",
+                                 "held", "under", "crit", "acc", "swing"})
             fill(name, num(0));
         for (char const* name : measured)
             fill(name, num(sensors[name].now));
@@ -35,8 +34,9 @@ public:
         // The inputs have no value yet when the first values are computed: only what lag gives
         // counts. Its history is filled with its measure by then.
         fill("drift", value("lag") * num(0.5 * 0.5));
+        // No initial value: a1 times a state that is not there stays a1. The history starts at 0.
         Coefs const c = ratioCoefs();
-        fill("ratio", value("lag") * c.b1 + value("lag") * c.b2);
+        fill("ratio", value("lag") * c.b1 + value("lag") * c.b2 + (c.a1 + c.a2 * num(0)));
         fill("u", num(u));
         fill("v", num(v));
     }

@@ -41,11 +41,11 @@ void keepSecond(Previous const& previous) {
         previous.history->set(0, previous.second);
 }
 
-// *product = a x. An x without a value counts as 0: so does an effect before its first value, and
-// the past of a parameter.
+// *product = a x. Required: an x without a value leaves a, so that the first value of an effect
+// without an initial value has the bare coefficient in it.
 void putProduct(s_Objet const& a, s_Objet const& x, s_Objet* product) {
     sn_putObjet(&a, product);
-    sn_mulObjet(product, isValue(x) ? &x : objZero);
+    sn_mulObjet(product, &x);
 }
 
 // TMP2 = a x + c y, by way of TMP3.
@@ -165,9 +165,10 @@ void evalSecondOrder(s_runtime* rt, s_Influence* influence, Previous& previous) 
 
 // *corner = b TMP2 + c TMP5.
 void putCorner(double b, double c, s_Objet* corner) {
-    s_Objet older;
-    putProduct(makeReal(c), *TMP5, &older);
-    putProduct(makeReal(b), *TMP2, corner);
+    s_Objet older = makeReal(c);
+    sn_mulObjet(&older, TMP5);
+    *corner = makeReal(b);
+    sn_mulObjet(corner, TMP2);
     sn_addObjet(corner, &older);
 }
 

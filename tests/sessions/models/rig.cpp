@@ -7,6 +7,10 @@
 //   numbers   lag, held, late, drift, under, crit, over, acc, ratio, swing, out
 //   intervals ilag, iint, iunder, iover, iacc, iratio, still, gratio, istat
 //
+// It starts at rest: every dynamic effect that is not measured has the initial value 0 (iint 1),
+// but for rig.drift and rig.ratio, whose first values come from that of rig.lag. In the one of
+// rig.ratio stands the bare coefficient a1 of its own state, which is not there yet.
+//
 // The brake is commanded. It takes rig.u from rig.lag, from rig.under and from rig.ilag, and lets
 // rig.out see rig.v instead of rig.u.
 #include <cfloat>
@@ -206,6 +210,9 @@ void Builder::lists() {
     rt.untemporal = {late, istat, out};
     rt.measure = {lag_, over, late, out};
     rt.display = {lag_, acc, swing, out, ilag, iacc, istat};
+    for (s_Variable* atRest :
+         {held, under, crit, acc, swing, ilag, iunder, iover, iacc, iratio, still, gratio})
+        rt.init.push_back({atRest, number(0.0)});
     rt.init.push_back({iint, number(1.0)});
     sizeArrays(rt);
     rt.name = "rig";
