@@ -7,49 +7,49 @@
 #include "continuous/sorn-runt.h"
 #include "hybrid/tavro-runt.h"
 #include "reasoning/Scheduler.h"
-#include "reasoning/compiled_model.h"
+#include "fixtures/the_run.h"
 #include "silence.h"
 
 // The rate of change that the model itself would show in the middle of its bounds, while heating.
 class RoomBench {
 public:
     RoomBench() {
-        rt_num = 0;
+        theRun().engine.rt_num = 0;
         scheduler = std::make_unique<Scheduler>(model_name);
-        sMM = scheduler.get();
-        startinit(sMM);
-        sMM->rtInit();
-        localInit(tavro_rt, sMM);
-        tavro_initialize(1, 0.01, "", 0);
-        meas = {heatingRate()};
+        theRun().sMM = scheduler.get();
+        startinit(theRun().sMM);
+        theRun().sMM->rtInit();
+        bridgeActiveAtoms(thePlant(), theRun().tavro_rt).sMM);
+        tavro_initialize(theRun(), 1, 0.01, "", 0);
+        theRun().engine.meas = {heatingRate()};
     }
     ~RoomBench() {
-        clearMultiTrajs();
-        sMM = nullptr;
+        clearMultiTrajs(theRun());
+        theRun().sMM = nullptr;
     }
 
     // Follows the room for *steps* cycles of heating.
     void follow(int steps, RunOptions const& options) {
         for (int i = 0; i < steps; ++i) {
-            meas = {heatingRate()};
+            theRun().engine.meas = {heatingRate()};
             bool nominal = false;
-            tavro_doCycle(options, 0.0, ++time, nominal);
+            tavro_doCycle(theRun(), options, 0.0, ++time, nominal);
         }
     }
 
     // Makes *count* candidates of the first one.
     static void multiply(std::size_t count) {
-        hybTrajectory const& first = *tracked_trajs.begin()->second;
+        hybTrajectory const& first = *theRun().tracked_trajs.begin()->second;
         HybMap copies;
         for (std::size_t i = 0; i < count; ++i)
             copies.emplace(
                 0.0, std::make_unique<hybTrajectory>(&first, first.traj->getCurrentTime() + 1));
-        tracked_trajs = std::move(copies);
-        hybNT = tracked_trajs.begin()->second.get();
+        theRun().tracked_trajs = std::move(copies);
+        theRun().hybNT = theRun().tracked_trajs.begin()->second.get();
     }
 
     static double heatingRate() {
-        s_runtime const* rt = tracked_trajs.begin()->second->rt.get();
+        s_runtime const* rt = theRun().tracked_trajs.begin()->second->rt.get();
         s_Objet const& x = sn_getVarDico(rt, "room.x")->old;
         return 0.05 * (20.0 - (sn_infOf(x) + sn_supOf(x)) / 2.0) + 0.15;
     }

@@ -1,6 +1,7 @@
 // A deep copy of a runtime whose histories are full, and the push that follows it.
 #include <benchmark/benchmark.h>
 
+#include "fixtures/the_run.h"
 #include "room_bench.h"
 
 namespace {
@@ -17,7 +18,7 @@ void CopyRuntime(benchmark::State& state) {
     Silence const silence;
     RoomBench room;
     room.follow(static_cast<int>(state.range(0)), detection());
-    s_runtime const* rt = hybNT->rt.get();
+    s_runtime const* rt = theRun().hybNT->rt.get();
     for (auto _ : state)
         benchmark::DoNotOptimize(sn_copyRuntime(rt));
 }

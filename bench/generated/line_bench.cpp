@@ -9,6 +9,7 @@
 #include <memory>
 #include <string>
 
+#include "fixtures/the_run.h"
 #include "generated/line/line.h"
 #include "hybrid/tavro-runt.h"
 #include "reasoning/Scheduler.h"
@@ -26,13 +27,13 @@ public:
           path(std::filesystem::temp_directory_path() /
                ("tavro-line-bench-" + std::to_string(getpid()) + ".scn")) {
         scheduler = std::make_unique<Scheduler>("line");
-        sMM = scheduler.get();
-        buildLine(sMM, valves);
-        sMM->rtInit();
+        theRun().sMM = scheduler.get();
+        buildLine(theRun().sMM, valves);
+        theRun().sMM->rtInit();
     }
     ~LineBench() {
-        clearMultiTrajs();
-        sMM = nullptr;
+        clearMultiTrajs(theRun());
+        theRun().sMM = nullptr;
         std::filesystem::remove(path);
     }
     LineBench(LineBench const&) = delete;
@@ -53,11 +54,11 @@ public:
 
     // The nominal history at its start, as often as wanted.
     void init() const {
-        clearMultiTrajs();
-        tavro_initialize_discrete();
-        Trajectory const* first = DataManager::tracked_traj.begin()->second.get();
+        clearMultiTrajs(theRun());
+        tavro_initialize_discrete(theRun());
+        Trajectory const* first = theRun().scheduler.tracked_traj.begin()->second.get();
         for (int i = 1; i < histories; ++i)
-            DataManager::tracked_traj.emplace(0.5, std::make_unique<Trajectory>(first, 1));
+            theRun().scheduler.tracked_traj.emplace(0.5, std::make_unique<Trajectory>(first, 1));
     }
     // Times runs of what was written, which has *lines* lines.
     void measure(benchmark::State& state, int lines) const {
@@ -65,7 +66,7 @@ public:
             state.PauseTiming();
             init();
             state.ResumeTiming();
-            sMM->runSchD(path);
+            theRun().sMM->runSchD(path);
         }
         state.counters["step"] = benchmark::Counter(
             lines, benchmark::Counter::kIsIterationInvariantRate | benchmark::Counter::kInvert);

@@ -1,6 +1,7 @@
 // One cycle of detection against the number of candidates, and a long simulation of one candidate.
 #include <benchmark/benchmark.h>
 
+#include "fixtures/the_run.h"
 #include "room_bench.h"
 
 namespace {
@@ -20,17 +21,17 @@ void DetectCycle(benchmark::State& state) {
     room.follow(4, detection());
     auto const count = static_cast<std::size_t>(state.range(0));
     RoomBench::multiply(count);
-    hybTrajectory const pristine(hybNT, hybNT->traj->getCurrentTime() + 1);
+    hybTrajectory const pristine(theRun().hybNT, theRun().hybNT->traj->getCurrentTime() + 1);
     for (auto _ : state) {
         state.PauseTiming();
-        tracked_trajs.clear();
-        tracked_trajs.emplace(
+        theRun().tracked_trajs.clear();
+        theRun().tracked_trajs.emplace(
             0.0, std::make_unique<hybTrajectory>(&pristine, pristine.traj->getCurrentTime() + 1));
         RoomBench::multiply(count);
-        meas = {RoomBench::heatingRate()};
+        theRun().engine.meas = {RoomBench::heatingRate()};
         bool nominal = false;
         state.ResumeTiming();
-        tavro_doCycle(detection(), 0.0, room.time + 1.0, nominal);
+        tavro_doCycle(theRun(), detection(), 0.0, room.time + 1.0, nominal);
     }
     state.SetComplexityN(state.range(0));
     state.counters["per_candidate"] = benchmark::Counter(

@@ -28,9 +28,8 @@ using PendingTransitions = hash_map<int, transitionCM>;
 
 class Scheduler : public Diagnoser {
 public:
-    // Of a run, and of the building of a plant. Throws RunStopped when the initialisation fails.
+    // Throws RunStopped when the initialisation fails.
     Scheduler(Plant const& plant, Host& host);
-    Scheduler(Plant& plant, Host& host);
     ~Scheduler();
 
     int initSchD();

@@ -8,6 +8,7 @@ std::unique_ptr<Plant> buildPlant(CompiledModel const& model, Host& host) {
     host.out() << "appliName: " << model.model_name << "\n";
     auto plant = std::make_unique<Plant>(model.model_name);
     Scheduler scheduler(*plant, host);
+    scheduler.startBuilding(*plant);
     model.startinit(&scheduler);
     host.out() << "model successfully loaded.\n";
     scheduler.rtInit();

@@ -23,11 +23,6 @@ DataManager::DataManager(Plant const& plant, Host& host)
     init();
 }
 
-DataManager::DataManager(Plant& plant, Host& host)
-    : DataManager(static_cast<Plant const&>(plant), host) {
-    plantInMaking = &plant;
-}
-
 DataManager::~DataManager() {
     if (plantInMaking != nullptr)
         return;

@@ -37,10 +37,8 @@ using TrajectoryMap = std::multimap<double, std::unique_ptr<Trajectory>, std::gr
 
 class DataManager {
 public:
-    // Of a run: the plant is only read.
+    // The plant is only read.
     DataManager(Plant const& plant, Host& host);
-    // Of the building of a plant.
-    DataManager(Plant& plant, Host& host);
     // Frees what the run holds, and tells so.
     ~DataManager();
     DataManager(DataManager const&) = delete;
@@ -49,8 +47,15 @@ public:
     // Starts the cover tables; returns 1.
     int init();
 
-    // ---- Building: the plant must be one that is being built ----
+    // ---- Building ----
 
+    // From here on the plant of this object may be written, by the operations below: it is being
+    // built, and no run has it yet.
+    void startBuilding(Plant& same) {
+        assert(&same == &plant);
+        plantInMaking = &same;
+    }
+    // The plant that is being built.
     Plant& building() const {
         assert(plantInMaking != nullptr);
         return *plantInMaking;

@@ -1,4 +1,5 @@
 // Opening, reading and closing the data files of a run, with files on disk.
+#include "fixtures/the_run.h"
 #include "console/exchange.h"
 
 #include <cmath>
@@ -112,7 +113,7 @@ TEST(PrepareSc, LoadsAScenario) {
     WorkDirectory::write("inp/events", "2 Command room.cmdin=open\n");
     Streams const said = streamsOf([] { EXPECT_EQ(prepareSc(), 1); });
     EXPECT_EQ(said.out, "scenarFIle: inp/events\n");
-    EXPECT_EQ(sMM->scenario.count(2.0), 1u);
+    EXPECT_EQ(theRun().sMM->scenario.count(2.0), 1u);
 }
 
 TEST(PrepareSc, AnswersOneWithoutAFile) {

@@ -5,6 +5,7 @@
 #include <csignal>
 #include <cstdlib>
 
+#include "fixtures/the_run.h"
 #include "console/run.h"
 #include "console_fixture.h"
 #include "fixtures/reference_model.h"
@@ -16,7 +17,7 @@ class HandlerTest : public testing::Test {
 protected:
     HandlerTest() { WorkDirectory::write(measureFile, "0.8\n0.9\n"); }
     ~HandlerTest() override {
-        clearMultiTrajs();
+        clearMultiTrajs(theRun());
         discrete = disc_init = false;
     }
 
@@ -28,7 +29,7 @@ protected:
     }
     void init(char const* arg = nullptr) {
         call(snInit, arg);
-        ASSERT_NE(hybNT, nullptr) << said.err;
+        ASSERT_NE(theRun().hybNT, nullptr) << said.err;
     }
 
     ConsoleFiles files;
@@ -44,16 +45,16 @@ TEST_F(HandlerTest, InitTakesItsDefaults) {
     precision = 7.0;
     accuTime = 7;
     simTime = 7.0;
-    rt_num = 7;
+    theRun().engine.rt_num = 7;
     EXPECT_EQ(call(snInit, nullptr), 0);
     EXPECT_EQ(precision, 0.01);
     EXPECT_EQ(accuTime, 0);
     EXPECT_EQ(simTime, 0.0);
-    ASSERT_NE(hybNT, nullptr);
-    EXPECT_EQ(hybNT->rt->num, 0) << "the first runtime of a run is number 0";
-    EXPECT_EQ(hybNT->rt->globalOn, 1);
-    EXPECT_EQ(hybNT->rt->precision, 0.01);
-    EXPECT_EQ(hybNT->rt->misbWindow, 0);
+    ASSERT_NE(theRun().hybNT, nullptr);
+    EXPECT_EQ(theRun().hybNT->rt->num, 0) << "the first runtime of a run is number 0";
+    EXPECT_EQ(theRun().hybNT->rt->globalOn, 1);
+    EXPECT_EQ(theRun().hybNT->rt->precision, 0.01);
+    EXPECT_EQ(theRun().hybNT->rt->misbWindow, 0);
 }
 
 struct InitCase {
@@ -70,10 +71,10 @@ class InitTest : public HandlerTest, public testing::WithParamInterface<InitCase
 
 TEST_P(InitTest, ReadsItsParameters) {
     init(GetParam().arg);
-    EXPECT_EQ(hybNT->rt->globalOn, GetParam().global);
+    EXPECT_EQ(theRun().hybNT->rt->globalOn, GetParam().global);
     EXPECT_EQ(accuTime, GetParam().accumulation);
-    EXPECT_EQ(hybNT->rt->misbWindow, GetParam().accumulation);
-    EXPECT_EQ(hybNT->rt->precision, GetParam().precision);
+    EXPECT_EQ(theRun().hybNT->rt->misbWindow, GetParam().accumulation);
+    EXPECT_EQ(theRun().hybNT->rt->precision, GetParam().precision);
 }
 
 INSTANTIATE_TEST_SUITE_P(Handlers, InitTest,
@@ -90,24 +91,24 @@ TEST_F(HandlerTest, InitRefusesWithoutTouchingTheRun) {
         EXPECT_EQ(call(snInit, arg), 0);
         EXPECT_NE(said.err, "") << arg;
         EXPECT_EQ(said.out, "") << arg;
-        EXPECT_EQ(hybNT, nullptr) << arg;
+        EXPECT_EQ(theRun().hybNT, nullptr) << arg;
         EXPECT_EQ(dataOut, nullptr) << arg;
     }
 }
 
 TEST_F(HandlerTest, InitIsForOnce) {
     init();
-    hybTrajectory const* first = hybNT;
+    hybTrajectory const* first = theRun().hybNT;
     EXPECT_EQ(call(snInit, "foo"), 0);
     EXPECT_EQ(said.out, "The model has already been inited\n");
     EXPECT_EQ(said.err, "");
-    EXPECT_EQ(hybNT, first);
+    EXPECT_EQ(theRun().hybNT, first);
 }
 
 TEST_F(HandlerTest, InitEndsTheDisplayLineWhateverHappens) {
     modesFile = "nowhere/modes";
     EXPECT_EQ(call(snInit, nullptr), 0);
-    EXPECT_EQ(hybNT, nullptr);
+    EXPECT_EQ(theRun().hybNT, nullptr);
     closeRunFiles();
     EXPECT_EQ(WorkDirectory::read(displayFile), "\n");
 }
@@ -117,12 +118,12 @@ TEST_F(HandlerTest, InitOfADiscreteModelIsSilent) {
     EXPECT_EQ(call(snInit, nullptr), 0);
     EXPECT_EQ(said.out + said.err, "");
     EXPECT_TRUE(disc_init);
-    ASSERT_NE(hybNT, nullptr);
-    EXPECT_EQ(DataManager::tracked_traj.size(), 1u);
+    ASSERT_NE(theRun().hybNT, nullptr);
+    EXPECT_EQ(theRun().scheduler.tracked_traj.size(), 1u);
     EXPECT_EQ(dataOut, nullptr);
     EXPECT_EQ(call(snInit, nullptr), 0);
     EXPECT_EQ(said.out, "The model has already been inited\n");
-    DataManager::tracked_traj.clear();
+    theRun().scheduler.tracked_traj.clear();
 }
 
 // ---- simul ----
@@ -149,7 +150,7 @@ TEST_F(HandlerTest, SimulRefusesAndTheRunGoesOn) {
         EXPECT_EQ(call(snSimul, arg), 0);
         EXPECT_EQ(said.err, message);
         EXPECT_EQ(said.out, "");
-        EXPECT_NE(hybNT, nullptr);
+        EXPECT_NE(theRun().hybNT, nullptr);
         EXPECT_EQ(simu_multi, 0);
     }
 }
@@ -160,7 +161,7 @@ TEST_F(HandlerTest, ResettingWantsAMeasureFile) {
     measIn = nullptr;
     EXPECT_EQ(call(snSimul, "1 1 multi"), 0);
     EXPECT_EQ(said.err, "Resetting impossible (no measure file) !\n");
-    EXPECT_NE(hybNT, nullptr);
+    EXPECT_NE(theRun().hybNT, nullptr);
     call(snSimul, "1 multi");
     EXPECT_EQ(said.out, "mode: 0\ninputs: \nwriting 1 trajectories\n")
         << "without a file no measures are read";
@@ -199,12 +200,12 @@ TEST_F(HandlerTest, ARunEndsWithEverythingClosed) {
     init();
     int const before = memFr;
     call(snSimul, "1 multi");
-    EXPECT_EQ(hybNT, nullptr);
-    EXPECT_TRUE(tracked_trajs.empty());
+    EXPECT_EQ(theRun().hybNT, nullptr);
+    EXPECT_TRUE(theRun().tracked_trajs.empty());
     EXPECT_EQ(simu_multi, 0);
     for (std::FILE* stream : {dataIn, measIn, dataOut, modesOut})
         EXPECT_EQ(stream, nullptr);
-    EXPECT_TRUE(meas.empty());
+    EXPECT_TRUE(theRun().engine.meas.empty());
     EXPECT_EQ(memFr - before, 8) << "eight bytes for the measures, and none for inputs";
     // x = 4 + [0.95, 1.05] * 0.8, xd = 0.05 * (20 - 4) + [0, 0.3]
     EXPECT_EQ(WorkDirectory::read(displayFile), "0.8 0.8 4 4 \n0.8 1.1 4.76 4.84 \n");
@@ -220,10 +221,10 @@ TEST_F(HandlerTest, DetectWantsInit) {
 
 TEST_F(HandlerTest, DetectWantsMeasuresAndVariables) {
     init();
-    hybNT->rt->varsInitialised = 0;
+    theRun().hybNT->rt->varsInitialised = 0;
     EXPECT_EQ(call(snDetect, "1 nofault 3"), 0);
     EXPECT_EQ(said.err, notInitialised);
-    hybNT->rt->measure.clear();
+    theRun().hybNT->rt->measure.clear();
     EXPECT_EQ(call(snDetect, "1 nofault 3"), 0);
     EXPECT_EQ(said.err, "No measure variable: detection impossible !\n");
 }
@@ -234,7 +235,7 @@ TEST_F(HandlerTest, DetectRefusesAndTheRunGoesOn) {
                             "1 nofault", "1 nofault x", "1e999 nofault 3"}) {
         EXPECT_EQ(call(snDetect, arg), 0);
         EXPECT_EQ(said.out, "entering detect\n");
-        EXPECT_NE(hybNT, nullptr);
+        EXPECT_NE(theRun().hybNT, nullptr);
         EXPECT_FALSE(std::filesystem::exists("cycbench.bmk"));
     }
 }
@@ -247,7 +248,7 @@ TEST_F(HandlerTest, DetectLogsItsCycles) {
     EXPECT_EQ(log.rfind("1\t", 0), 0u) << log;
     EXPECT_EQ(std::count(log.begin(), log.end(), '\n'), 1);
     EXPECT_GE(std::atof(log.c_str() + 2), 0.0);
-    EXPECT_EQ(hybNT, nullptr);
+    EXPECT_EQ(theRun().hybNT, nullptr);
     EXPECT_EQ(dataOut, nullptr);
 }
 
@@ -263,7 +264,7 @@ TEST_F(HandlerTest, DetectTakesEveryLevelWithAndWithoutMerging) {
 
 // 0.1 + 0.1 + 0.1 is more than 0.3: the third cycle falls out.
 TEST_F(HandlerTest, TheLastCycleMayFallOutThroughRounding) {
-    tavro_rt->Ts = 0.1;
+    theRun().tavro_rt->Ts = 0.1;
     init();
     call(snSimul, "0.3 multi");
     EXPECT_EQ(said.err,
@@ -279,7 +280,7 @@ TEST_F(HandlerTest, DetectEndsTheProcessWithoutItsLog) {
     EXPECT_EXIT(
         {
             // The start-up arranges for this: the candidates go before the model does.
-            std::atexit([] { clearMultiTrajs(); });
+            std::atexit([] { clearMultiTrajs(theRun()); });
             snDetect("1 nofault 3");
         },
         testing::ExitedWithCode(1), "mode: 3\n$");
@@ -323,11 +324,11 @@ TEST(Gnuplot, TellsWithoutALineEndWhenItCouldNotBeRun) {
 // ---- Start-up ----
 
 TEST_F(HandlerTest, LocalInitGivesConditionsTheValuesOfTheirAtoms) {
-    s_runtime* rt = tavro_rt;
+    s_runtime* rt = theRun().tavro_rt;
     for (auto const& condition : rt->condi)
         condition->val = 7;
-    clearNrt(nullptr);
-    localInit(rt, sMM);
+    clearNrt(theRun(), nullptr);
+    bridgeActiveAtoms(thePlant(), rt).sMM);
     // The atoms that hold at the start: off, c10 and closed.
     std::pair<int, int> const expected[] = {{0, 1}, {1, 0},  {2, 0},  {3, 0},  {4, 0}, {6, 0},
                                             {9, 0}, {10, 1}, {11, 1}, {12, 0}, {13, 0}};
@@ -335,7 +336,7 @@ TEST_F(HandlerTest, LocalInitGivesConditionsTheValuesOfTheirAtoms) {
         EXPECT_EQ(rt->condi[static_cast<std::size_t>(index)]->val, value) << index;
     for (int const unlinked : {5, 7, 8, 14, 15})
         EXPECT_EQ(rt->condi[static_cast<std::size_t>(unlinked)]->val, 7) << unlinked;
-    EXPECT_TRUE(nrt.empty());
+    EXPECT_TRUE(theRun().engine.nrt.empty());
 }
 
 }  // namespace

@@ -1,5 +1,6 @@
 // The hooks through which the engine reads a request for isolation, on the reference model: one
 // measure, room.xd; seven influences, each with a condition.
+#include "fixtures/the_run.h"
 #include "console/isolation_request.h"
 
 #include "console_fixture.h"
@@ -74,7 +75,7 @@ TEST_F(RequestTest, ConditionsAreGivenInfluenceByInfluence) {
 }
 
 TEST_F(RequestTest, WithoutAConditionOneIsTakenAndNoToken) {
-    tavro_rt->influ[1]->cond = nullptr;
+    theRun().tavro_rt->influ[1]->cond = nullptr;
     EXPECT_EQ(conds("0 0 0 0 0 0 7"), 1);
     EXPECT_EQ(values[1], 1);
     EXPECT_EQ(values[0] + values[2] + values[3] + values[4] + values[5] + values[6], 0);
@@ -138,10 +139,10 @@ TEST_F(DiagnosisTest, AMeasureMustFollow) {
 }
 
 TEST_F(DiagnosisTest, AModelWithoutAContinuousSideHasNothingToDiagnose) {
-    s_runtime* const own = tavro_rt;
-    tavro_rt = nullptr;
+    s_runtime* const own = theRun().tavro_rt;
+    theRun().tavro_rt = nullptr;
     EXPECT_EQ(diagnose("fault1 room.xd"), "The model has no continuous runtime.\n");
-    tavro_rt = own;
+    theRun().tavro_rt = own;
 }
 
 // Conditions are given in the order of the influences: the heater T1.i1, the outside R1.i1, the
@@ -198,10 +199,10 @@ TEST_F(DiagnosisTest, AWrongNameDiagnosesNothing) {
 
 TEST(DiagnosisDuringARun, IsOnTheModelsOwnRuntime) {
     hybrid_fixture::RoomRun const run(0.8);
-    ASSERT_NE(hybNT->rt.get(), tavro_rt);
+    ASSERT_NE(theRun().hybNT->rt.get(), theRun().tavro_rt);
     streamsOf([] { snDiagnosis("fault1 room.xd 1 1 1 1 1 0 1"); });
-    EXPECT_EQ(tavro_rt->measure[0]->mesmisb, 1);
-    EXPECT_EQ(hybNT->rt->measure[0]->mesmisb, 0);
+    EXPECT_EQ(theRun().tavro_rt->measure[0]->mesmisb, 1);
+    EXPECT_EQ(theRun().hybNT->rt->measure[0]->mesmisb, 0);
 }
 
 TEST_F(DiagnosisTest, NoCommandLeadsToIt) {

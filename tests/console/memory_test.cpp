@@ -1,6 +1,7 @@
 // A run that memory stops: what the console says, which rows it writes, and that it goes on.
 #include <algorithm>
 
+#include "fixtures/the_run.h"
 #include "console/run.h"
 #include "console_fixture.h"
 #include "fixtures/reference_model.h"
@@ -20,7 +21,7 @@ protected:
     MemoryStop() { WorkDirectory::write(measureFile, "0.8\n0.9\n0.95\n0.97\n0.99\n1\n"); }
     ~MemoryStop() override {
         memoryRunsShort = &systemMemoryRunsShort;
-        clearMultiTrajs();
+        clearMultiTrajs(theRun());
     }
     // What a run writes on the error stream, and its display file, when memory runs short at the
     // look after so many; never for -1.
@@ -73,7 +74,7 @@ TEST_F(MemoryStop, SimulationKeepsTheRowsOfWholeCycles) {
 TEST_F(MemoryStop, TheNextRunIsASoundOne) {
     std::string const sound = run(snDetect, "5 nofault 3", -1);
     run(snDetect, "5 nofault 3", 5);
-    EXPECT_EQ(hybNT, nullptr);
+    EXPECT_EQ(theRun().hybNT, nullptr);
     EXPECT_EQ(run(snDetect, "5 nofault 3", -1), sound);
 }
 
@@ -83,7 +84,7 @@ TEST_F(MemoryStop, ARunThatCannotBeginIsTold) {
     memoryRunsShort = &afterSomeLooks;
     std::string const told = streamsOf([] { snInit(nullptr); }).err;
     EXPECT_EQ(told, "  Initializations failed.\n");
-    EXPECT_EQ(hybNT, nullptr);
+    EXPECT_EQ(theRun().hybNT, nullptr);
     EXPECT_NE(run(snDetect, "2 nofault 3", -1).find("Initializations done."), std::string::npos);
 }
 

@@ -1,5 +1,6 @@
 // The selectors of `print` on the reference model: which one decides, what it shows, and where.
 // What the printers themselves write is tested with the engine.
+#include "fixtures/the_run.h"
 #include "console/run.h"
 #include "hybrid/hybrid_fixture.h"
 
@@ -55,12 +56,12 @@ TEST_F(Show, Values) {
 TEST_F(Show, ListsThatMayBeEmpty) {
     EXPECT_EQ(shown("inputs").err, "No inputs.\n");
     EXPECT_EQ(shown("initials").err, "Initializations:\n  room.x =4\n");
-    s_Variable* x = ReferenceModel::variable(tavro_rt, "room.x");
-    tavro_rt->input = {x};
-    tavro_rt->init.clear();
+    s_Variable* x = ReferenceModel::variable(theRun().tavro_rt, "room.x");
+    theRun().tavro_rt->input = {x};
+    theRun().tavro_rt->init.clear();
     EXPECT_EQ(shown("inputs").err, "Inputs:\n  room.x ?\n");
     EXPECT_EQ(shown("initials").err, "No initializations.\n");
-    tavro_rt->measure.clear();
+    theRun().tavro_rt->measure.clear();
     EXPECT_EQ(shown("measures").err, "No measure variables.\n");
 }
 
@@ -85,22 +86,22 @@ TEST_F(Show, TheUpdatingSequenceAndTheConstraints) {
 }
 
 TEST_F(Show, ConditionsAndInfluences) {
-    expectList("conditions", "Conditions:\n", sn_printConds, tavro_rt);
-    expectList("influences", "Influences:\n", sn_printRules, tavro_rt);
+    expectList("conditions", "Conditions:\n", sn_printConds, theRun().tavro_rt);
+    expectList("influences", "Influences:\n", sn_printRules, theRun().tavro_rt);
     EXPECT_EQ(shown("cond").err.find("Conditions:\nsize : 16\n("), 0u);
 }
 
 TEST_F(Show, Clauses) {
     Streams const text = shown("clauses");
     EXPECT_EQ(text.err, "Clauses:\n");
-    EXPECT_EQ(text.out, streamsOf([] { DataManager::showClauses(); }).out);
+    EXPECT_EQ(text.out, streamsOf([] { theRun().scheduler.showClauses(); }).out);
     EXPECT_NE(text.out, "");
 }
 
 TEST_F(Show, Atoms) {
     Streams const text = shown("toms");
     EXPECT_EQ(text.err, "");
-    EXPECT_EQ(text.out, streamsOf([] { DataManager::showAtoms(); }).out);
+    EXPECT_EQ(text.out, streamsOf([] { theRun().scheduler.showAtoms(); }).out);
     EXPECT_EQ(text.out.find("thermostat.mode=on\nroom.cmdin=open\n"), 0u);
 }
 
@@ -116,7 +117,7 @@ TEST_F(Show, AllComponents) {
 }
 
 TEST_F(Show, AComponentByItsNameOrItsClass) {
-    Comp const* thermostat = DataManager::getComp("thermostat");
+    Comp const* thermostat = theRun().scheduler.getComp("thermostat");
     std::string const expected = streamsOf([=] { thermostat->showComp(); }).out;
     ASSERT_NE(expected.find("Comp : thermostat\n"), std::string::npos);
     EXPECT_EQ(shown("comp thermostat").out, expected);
@@ -126,12 +127,12 @@ TEST_F(Show, AComponentByItsNameOrItsClass) {
 }
 
 TEST_F(Show, AnUnknownComponentIsToldAndNotEntered) {
-    std::size_t const before = DataManager::active_comps.size();
+    std::size_t const before = thePlant().active_comps.size();
     Streams const text = shown("comp nobody");
-    EXPECT_EQ(text.err, streamsOf([] { DataManager::dataError(1, 1); }).err);
+    EXPECT_EQ(text.err, streamsOf([] { theRun().scheduler.dataError(1, 1); }).err);
     EXPECT_NE(text.err, "");
     EXPECT_EQ(text.out, "");
-    EXPECT_EQ(DataManager::active_comps.size(), before);
+    EXPECT_EQ(thePlant().active_comps.size(), before);
 }
 
 // ---- Which selector decides ----
@@ -145,7 +146,7 @@ TEST_F(Show, TheFirstOfTheOrderDecides) {
         {"gloupd", "Updating sequence: "}, {"claglo", "Global constraints variables:\n"},
         {"inicla", "Clauses:\n"},
     };
-    tavro_rt->input = {ReferenceModel::variable(tavro_rt, "room.x")};
+    theRun().tavro_rt->input = {ReferenceModel::variable(theRun().tavro_rt, "room.x")};
     for (auto const& [arg, heading] : cases)
         EXPECT_EQ(shown(arg).err.find(heading), 0u) << arg;
     EXPECT_EQ(shown("tomsco").out, "thermostat -- thermostat\nroom -- room\n");
@@ -163,9 +164,9 @@ TEST_F(Show, NoArgumentAndNoSelector) {
 
 TEST(ShowARun, TheCandidateIsShown) {
     RoomRun run(0.8);
-    ASSERT_NE(hybNT, nullptr);
+    ASSERT_NE(theRun().hybNT, nullptr);
     EXPECT_EQ(shown("measures").err, "Measure:\n  room.xd =0.8\n");
-    s_runtime const* rt = hybNT->rt.get();
+    s_runtime const* rt = theRun().hybNT->rt.get();
     expectList("dic", "Dictionary:\n", sn_printDic, rt);
     expectList("cond", "Conditions:\n", sn_printConds, rt);
     expectList("spa", "Current space:\n", sn_printSpace, rt);
@@ -178,8 +179,8 @@ TEST(ShowARun, TheCandidateIsShown) {
 }
 
 TEST_F(Show, WithoutARuntimeTheDiscreteSideIsShown) {
-    s_runtime* before = tavro_rt;
-    tavro_rt = nullptr;
+    s_runtime* before = theRun().tavro_rt;
+    theRun().tavro_rt = nullptr;
     for (char const* arg :
          {"dic", "cond", "spa", "inp", "dis", "mea", "inf", "gra", "upd", "glo", "ini"}) {
         Streams const text = shown(arg);
@@ -190,7 +191,7 @@ TEST_F(Show, WithoutARuntimeTheDiscreteSideIsShown) {
     EXPECT_NE(shown("atoms").out, "");
     EXPECT_EQ(shown("clauses").err, "Clauses:\n");
     EXPECT_EQ(shown("nothing").err, "Can't print nothing\n");
-    tavro_rt = before;
+    theRun().tavro_rt = before;
 }
 
 }  // namespace

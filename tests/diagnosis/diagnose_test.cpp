@@ -1,5 +1,6 @@
 // The discrete search for one misbehaving candidate: what its history explains by itself, and what
 // is searched for otherwise.
+#include "fixtures/the_run.h"
 #include "diagnosis/fault_run.h"
 
 using namespace diagnosis_fixture;
@@ -28,15 +29,15 @@ protected:
         model.start();
         Trajectory* history = model.traj.get();
         lockFirstTrajState(history);
-        history->addState(1, std::make_unique<State>());
+        history->addState(1, std::make_unique<State>(theRun().scheduler.book));
         streamsOf([&] { history->addComp(comp, history->getLastState(), 1, true, false); });
         history->setTimeCorr(1.0);
         model.rt.num = 40;
-        rt_num = 41;
+        theRun().engine.rt_num = 41;
     }
 
     Streams diagnose(Observations const& observations) {
-        return streamsOf([&] { sMM->Diagnose(model.traj.get(), &model.rt, observations, found); });
+        return streamsOf([&] { theRun().sMM->Diagnose(model.traj.get(), &model.rt, observations, found); });
     }
     // The pump's modes in the newest step of what was found, in order.
     std::vector<std::string> modes() const {
@@ -142,7 +143,7 @@ TEST_F(Pump, TheRanksAreThoseAboveTheHistory) {
     Streams const told = diagnose({{false, works}});
     EXPECT_LT(position(told, "Rank : 3/5 "), absent);
     EXPECT_EQ(found.size(), 2u);
-    EXPECT_EQ(sMM->bound, 3.0);  // the rank that had results
+    EXPECT_EQ(theRun().sMM->bound, 3.0);  // the rank that had results
 }
 
 // Nothing of the model leads away from here: all three ranks are tried.
@@ -152,7 +153,7 @@ TEST_F(Pump, WithoutAnExplanationNothingIsFound) {
     EXPECT_LT(position(told, "Rank : 1/3 "), absent);
     EXPECT_LT(position(told, "Rank : 3/3 "), absent);
     EXPECT_EQ(position(told, "Rank : 4"), absent);
-    EXPECT_EQ(sMM->bound, 3.0);
+    EXPECT_EQ(theRun().sMM->bound, 3.0);
 }
 
 TEST_F(Pump, WhatIsFoundComesBesideWhatIsThere) {
@@ -169,7 +170,7 @@ TEST(TwoOutcomes, AreSearchedFor) {
     model.start();
     HybMap found;
     Streams const told = streamsOf([&] {
-        sMM->Diagnose(model.traj.get(), &model.rt, {{false, gauge->getAtomLinks()[0]}}, found);
+        theRun().sMM->Diagnose(model.traj.get(), &model.rt, {{false, gauge->getAtomLinks()[0]}}, found);
     });
     EXPECT_LT(told.err.find("results from observations computed : 2\n"), absent);
     EXPECT_LT(told.err.find("---------> Diagnosing...\n"), absent);
@@ -185,7 +186,7 @@ protected:
     // A third step, in which the pump goes on.
     LatePump() {
         Trajectory* history = model.traj.get();
-        history->addState(2, std::make_unique<State>());
+        history->addState(2, std::make_unique<State>(theRun().scheduler.book));
         streamsOf([&] {
             history->addComp(works->getVarComp(), history->getLastState(), 2, true, false);
         });

@@ -1,5 +1,6 @@
 // From a diagnosed history back over the bridge: its transitions and its conditions, in a runtime
 // that was moved back to the fault.
+#include "fixtures/the_run.h"
 #include "continuous/bridge.h"
 #include "continuous/model_parts.h"
 #include "diagnosis/fault_run.h"
@@ -67,9 +68,9 @@ protected:
         for (s_Condition* condition : rt().condi)
             condition->val = 7;  // neither of the two
     }
-    s_runtime& rt() { return *hybNT->rt; }
+    s_runtime& rt() { return *theRun().hybNT->rt; }
     void update(int step, double contTime) {
-        streamsOf([&] { updateDiagConds(hybNT->traj.get(), &rt(), step, contTime, 3); });
+        streamsOf([&] { updateDiagConds(theRun(), theRun().hybNT->traj.get(), &rt(), step, contTime, 3); });
     }
     int val(std::size_t i) { return rt().condi[i]->val; }
 
@@ -123,7 +124,7 @@ TEST_F(DiagnosedConditions, TheRowIsTheTimeOverThePeriod) {
 }
 
 TEST_F(DiagnosedConditions, AnUnknownAtomIsNotTrue) {
-    hybNT->traj->getState(2)->getElt("thermostat.mode=stuck_on")->setLabel("unknown");
+    theRun().hybNT->traj->getState(2)->getElt("thermostat.mode=stuck_on")->setLabel("unknown");
     update(2, 0.0);
     EXPECT_EQ(val(2), 0);
 }
@@ -154,12 +155,12 @@ TEST_F(DiagnosedConditions, TheAlarmsOfEveryVariableAreForgotten) {
 
 TEST_F(DiagnosedConditions, WithoutATransitionTheValuesStay) {
     s_Variable const* x = variable(&rt(), "room.x");
-    int const identities = rt_num;
+    int const identities = theRun().engine.rt_num;
     update(2, 0.0);
     EXPECT_TRUE(rt().bridgeTrans.empty());
     expectBounds(x->old, 4.9025, 4.9975);
     EXPECT_EQ(sn_supOf(x->histo[0]), 4.0);
-    EXPECT_EQ(rt_num, identities);
+    EXPECT_EQ(theRun().engine.rt_num, identities);
 }
 
 // With one they are computed anew: the histories begin again with the present value, and the copy
@@ -167,15 +168,15 @@ TEST_F(DiagnosedConditions, WithoutATransitionTheValuesStay) {
 TEST_F(DiagnosedConditions, ATransitionOfTheStepBeginsTheHistoriesAnew) {
     s_Variable const* x = variable(&rt(), "room.x");
     EXPECT_EQ(sn_supOf(x->histo[0]), 4.0);
-    int const identities = rt_num;
-    hybNT->traj->transByTime.emplace();
-    hybNT->traj->transByTime->insert({2, DataManager::active_trans[2]});
+    int const identities = theRun().engine.rt_num;
+    theRun().hybNT->traj->transByTime.emplace();
+    theRun().hybNT->traj->transByTime->insert({2, thePlant().active_trans[2]});
     update(2, 1.0);
-    EXPECT_EQ(rt().bridgeTrans, std::vector<Transition*>{DataManager::active_trans[2]});
+    EXPECT_EQ(rt().bridgeTrans, std::vector<Transition*>{thePlant().active_trans[2]});
     // 4 and a step of the measured rate, 0.95, by a gain within 5 % of 1.
     for (s_Objet const& value : {x->old, x->histo[0], x->histo[100]})
         expectBounds(value, 4.9025, 4.9975);
-    EXPECT_EQ(rt_num, identities + 1);
+    EXPECT_EQ(theRun().engine.rt_num, identities + 1);
 }
 
 }  // namespace

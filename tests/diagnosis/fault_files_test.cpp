@@ -8,6 +8,7 @@
 // A run without isolation, which keeps its misbehaving candidates, tells which of the two it is.
 #include <ostream>
 
+#include "fixtures/the_run.h"
 #include "diagnosis/fault_run.h"
 
 using namespace diagnosis_fixture;
@@ -35,7 +36,7 @@ void expectOrder(Setting const& setting) {
     SCOPED_TRACE(testing::PrintToString(setting));
     FaultRun run(setting);
     int end = lastStep;
-    while (run.time < end && tracked_trajs.size() <= manyCandidates) {
+    while (run.time < end && theRun().tracked_trajs.size() <= manyCandidates) {
         bool const nominal = run.step();
         expectValid();
         if (testing::Test::HasFatalFailure())
@@ -83,7 +84,7 @@ Alarm alarmOf(Setting setting) {
     FaultRun run(setting);
     if (!run.toAlarm(lastStep))
         return {};
-    for (auto const& entry : tracked_trajs)
+    for (auto const& entry : theRun().tracked_trajs)
         if (switchedLast(*entry.second->traj))
             return {run.time, true};
     return {run.time, false};

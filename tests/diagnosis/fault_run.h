@@ -2,6 +2,7 @@
 // diagnosis look at: the alarm, the candidates, and what their histories say.
 #pragma once
 
+#include "fixtures/the_run.h"
 #include "hybrid/hybrid_fixture.h"
 
 namespace diagnosis_fixture {
@@ -25,8 +26,8 @@ public:
         options.isolation = CYCLE_DETECT + setting.level;
         options.threshold = setting.threshold;
         measIn = std::fopen(path.c_str(), "r");
-        streamsOf([&] { tavro_initialize(1, 0.01, "", setting.accumulation); });
-        initDispAll(hybNT->rt.get(), 250.0);
+        streamsOf([&] { tavro_initialize(theRun(), 1, 0.01, "", setting.accumulation); });
+        initDispAll(theRun().hybNT->rt.get(), 250.0);
     }
     ~FaultRun() {
         std::fclose(measIn);
@@ -38,8 +39,8 @@ public:
         ++time;
         bool nominal = false;
         Streams const streams = streamsOf([&] {
-            tavro_getMeasures("", 1, meas.data());
-            tavro_doCycle(options, 0.0, time, nominal);
+            tavro_getMeasures("", 1, theRun().engine.meas.data());
+            tavro_doCycle(theRun(), options, 0.0, time, nominal);
         });
         told = streams.err;
         traced = streams.out;
@@ -47,7 +48,7 @@ public:
     }
     // Steps up to the first alarm, *last* at the latest; answers whether there was one.
     bool toAlarm(int last) {
-        while (time < last && !tracked_trajs.empty())
+        while (time < last && !theRun().tracked_trajs.empty())
             if (!step())
                 return true;
         return false;
@@ -57,7 +58,7 @@ public:
     // How many candidates have that mode of the thermostat.
     static int count(std::string const& mode) {
         int found = 0;
-        for (auto const& entry : tracked_trajs)
+        for (auto const& entry : theRun().tracked_trajs)
             if (thermostatOf(entry.second.get()) == mode)
                 ++found;
         return found;
@@ -85,18 +86,18 @@ inline bool switchedLast(Trajectory const& history) {
 // The collections that a cycle leaves are in order: candidates, each with both halves, and the
 // nominal one the first of them; nothing of the cycle is left.
 inline void expectValid() {
-    ASSERT_FALSE(tracked_trajs.empty());
-    EXPECT_EQ(hybNT, tracked_trajs.begin()->second.get());
-    for (auto const& entry : tracked_trajs) {
+    ASSERT_FALSE(theRun().tracked_trajs.empty());
+    EXPECT_EQ(theRun().hybNT, theRun().tracked_trajs.begin()->second.get());
+    for (auto const& entry : theRun().tracked_trajs) {
         ASSERT_NE(entry.second, nullptr);
         ASSERT_NE(entry.second->rt, nullptr);
         ASSERT_NE(entry.second->traj, nullptr);
         EXPECT_NE(entry.second->traj->getLastState(), nullptr);
         EXPECT_EQ(entry.second->rt->Ts, 1.0);
     }
-    EXPECT_TRUE(ntrajs.empty());
-    EXPECT_TRUE(misbtrajs.empty());
-    EXPECT_TRUE(nrt.empty());
+    EXPECT_TRUE(theRun().ntrajs.empty());
+    EXPECT_TRUE(theRun().misbtrajs.empty());
+    EXPECT_TRUE(theRun().engine.nrt.empty());
 }
 
 }  // namespace diagnosis_fixture

@@ -3,6 +3,7 @@
 // nothing is lost or destroyed twice (which the sanitizers watch), and the next run is a sound one.
 #include <map>
 
+#include "fixtures/the_run.h"
 #include "fault_run.h"
 #include "fixtures/failing_memory.h"
 #include "support/memory_watch.h"
@@ -29,18 +30,18 @@ protected:
         if (measIn != nullptr)
             std::fclose(measIn);
         measIn = std::fopen((std::string(TAVRO_ROOM) + "/obs/stuck_on.obs").c_str(), "r");
-        rt_num = 0;
-        tavro_initialize(1, 0.01, "", 0);
-        initDispAll(hybNT->rt.get(), 250.0);
+        theRun().engine.rt_num = 0;
+        tavro_initialize(theRun(), 1, 0.01, "", 0);
+        initDispAll(theRun().hybNT->rt.get(), 250.0);
     }
     int cycle(int time) {
         RunOptions options;
         options.mode = RUN_DETECT;
         options.isolation = CYCLE_DETECT + 1;
         options.threshold = 3;
-        tavro_getMeasures("", 1, meas.data());
+        tavro_getMeasures("", 1, theRun().engine.meas.data());
         bool nominal = false;
-        return tavro_tryCycle(options, 0.0, time, nominal);
+        return tavro_tryCycle(theRun(), options, 0.0, time, nominal);
     }
     void cyclesTo(int last) {
         for (int time = 1; time <= last; ++time)
@@ -51,18 +52,18 @@ protected:
         init();
         cyclesTo(end);
         std::string rows;
-        for (auto const& entry : tracked_trajs)
+        for (auto const& entry : theRun().tracked_trajs)
             for (int i = 0; i < entry.second->rt->extra.size(); ++i)
                 rows += std::to_string(entry.second->rt->extra[i]) + " ";
-        clearMultiTrajs();
+        clearMultiTrajs(theRun());
         return rows;
     }
     static void expectNothingLeft() {
-        EXPECT_EQ(hybNT, nullptr);
-        EXPECT_TRUE(tracked_trajs.empty());
-        EXPECT_TRUE(ntrajs.empty());
-        EXPECT_TRUE(misbtrajs.empty());
-        EXPECT_TRUE(nrt.empty());
+        EXPECT_EQ(theRun().hybNT, nullptr);
+        EXPECT_TRUE(theRun().tracked_trajs.empty());
+        EXPECT_TRUE(theRun().ntrajs.empty());
+        EXPECT_TRUE(theRun().misbtrajs.empty());
+        EXPECT_TRUE(theRun().engine.nrt.empty());
     }
     // How many allocations the cycle of a step makes.
     long allocationsAt(int step) {

@@ -1,5 +1,6 @@
 // The first time that every candidate misbehaves: isolation of each, what is found for each set of
 // atoms, and which candidates the run goes on with; and the alarms after that.
+#include "fixtures/the_run.h"
 #include "diagnosis/fault_run.h"
 
 using namespace diagnosis_fixture;
@@ -21,26 +22,26 @@ class AtTheAlarm : public testing::Test {
 protected:
     AtTheAlarm() : run({"stuck_on", 0, 3}) {
         EXPECT_TRUE(run.toAlarm(40));
-        misbtrajs = std::move(tracked_trajs);
-        tracked_trajs.clear();
+        theRun().misbtrajs = std::move(theRun().tracked_trajs);
+        theRun().tracked_trajs.clear();
     }
     Streams handle() {
-        return streamsOf([&] { allUnknown = handleMisbTrajs(CYCLE_DETECT + 1, 3, run.time); });
+        return streamsOf([&] { allUnknown = handleMisbTrajs(theRun(), CYCLE_DETECT + 1, 3, run.time); });
     }
     // Diagnoses the first candidate for these sets of modes of the thermostat, "" for no atom.
     Streams diagnose(std::vector<std::vector<std::string>> const& sets) {
-        auto candidate = std::move(misbtrajs.begin()->second);
+        auto candidate = std::move(theRun().misbtrajs.begin()->second);
         candidate->rt->bridgeConflicts.emplace();
         for (auto const& set : sets) {
             auto& atoms = candidate->rt->bridgeConflicts->emplace_back();
             for (std::string const& mode : set)
                 atoms.push_back(modeAtom(mode));
         }
-        return streamsOf([&] { insertDiagnosis(std::move(candidate), found); });
+        return streamsOf([&] { insertDiagnosis(theRun(), std::move(candidate), found); });
     }
     static Atom* modeAtom(std::string const& mode) {
-        auto const found = DataManager::active_atoms.find(("thermostat.mode=" + mode).c_str());
-        return found == DataManager::active_atoms.end() ? nullptr : found->second;
+        auto const found = thePlant().active_atoms.find(("thermostat.mode=" + mode).c_str());
+        return found == thePlant().active_atoms.end() ? nullptr : found->second;
     }
 
     FaultRun run;
@@ -82,7 +83,7 @@ TEST_F(AtTheAlarm, AnAtomThatIsNoneIsLeftOut) {
 // ---- All of them ----
 
 TEST_F(AtTheAlarm, EachIsIsolatedAndItsSetsAreShown) {
-    std::size_t const misbehaving = misbtrajs.size();
+    std::size_t const misbehaving = theRun().misbtrajs.size();
     Streams const told = handle();
     EXPECT_EQ(countOf(told.err, "Diagnostic Results:\n"), misbehaving);
     EXPECT_EQ(countOf(told.err, "Diagnosis at continuous level in: "), misbehaving);
@@ -112,13 +113,13 @@ TEST_F(AtTheAlarm, IsolationAndSearchAreToldInTheirOrder) {
 }
 
 TEST_F(AtTheAlarm, TheMisbehavingOnesAreReplacedByTheirDiagnoses) {
-    ntrajs.emplace(1.0, std::make_unique<hybTrajectory>(misbtrajs.begin()->second.get(), 1));
-    tracked_trajs.emplace(1.0, std::make_unique<hybTrajectory>());
+    theRun().ntrajs.emplace(1.0, std::make_unique<hybTrajectory>(theRun().misbtrajs.begin()->second.get(), 1));
+    theRun().tracked_trajs.emplace(1.0, std::make_unique<hybTrajectory>());
     handle();
-    EXPECT_TRUE(ntrajs.empty());
-    EXPECT_TRUE(misbtrajs.empty());
+    EXPECT_TRUE(theRun().ntrajs.empty());
+    EXPECT_TRUE(theRun().misbtrajs.empty());
     EXPECT_GT(FaultRun::count("stuck_on"), 0);
-    for (auto const& entry : tracked_trajs) {
+    for (auto const& entry : theRun().tracked_trajs) {
         ASSERT_NE(entry.second->traj, nullptr);
         EXPECT_EQ(entry.second->traj->rank, 1.0);
         EXPECT_EQ(entry.first, 1.0);
@@ -127,25 +128,25 @@ TEST_F(AtTheAlarm, TheMisbehavingOnesAreReplacedByTheirDiagnoses) {
 
 // The histories carry the mark of an unknown mode on into their diagnoses.
 TEST_F(AtTheAlarm, AllAreUnknownOnlyWhenEachIs) {
-    for (auto const& entry : misbtrajs)
+    for (auto const& entry : theRun().misbtrajs)
         entry.second->traj->setUnknown();
-    misbtrajs.begin()->second->traj->unknown = false;
+    theRun().misbtrajs.begin()->second->traj->unknown = false;
     handle();
     EXPECT_FALSE(allUnknown);
 }
 
 TEST_F(AtTheAlarm, WithUnknownModesAloneTheAnswerIsSo) {
-    for (auto const& entry : misbtrajs)
+    for (auto const& entry : theRun().misbtrajs)
         entry.second->traj->setUnknown();
     handle();
     EXPECT_TRUE(allUnknown);
-    EXPECT_FALSE(tracked_trajs.empty());
+    EXPECT_FALSE(theRun().tracked_trajs.empty());
 }
 
 TEST_F(AtTheAlarm, CopiesHaveTheKeysAndNothingElseInCommon) {
-    HybMap const copies = copyHybTrajectories(misbtrajs);
-    ASSERT_EQ(copies.size(), misbtrajs.size());
-    auto source = misbtrajs.begin();
+    HybMap const copies = copyHybTrajectories(theRun().misbtrajs);
+    ASSERT_EQ(copies.size(), theRun().misbtrajs.size());
+    auto source = theRun().misbtrajs.begin();
     for (auto const& entry : copies) {
         EXPECT_EQ(entry.first, source->first);
         EXPECT_NE(entry.second->rt->num, source->second->rt->num);
@@ -159,42 +160,42 @@ TEST_F(AtTheAlarm, CopiesHaveTheKeysAndNothingElseInCommon) {
 
 TEST_F(AtTheAlarm, AtTheTimeOfTheDetectionNothingIsReplayedBlindly) {
     HybMap target;
-    HybMap copies = copyHybTrajectories(misbtrajs);
-    copies.begin()->second->traj->transByTime = {{5, DataManager::active_trans[2]}};
+    HybMap copies = copyHybTrajectories(theRun().misbtrajs);
+    copies.begin()->second->traj->transByTime = {{5, thePlant().active_trans[2]}};
     std::string const told =
-        complaint([&] { switchToBST(target, std::move(copies), 27.0, 27.0, 3); });
+        complaint([&] { switchToBST(theRun(), target, std::move(copies), 27.0, 27.0, 3); });
     EXPECT_EQ(told, "switching to blind state tracking\n");
     EXPECT_TRUE(target.empty());
 }
 
 // Two copies, of which one failed at a step after the start: that one joins what is tracked.
 TEST_F(AtTheAlarm, LaterTheCopiesAreReplayedIntoWhatIsTracked) {
-    HybMap target = copyHybTrajectories(misbtrajs);
+    HybMap target = copyHybTrajectories(theRun().misbtrajs);
     std::size_t const tracked = target.size();
     HybMap copies;
-    for (int const step : {0, misbtrajs.begin()->second->traj->getCurrentTime()}) {
+    for (int const step : {0, theRun().misbtrajs.begin()->second->traj->getCurrentTime()}) {
         auto copy = std::make_unique<hybTrajectory>(
-            misbtrajs.begin()->second.get(), misbtrajs.begin()->second->traj->getCurrentTime() + 1);
-        copy->traj->transByTime = {{step, DataManager::active_trans[2]}};
+            theRun().misbtrajs.begin()->second.get(), theRun().misbtrajs.begin()->second->traj->getCurrentTime() + 1);
+        copy->traj->transByTime = {{step, thePlant().active_trans[2]}};
         copy->traj->rank = 9.0;
         copies.emplace(0.0, std::move(copy));
     }
-    streamsOf([&] { switchToBST(target, std::move(copies), run.time, 20.0, 3); });
+    streamsOf([&] { switchToBST(theRun(), target, std::move(copies), run.time, 20.0, 3); });
     EXPECT_GT(target.size(), tracked);
     EXPECT_EQ(target.begin()->first, 9.0);
     EXPECT_EQ(target.begin()->second->traj->transByTime->begin()->first,
-              misbtrajs.begin()->second->traj->getCurrentTime());
+              theRun().misbtrajs.begin()->second->traj->getCurrentTime());
 }
 
 // ---- In a run ----
 
 TEST(Detection, IsOfTheTimeAndNotNominal) {
     FaultRun run({"stuck_on", 1, 3});
-    EXPECT_FALSE(diag_flag);
+    EXPECT_FALSE(theRun().diag_flag);
     ASSERT_TRUE(run.toAlarm(40));
     EXPECT_EQ(run.time, 27);
-    EXPECT_TRUE(diag_flag);
-    EXPECT_EQ(last_detection_time, 27.0);
+    EXPECT_TRUE(theRun().diag_flag);
+    EXPECT_EQ(theRun().last_detection_time, 27.0);
     EXPECT_FALSE(run.tells("all trajs misbehave !\n"));
     expectValid();
 }
@@ -202,7 +203,7 @@ TEST(Detection, IsOfTheTimeAndNotNominal) {
 TEST(Detection, ComesAgainInTheNextRun) {
     for (int i = 0; i < 2; ++i) {
         FaultRun run({"stuck_on", 1, 3});
-        EXPECT_FALSE(diag_flag);
+        EXPECT_FALSE(theRun().diag_flag);
         ASSERT_TRUE(run.toAlarm(40));
         EXPECT_TRUE(run.tells("Diagnosis completed\n"));
     }
@@ -213,18 +214,18 @@ TEST(Detection, ComesOnceInARun) {
     FaultRun run({"sensor_bias", 1, 1});
     ASSERT_TRUE(run.toAlarm(60));
     EXPECT_TRUE(run.tells("Diagnosis completed\n"));
-    double const first = last_detection_time;
+    double const first = theRun().last_detection_time;
     ASSERT_TRUE(run.toAlarm(80));
     EXPECT_TRUE(run.tells("all trajs misbehave !\n"));
     EXPECT_FALSE(run.tells("Diagnosis"));
-    EXPECT_EQ(last_detection_time, first);
+    EXPECT_EQ(theRun().last_detection_time, first);
     expectValid();
 }
 
 // Some pair of candidates has the same last state and an overlapping rate.
 bool someCouldBeMerged() {
-    for (auto a = tracked_trajs.begin(); a != tracked_trajs.end(); ++a)
-        for (auto b = std::next(a); b != tracked_trajs.end(); ++b) {
+    for (auto a = theRun().tracked_trajs.begin(); a != theRun().tracked_trajs.end(); ++a)
+        for (auto b = std::next(a); b != theRun().tracked_trajs.end(); ++b) {
             s_Objet common = valueOf(a->second->rt.get(), "room.xd");
             if (DataManager::compareTrajsStates(a->second->traj->getLastState(),
                                                 b->second->traj->getLastState()) &&
@@ -251,9 +252,9 @@ TEST(Detection, MergesWhatItFoundUnlessToldNotTo) {
 TEST(Detection, UnknownModesThatTheSearchEnteredAreAccepted) {
     FaultRun run({"stuck_on", 1, 3, RUN_NOMERGE});
     ASSERT_TRUE(run.toAlarm(40));
-    EXPECT_EQ(FaultRun::count("unknown"), static_cast<int>(tracked_trajs.size()));
+    EXPECT_EQ(FaultRun::count("unknown"), static_cast<int>(theRun().tracked_trajs.size()));
     EXPECT_FALSE(run.tells("switching to blind state tracking\n"));
-    EXPECT_TRUE(diag_flag);
+    EXPECT_TRUE(theRun().diag_flag);
 }
 
 // With marked histories alone nothing is accepted: the run tracks what was found.
@@ -261,17 +262,17 @@ TEST(Detection, WithUnknownModesAloneIsBlind) {
     FaultRun run({"stuck_on", 1, 3});
     while (run.time < 26)
         run.step();
-    for (auto const& entry : tracked_trajs)
+    for (auto const& entry : theRun().tracked_trajs)
         entry.second->traj->setUnknown();
     EXPECT_FALSE(run.step());
     EXPECT_TRUE(run.tells("Diagnosis completed\n"));
     EXPECT_TRUE(run.tells("switching to blind state tracking\n"));
     EXPECT_FALSE(run.tells("all trajs misbehave !\n"));
-    EXPECT_FALSE(diag_flag);
-    EXPECT_EQ(last_detection_time, 27.0);
+    EXPECT_FALSE(theRun().diag_flag);
+    EXPECT_EQ(theRun().last_detection_time, 27.0);
     expectValid();
     EXPECT_TRUE(run.step());
-    EXPECT_FALSE(diag_flag);
+    EXPECT_FALSE(theRun().diag_flag);
     expectValid();
 }
 

@@ -2,6 +2,7 @@
 // and the files that were open are whole.
 #include <unistd.h>
 
+#include "fixtures/the_run.h"
 #include "console/run.h"
 #include "continuous/model_parts.h"
 #include "diagnosis/fault_run.h"
@@ -34,15 +35,15 @@ protected:
         rt.Ts = 1.0;
         rt.name = "plant";
         sizeArrays(rt);
-        tavro_rt = &rt;
+        theRun().tavro_rt = &rt;
         measIn = std::fopen(measures.path.c_str(), "r");
-        streamsOf([] { tavro_initialize(1, 0.01, "", 0); });
+        streamsOf([] { tavro_initialize(theRun(), 1, 0.01, "", 0); });
     }
     ~Gauge() {
         std::fclose(measIn);
         measIn = nullptr;
-        clearMultiTrajs();
-        tavro_rt = nullptr;
+        clearMultiTrajs(theRun());
+        theRun().tavro_rt = nullptr;
         std::filesystem::remove_all(directory);
     }
     s_Condition* holding(Atom* atom) {

@@ -1,4 +1,5 @@
 // Replaying a diagnosed candidate: from its fault on, on the measures that its own histories keep.
+#include "fixtures/the_run.h"
 #include "continuous/bridge.h"
 #include "continuous/model_parts.h"
 #include "diagnosis/fault_run.h"
@@ -23,7 +24,7 @@ protected:
         for (int i = 0; i < rt()->extra.size(); ++i)
             rt()->extra.set(i, untouched);
     }
-    static hybTrajectory* candidate() { return tracked_trajs.begin()->second.get(); }
+    static hybTrajectory* candidate() { return theRun().tracked_trajs.begin()->second.get(); }
     static s_runtime* rt() { return candidate()->rt.get(); }
     static Trajectory* traj() { return candidate()->traj.get(); }
 
@@ -31,7 +32,7 @@ protected:
     static void failedAt(std::vector<int> const& steps) {
         traj()->transByTime.emplace();
         for (int const step : steps)
-            traj()->transByTime->insert({step, DataManager::active_trans[3]});
+            traj()->transByTime->insert({step, thePlant().active_trans[3]});
     }
     // The steps of the history come at these times.
     static void happenedAt(std::vector<double> const& times) {
@@ -40,7 +41,7 @@ protected:
             traj()->timeCorr.emplace_back(static_cast<int>(step), times[step]);
     }
     Streams verify() {
-        return streamsOf([&] { allUnknown = verifyAndUpdateTrajs(now, threshold); });
+        return streamsOf([&] { allUnknown = verifyAndUpdateTrajs(theRun(), now, threshold); });
     }
     // The times whose display row was written.
     static std::vector<int> rewritten() {
@@ -106,9 +107,9 @@ TEST_F(Warming, ACandidateWithoutAFaultStaysAsItIsUnderItsRank) {
     s_runtime const* same = rt();
     traj()->rank = 4.0;
     verify();
-    ASSERT_EQ(tracked_trajs.size(), 1u);
+    ASSERT_EQ(theRun().tracked_trajs.size(), 1u);
     EXPECT_EQ(rt(), same);
-    EXPECT_EQ(tracked_trajs.begin()->first, 4.0);
+    EXPECT_EQ(theRun().tracked_trajs.begin()->first, 4.0);
     EXPECT_EQ(rewritten(), std::vector<int>{});
 }
 
@@ -158,12 +159,12 @@ TEST_F(Warming, AReplayStepsByOneWhateverThePeriod) {
 // The last step reads the present value; room.m is a parameter of 10.
 TEST_F(Warming, TheInputsAreReadBackAsWell) {
     rt()->input = {variable(rt(), "room.m")};
-    inps.assign(1, -5.0);
+    theRun().engine.inps.assign(1, -5.0);
     failedAt({2});
     happenedAt({0.0, 0.0, 3.0});
     verify();
-    EXPECT_EQ(inps[0], 10.0);
-    inps.clear();
+    EXPECT_EQ(theRun().engine.inps[0], 10.0);
+    theRun().engine.inps.clear();
 }
 
 // Time 0 has no row, and the bounds of the start stand in the file already.
@@ -177,7 +178,7 @@ TEST_F(Warming, AFaultWithoutATimeIsReplayedByNoStep) {
     failedAt({2});
     happenedAt({0.0, 0.0});
     verify();
-    ASSERT_EQ(tracked_trajs.size(), 1u);
+    ASSERT_EQ(theRun().tracked_trajs.size(), 1u);
     EXPECT_EQ(rewritten(), std::vector<int>{});
     EXPECT_EQ(sn_infOf(variable(rt(), "room.xd")->mes), rates[now]);
 }
@@ -218,9 +219,9 @@ TEST_F(Warming, NoDiscreteStepIsTaken) {
 TEST_F(Warming, TheReplayedCandidateIsACopyUnderItsRank) {
     failedAt({2});
     traj()->rank = 1.0;
-    int const identities = rt_num;
+    int const identities = theRun().engine.rt_num;
     verify();
-    EXPECT_EQ(tracked_trajs.begin()->first, 1.0);
+    EXPECT_EQ(theRun().tracked_trajs.begin()->first, 1.0);
     EXPECT_GE(rt()->num, identities);
     EXPECT_TRUE(traj()->transByTime.has_value());
 }
@@ -242,22 +243,22 @@ TEST_F(Warming, NothingStaysOnTheBridgeAndNoAlarm) {
 TEST_F(Warming, OneKnownCandidateIsEnoughForNotAllUnknown) {
     auto other = std::make_unique<hybTrajectory>(candidate(), traj()->getCurrentTime() + 1);
     other->traj->setUnknown();
-    tracked_trajs.emplace(0.0, std::move(other));
+    theRun().tracked_trajs.emplace(0.0, std::move(other));
     verify();
     EXPECT_FALSE(allUnknown);
-    ASSERT_EQ(tracked_trajs.size(), 2u);
-    for (auto const& entry : tracked_trajs)
+    ASSERT_EQ(theRun().tracked_trajs.size(), 2u);
+    for (auto const& entry : theRun().tracked_trajs)
         entry.second->traj->setUnknown();
     verify();
     EXPECT_TRUE(allUnknown);
-    EXPECT_EQ(tracked_trajs.size(), 2u);
+    EXPECT_EQ(theRun().tracked_trajs.size(), 2u);
 }
 
 // ---- One step of a replay ----
 
 class ReplayStep : public Warming {
 protected:
-    ReplayStep() { candidates = std::move(tracked_trajs); }
+    ReplayStep() { candidates = std::move(theRun().tracked_trajs); }
     static constexpr double nextRate = 0.73;
 
     hybTrajectory& first() { return *candidates.begin()->second; }
@@ -268,8 +269,8 @@ protected:
         return added;
     }
     Streams step() {
-        meas[0] = nextRate;
-        return streamsOf([&] { EXPECT_EQ(tavro_checkCycle(candidates, now + 1, threshold), 1); });
+        theRun().engine.meas[0] = nextRate;
+        return streamsOf([&] { EXPECT_EQ(tavro_checkCycle(theRun(), candidates, now + 1, threshold), 1); });
     }
 
     HybMap candidates;
@@ -330,7 +331,7 @@ TEST_F(ReplayStep, FollowsEveryPieceOfASplit) {
         EXPECT_EQ(entry.second->traj->getCurrentTime(), 2);
         EXPECT_TRUE(entry.second->rt->bridgeEvents.empty());
     }
-    EXPECT_TRUE(nrt.empty());
+    EXPECT_TRUE(theRun().engine.nrt.empty());
 }
 
 // Without a known mode of the room no influence acts.
@@ -344,8 +345,8 @@ TEST_F(ReplayStep, TellsAModelInWhichNothingHolds) {
 TEST_F(ReplayStep, EndsWithTheRowOfEachCandidateAndAnEmptyBridge) {
     s_runtime* rt = first().rt.get();
     rt->dinfval = {1.5, 2.5};
-    rt->bridgeTrans = {DataManager::active_trans[3]};
-    addBridgeCond(DataManager::getAtom("thermostat.mode=off"), true, rt);
+    rt->bridgeTrans = {thePlant().active_trans[3]};
+    addBridgeCond(theRun().scheduler.getAtom("thermostat.mode=off"), true, rt);
     tavroDiagDiscreteCycle(9.0, candidates);
     EXPECT_EQ(rt->extra[4 * 8], 1.5);
     EXPECT_EQ(rt->extra[4 * 8 + 2], 2.5);

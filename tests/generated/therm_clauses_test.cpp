@@ -3,6 +3,7 @@
 // A bag is walked so that of literals of one sign the one entered last comes first.
 #include <algorithm>
 
+#include "fixtures/the_run.h"
 #include "generated/therm_fixture.h"
 #include "model/exclusiveChoice.h"
 
@@ -16,7 +17,7 @@ class ClausesTest : public testing::Test, protected BuiltModel {
 protected:
     // The literals of a registered clause; true is a negation there.
     static Texts clause(std::size_t index) {
-        return literals(DataManager::cls.at(index)->atoms, true);
+        return literals(thePlant().cls.at(index)->atoms, true);
     }
     static Texts notBoth(std::string const& variable, std::string const& a, std::string const& b) {
         return {"!" + variable + "=" + a, "!" + variable + "=" + b};
@@ -25,8 +26,8 @@ protected:
 
 TEST_F(ClausesTest, ThereAreTwentyThreeAndAllAreInternal) {
     // 10 pairs and 1 choice for five modes; 3 pairs and 1 choice for each of three variables.
-    ASSERT_EQ(DataManager::cls.size(), 23u);
-    for (auto const& clause : DataManager::cls)
+    ASSERT_EQ(thePlant().cls.size(), 23u);
+    for (auto const& clause : thePlant().cls)
         EXPECT_TRUE(clause->getInternal());
 }
 
@@ -66,7 +67,7 @@ TEST_F(ClausesTest, EachBelongsToItsVariableItsComponentAndItsAtoms) {
     for (StateVar* variable : {static_cast<StateVar*>(T1->mode), static_cast<StateVar*>(R1->cmdin),
                                static_cast<StateVar*>(R1->c1), static_cast<StateVar*>(R1->mode)})
         for (Clause* clause : variable->clauses) {
-            EXPECT_EQ(clause, DataManager::cls.at(next++).get());
+            EXPECT_EQ(clause, thePlant().cls.at(next++).get());
             EXPECT_EQ(clause->comp, variable->getComp());
             for (auto const& literal : clause->atoms) {
                 auto const& known = literal.second->clauses;
@@ -82,7 +83,7 @@ TEST_F(ClausesTest, EachBelongsToItsVariableItsComponentAndItsAtoms) {
 
 class ExclusiveChoiceTest : public testing::Test {
 protected:
-    ~ExclusiveChoiceTest() override { DataManager::cls.clear(); }
+    ~ExclusiveChoiceTest() override { thePlant().cls.clear(); }
     ModeVar* variable(std::vector<std::string> const& values) {
         auto* made = comp.addStateVar(std::make_unique<ModeVar>(
             "c.v", std::set<std::string>(values.begin(), values.end()), values.front(), &comp));
@@ -96,16 +97,16 @@ protected:
 
 TEST_F(ExclusiveChoiceTest, TwoValuesMakeOnePairAndOneChoice) {
     ModeVar* v = variable({"a", "b"});
-    addExclusiveChoice(v);
+    addExclusiveChoice(thePlant(), v);
     ASSERT_EQ(v->clauses.size(), 2u);
     EXPECT_EQ(literals(v->clauses[0]->atoms, true), (Texts{"!c.v=a", "!c.v=b"}));
     EXPECT_EQ(literals(v->clauses[1]->atoms, true), (Texts{"c.v=a", "c.v=b"}));
-    EXPECT_EQ(DataManager::cls.size(), 2u);
+    EXPECT_EQ(thePlant().cls.size(), 2u);
 }
 
 TEST_F(ExclusiveChoiceTest, ASingleValueMustHold) {
     ModeVar* v = variable({"a"});
-    addExclusiveChoice(v);
+    addExclusiveChoice(thePlant(), v);
     ASSERT_EQ(v->clauses.size(), 1u);
     EXPECT_EQ(literals(v->clauses[0]->atoms, true), (Texts{"c.v=a"}));
     EXPECT_TRUE(v->clauses[0]->getInternal());
@@ -115,7 +116,7 @@ TEST_F(ExclusiveChoiceTest, ASingleValueMustHold) {
 // Any assignment of truth to the values satisfies the clauses exactly when one value is true.
 TEST_F(ExclusiveChoiceTest, ExactlyOneValueHolds) {
     ModeVar* v = variable({"a", "b", "c", "d"});
-    addExclusiveChoice(v);
+    addExclusiveChoice(thePlant(), v);
     for (unsigned assignment = 0; assignment < 16; ++assignment) {
         bool satisfied = true;
         for (Clause const* clause : v->clauses) {

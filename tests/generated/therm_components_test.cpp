@@ -2,6 +2,7 @@
 #include <algorithm>
 #include <map>
 
+#include "fixtures/the_run.h"
 #include "generated/therm_fixture.h"
 
 using therm_fixture::BuiltModel;
@@ -15,7 +16,7 @@ class ComponentsTest : public testing::Test, protected BuiltModel {};
 // ---- Components ----
 
 TEST_F(ComponentsTest, TheRoomAndTheThermostatAreRegistered) {
-    ASSERT_EQ(DataManager::active_comps.size(), 2u);
+    ASSERT_EQ(thePlant().active_comps.size(), 2u);
     ASSERT_NE(R1, nullptr);
     ASSERT_NE(T1, nullptr);
     EXPECT_STREQ(R1->getName(), "room");
@@ -25,7 +26,7 @@ TEST_F(ComponentsTest, TheRoomAndTheThermostatAreRegistered) {
     EXPECT_EQ(T1->className, "therm");
     EXPECT_EQ(T1->symbol, "T1");
     EXPECT_EQ(model_name, "therm");
-    EXPECT_EQ(DataManager::model_name, "therm");
+    EXPECT_EQ(thePlant().name, "therm");
 }
 
 TEST_F(ComponentsTest, OnlyTheThermostatKnowsItsPeer) {
@@ -209,7 +210,7 @@ TEST_F(ComponentsTest, TheConditionOfAnAtomNamesIt) {
 
 TEST(ThermStart, TheInitialStateHoldsTheDefaults) {
     StartedModel const model;
-    State const state(&DataManager::active_atoms);
+    State const state(&thePlant().active_atoms);
     Texts holding;
     for (auto const& entry : state.elts)
         if (entry.second->evalTrajEl())
@@ -230,9 +231,9 @@ TEST(ThermStart, TheDefaultOfTheConditionVariableIsNotItsFirstAtom) {
 
 TEST(ThermStart, AllAtomsAreActive) {
     StartedModel const model;
-    EXPECT_EQ(DataManager::active_atoms.size(), 14u);
-    EXPECT_EQ(DataManager::active_atoms.find("room.mode=open")->second, model.R1->mode_open);
-    EXPECT_EQ(DataManager::active_atoms.find("room.mode=open")->first,
+    EXPECT_EQ(thePlant().active_atoms.size(), 14u);
+    EXPECT_EQ(thePlant().active_atoms.find("room.mode=open")->second, model.R1->mode_open);
+    EXPECT_EQ(thePlant().active_atoms.find("room.mode=open")->first,
               model.R1->mode_open->getId());
 }
 

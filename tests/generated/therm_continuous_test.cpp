@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cfloat>
 
+#include "fixtures/the_run.h"
 #include "generated/therm_fixture.h"
 
 using therm_fixture::BuiltModel;
@@ -275,7 +276,7 @@ TEST_F(ContinuousTest, NumbersOfTheRuntime) {
     EXPECT_EQ(rt->inval, nullptr);
     EXPECT_EQ(rt->mesval, nullptr);
     EXPECT_EQ(rt->diagBuf, "");
-    EXPECT_EQ(Trajectory::twd, 5);
+    EXPECT_EQ(theRun().scheduler.book.twd, 5);
 }
 
 TEST_F(ContinuousTest, ArraysOfTheRuntimeHaveTheirLengthsAndAreZero) {

@@ -1,4 +1,5 @@
 // Building and reading of the reference model.
+#include "fixtures/the_run.h"
 #include "generated/therm_fixture.h"
 
 namespace therm_fixture {
@@ -7,8 +8,8 @@ namespace {
 
 template <typename Component>
 Component* find(char const* name) {
-    auto const found = DataManager::active_comps.find(name);
-    return found == DataManager::active_comps.end() ? nullptr
+    auto const found = thePlant().active_comps.find(name);
+    return found == thePlant().active_comps.end() ? nullptr
                                                     : static_cast<Component*>(found->second);
 }
 
@@ -26,7 +27,7 @@ BuiltModel::BuiltModel() : scheduler(std::make_unique<Scheduler>(model_name)) {
     startinit(scheduler.get());
     R1 = findRoom();
     T1 = findTherm();
-    rt = tavro_rt;
+    rt = theRun().tavro_rt;
 }
 
 BuiltModel::~BuiltModel() {

@@ -1,5 +1,6 @@
 // The sixteen transitions of the reference model: as they are built, how they are woven into the
 // atoms, and what start-up derives from them.
+#include "fixtures/the_run.h"
 #include "generated/therm_fixture.h"
 
 using therm_fixture::BuiltModel;
@@ -194,12 +195,12 @@ class StartedTransitionsTest : public testing::Test, protected StartedModel {};
 
 // In the table of components the thermostat has place 98, the room place 126.
 TEST_F(StartedTransitionsTest, AreNumberedThroughTheThermostatFirst) {
-    ASSERT_EQ(DataManager::active_trans.size(), 16u);
+    ASSERT_EQ(thePlant().active_trans.size(), 16u);
     int id = 0;
     for (Comp const* comp : {static_cast<Comp*>(T1), static_cast<Comp*>(R1)})
         for (auto const& transition : comp->getCompTransitions()) {
             EXPECT_EQ(transition->id, id);
-            EXPECT_EQ(DataManager::active_trans[id], transition.get());
+            EXPECT_EQ(thePlant().active_trans[id], transition.get());
             ++id;
         }
 }
@@ -246,8 +247,8 @@ TEST_F(StartedTransitionsTest, OnlyNominalMovesStayUnconditional) {
 
 TEST_F(StartedTransitionsTest, ShowTheirGuardsWithBothLiterals) {
     testing::internal::CaptureStdout();
-    T1->getCompTransitions()[7]->showTransition();
-    R1->getCompTransitions()[3]->showTransition();
+    T1->getCompTransitions()[7]->showTransition(std::cout);
+    R1->getCompTransitions()[3]->showTransition(std::cout);
     EXPECT_EQ(testing::internal::GetCapturedStdout(),
               "Nominal (0.999) (idle) : (thermostat.mode=off and !room.c1=c10 and ) =>O  and "
               "(thermostat.mode=off  ) -- 7\n"

@@ -1,4 +1,5 @@
 // The bridge: events going up, truth and transitions coming down.
+#include "fixtures/the_run.h"
 #include "continuous/bridge.h"
 
 #include "continuous/model_parts.h"
@@ -97,36 +98,36 @@ TEST_F(Bridge, AConditionWithoutAnAtomTellsNoOne) {
 
 TEST_F(Bridge, AnAtomWithTransitionsActsAsACommandWhenTrue) {
     rt().bridgeEvents.insert({true, high});
-    bridgeIncEvents(&rt());
-    EXPECT_EQ(sMM->contCommands, Atoms{high});
-    EXPECT_TRUE(sMM->contEvents.empty());
+    bridgeIncEvents(theRun().scheduler, &rt());
+    EXPECT_EQ(theRun().sMM->contCommands, Atoms{high});
+    EXPECT_TRUE(theRun().sMM->contEvents.empty());
     // The events stay until the end of the step.
     EXPECT_EQ(rt().bridgeEvents.size(), 1u);
 }
 
 TEST_F(Bridge, AFalseEventOnSuchAnAtomIsDropped) {
     rt().bridgeEvents.insert({false, high});
-    bridgeIncEvents(&rt());
-    EXPECT_TRUE(sMM->contCommands.empty());
-    EXPECT_TRUE(sMM->contEvents.empty());
+    bridgeIncEvents(theRun().scheduler, &rt());
+    EXPECT_TRUE(theRun().sMM->contCommands.empty());
+    EXPECT_TRUE(theRun().sMM->contEvents.empty());
 }
 
 TEST_F(Bridge, AnAtomWithoutTransitionsIsToBeFixedUnderItsSign) {
     rt().bridgeEvents.insert({false, low});
-    bridgeIncEvents(&rt());
-    ASSERT_EQ(sMM->contEvents.size(), 1u);
-    EXPECT_EQ(*sMM->contEvents.begin(), (std::pair<bool const, Atom*>(false, low)));
+    bridgeIncEvents(theRun().scheduler, &rt());
+    ASSERT_EQ(theRun().sMM->contEvents.size(), 1u);
+    EXPECT_EQ(*theRun().sMM->contEvents.begin(), (std::pair<bool const, Atom*>(false, low)));
     rt().bridgeEvents.clear();
     rt().bridgeEvents.insert({true, open});
-    bridgeIncEvents(&rt());
-    EXPECT_EQ(sMM->contEvents.size(), 2u);
-    EXPECT_TRUE(sMM->contCommands.empty());
+    bridgeIncEvents(theRun().scheduler, &rt());
+    EXPECT_EQ(theRun().sMM->contEvents.size(), 2u);
+    EXPECT_TRUE(theRun().sMM->contCommands.empty());
 }
 
 // ---- Down ----
 
 TEST_F(Bridge, TransitionsAreKeptInTheOrderInWhichTheyFired) {
-    Transition* first = DataManager::active_trans[0];
+    Transition* first = thePlant().active_trans[0];
     addBridgeTrans(first, &rt());
     addBridgeTrans(nullptr, &rt());
     addBridgeTrans(first, &rt());
@@ -212,7 +213,7 @@ TEST_F(Bridge, FirstTruthComesFromTheMarkedAtoms) {
     low->bridged = shut->bridged = open->bridged = true;  // not high
     cond(0)->val = 1;
     cond(2)->val = 1;
-    bridgeActiveAtoms(&rt());
+    bridgeActiveAtoms(thePlant(), &rt());
     EXPECT_EQ(val(1), 1);  // low is the default
     EXPECT_EQ(val(2), 0);  // the gate is shut
     EXPECT_EQ(val(0), 1);  // left alone

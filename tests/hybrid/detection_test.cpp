@@ -1,6 +1,7 @@
 // The first cycles of simulation and of detection, worked out by hand for the reference room:
 //   xd(k) = 0.05 (20 - x(k-1)) + [0, 0.3]         the heater is on from time 0
 //   x(k)  = x(k-1) + rate(k-1) [0.95, 1.05]       the rate measured, or predicted when simulating
+#include "fixtures/the_run.h"
 #include "hybrid/hybrid_fixture.h"
 
 using namespace hybrid_fixture;
@@ -8,7 +9,7 @@ using namespace hybrid_fixture;
 namespace {
 
 s_runtime* nominalRuntime() {
-    return hybNT->rt.get();
+    return theRun().hybNT->rt.get();
 }
 
 std::vector<double> const steadyMeasures = {0.95, 0.9, 0.85, 0.8, 0.75};
@@ -77,18 +78,18 @@ TEST(Detection, TheDisplayRowsAreThoseOfTheCycles) {
 
 TEST(Detection, ACandidateIsRebuiltInEveryCycle) {
     RoomRun run(0.95);
-    hybTrajectory const* before = hybNT;
+    hybTrajectory const* before = theRun().hybNT;
     s_runtime const* runtime = nominalRuntime();
     run.cycle(detection(1), 1.0, 0.9);
-    ASSERT_EQ(tracked_trajs.size(), 1u);
-    EXPECT_EQ(hybNT, tracked_trajs.begin()->second.get());
-    EXPECT_NE(hybNT, before);
+    ASSERT_EQ(theRun().tracked_trajs.size(), 1u);
+    EXPECT_EQ(theRun().hybNT, theRun().tracked_trajs.begin()->second.get());
+    EXPECT_NE(theRun().hybNT, before);
     EXPECT_EQ(nominalRuntime(), runtime);  // with its own runtime
-    EXPECT_EQ(rt_num, 1);
-    EXPECT_EQ(tracked_trajs.begin()->first, 0.0);  // minus the identity 0
-    EXPECT_TRUE(nrt.empty());
-    EXPECT_TRUE(ntrajs.empty());
-    EXPECT_TRUE(misbtrajs.empty());
+    EXPECT_EQ(theRun().engine.rt_num, 1);
+    EXPECT_EQ(theRun().tracked_trajs.begin()->first, 0.0);  // minus the identity 0
+    EXPECT_TRUE(theRun().engine.nrt.empty());
+    EXPECT_TRUE(theRun().ntrajs.empty());
+    EXPECT_TRUE(theRun().misbtrajs.empty());
 }
 
 // 0.7 lies below [0.8, 1.1] of cycle 1 and below [0.75, ...] of cycle 2.
@@ -100,7 +101,7 @@ TEST(Detection, AMisbehaviourIsToldWhenItReachesTheThreshold) {
             bool const misbehaves = k >= threshold;
             EXPECT_EQ(told, misbehaves ? "all trajs misbehave !\n" : "") << threshold << " " << k;
             EXPECT_EQ(run.nominal, !misbehaves);
-            ASSERT_EQ(tracked_trajs.size(), 1u);  // it goes on being tracked
+            ASSERT_EQ(theRun().tracked_trajs.size(), 1u);  // it goes on being tracked
         }
         EXPECT_EQ(isMisb(nominalRuntime()), true);
         EXPECT_EQ(nominalRuntime()->meslowmisb[0], 1);
@@ -123,10 +124,10 @@ TEST(Detection, AnAlarmOpensTheLoop) {
 
 TEST(Detection, MisbehavingCandidatesHaveTheirRankAsKey) {
     RoomRun run(0.95);
-    hybNT->traj->rank = 2.0;
+    theRun().hybNT->traj->rank = 2.0;
     run.cycle(detection(1), 1.0, 0.1);
-    ASSERT_EQ(tracked_trajs.size(), 1u);
-    EXPECT_EQ(tracked_trajs.begin()->first, 2.0);
+    ASSERT_EQ(theRun().tracked_trajs.size(), 1u);
+    EXPECT_EQ(theRun().tracked_trajs.begin()->first, 2.0);
 }
 
 TEST(Detection, AnInvalidModelIsToldAndGoesOn) {
@@ -136,14 +137,14 @@ TEST(Detection, AnInvalidModelIsToldAndGoesOn) {
         if (condition->kind == COND_ATOM)
             condition->val = 0;
     EXPECT_EQ(run.cycle(detection(5), 1.0, 0.9).err, "Invalid model !\n");
-    EXPECT_EQ(tracked_trajs.size(), 1u);
+    EXPECT_EQ(theRun().tracked_trajs.size(), 1u);
 }
 
 TEST(Detection, WithoutACandidateThereIsNothingToDo) {
     RoomRun run(0.95);
-    clearMultiTrajs();
+    clearMultiTrajs(theRun());
     EXPECT_EQ(run.cycle(detection(1), 1.0, 0.9).err, "all trajs misbehave !\n");
-    EXPECT_EQ(hybNT, nullptr);
+    EXPECT_EQ(theRun().hybNT, nullptr);
     EXPECT_FALSE(run.nominal);
 }
 
@@ -190,11 +191,11 @@ TEST(Reset, WithoutAPeriodACountdownOfZeroResetsNothing) {
 
 TEST(Reset, OfSeveralCandidatesTheFirstAloneIsReset) {
     RoomRun run(0.95);
-    tracked_trajs.emplace(0.5, std::make_unique<hybTrajectory>(hybNT, 3));
+    theRun().tracked_trajs.emplace(0.5, std::make_unique<hybTrajectory>(theRun().hybNT, 3));
     run.cycle(resetting(1.0), 1.0, 0.6, 0.0);
-    ASSERT_EQ(tracked_trajs.size(), 2u);
+    ASSERT_EQ(theRun().tracked_trajs.size(), 2u);
     std::vector<int> kinds;
-    for (auto const& entry : tracked_trajs)
+    for (auto const& entry : theRun().tracked_trajs)
         kinds.push_back(valueOf(entry.second->rt.get(), "room.xd").type);
     EXPECT_EQ(kinds, (std::vector<int>{OBJ_REAL, OBJ_RANGE}));
 }

@@ -1,4 +1,5 @@
 // The discrete step of all candidates: who is stepped, who is checked, and where each one goes.
+#include "fixtures/the_run.h"
 #include "hybrid/hybrid_fixture.h"
 
 using namespace hybrid_fixture;
@@ -11,7 +12,7 @@ class Walk : public testing::Test {
 protected:
     Walk() : run(0.95) {
         run.cycle(detection(1), 1.0, 0.9);
-        first = hybNT;
+        first = theRun().hybNT;
         set(*first, 0.5);
     }
 
@@ -25,7 +26,7 @@ protected:
         auto copy = std::make_unique<hybTrajectory>(first, first->traj->getCurrentTime() + 1);
         set(*copy, measure);
         hybTrajectory* added = copy.get();
-        tracked_trajs.emplace(key, std::move(copy));
+        theRun().tracked_trajs.emplace(key, std::move(copy));
         return added;
     }
     // The candidate's temperature is above 17, has been so for long, and raises the event.
@@ -39,22 +40,22 @@ protected:
     }
     // Puts the first candidate under another key.
     static void rekey(double key) {
-        auto node = tracked_trajs.extract(tracked_trajs.begin());
+        auto node = theRun().tracked_trajs.extract(theRun().tracked_trajs.begin());
         node.key() = key;
-        tracked_trajs.insert(std::move(node));
+        theRun().tracked_trajs.insert(std::move(node));
     }
     std::string step(RunOptions const& options, double time = 2.0) {
-        return complaint([&] { tavroDiscreteCycle(options, time, nominal); });
+        return complaint([&] { tavroDiscreteCycle(theRun(), options, time, nominal); });
     }
     static std::vector<int> identities() {
         std::vector<int> found;
-        for (auto const& entry : tracked_trajs)
+        for (auto const& entry : theRun().tracked_trajs)
             found.push_back(entry.second->rt->num);
         return found;
     }
     static std::vector<double> keys() {
         std::vector<double> found;
-        for (auto const& entry : tracked_trajs)
+        for (auto const& entry : theRun().tracked_trajs)
             found.push_back(entry.first);
         return found;
     }
@@ -75,19 +76,19 @@ TEST_F(Walk, NominalCandidatesStandOldestRuntimeFirst) {
     EXPECT_TRUE(nominal);
     EXPECT_EQ(identities(), (Identities{0, 1, 2}));
     EXPECT_EQ(keys(), (Keys{0.0, -1.0, -2.0}));
-    EXPECT_TRUE(ntrajs.empty());
-    EXPECT_TRUE(misbtrajs.empty());
+    EXPECT_TRUE(theRun().ntrajs.empty());
+    EXPECT_TRUE(theRun().misbtrajs.empty());
 }
 
 TEST_F(Walk, MisbehavingCandidatesGoWhenOneIsNominal) {
     set(*first, 5.0);
     add(1.0, 0.5);
     add(1.0, -5.0);
-    unsigned const destroyed = Trajectory::traj_del;
+    unsigned const destroyed = theRun().scheduler.book.traj_del;
     EXPECT_EQ(step(detection(1)), "");
     EXPECT_TRUE(nominal);
     EXPECT_EQ(identities(), Identities{1});
-    EXPECT_EQ(Trajectory::traj_del, destroyed + 2);
+    EXPECT_EQ(theRun().scheduler.book.traj_del, destroyed + 2);
 }
 
 TEST_F(Walk, WhenAllMisbehaveTheyAreTrackedByRank) {
@@ -99,13 +100,13 @@ TEST_F(Walk, WhenAllMisbehaveTheyAreTrackedByRank) {
     EXPECT_FALSE(nominal);
     EXPECT_EQ(keys(), (Keys{3.0, 1.0, 1.0}));
     EXPECT_EQ(identities(), (Identities{1, 0, 2}));  // equal ranks in the order of the walk
-    EXPECT_TRUE(misbtrajs.empty());
+    EXPECT_TRUE(theRun().misbtrajs.empty());
 }
 
 TEST_F(Walk, EqualCandidatesAreMergedUnlessToldOtherwise) {
     add(1.0, 0.5);
     step(detection(1, RUN_NOMERGE));
-    EXPECT_EQ(tracked_trajs.size(), 2u);
+    EXPECT_EQ(theRun().tracked_trajs.size(), 2u);
     step(detection(1, RUN_DETECT));
     EXPECT_EQ(identities(), Identities{0});
 }
@@ -114,7 +115,7 @@ TEST_F(Walk, CandidatesOfOtherModesAreNotMerged) {
     hybTrajectory const* other = add(1.0, 0.5);
     other->traj->getLastState()->getElt("thermostat.mode=on")->setLabel("unknown");
     step(detection(1));
-    EXPECT_EQ(tracked_trajs.size(), 2u);
+    EXPECT_EQ(theRun().tracked_trajs.size(), 2u);
 }
 
 TEST_F(Walk, TheThresholdIsThatOfTheRun) {
@@ -128,10 +129,10 @@ TEST_F(Walk, MisbehavingCandidatesStayApartAndTheirNumberHasNoLimit) {
     for (int i = 1; i < 300; ++i)
         add(0.0, 5.0);
     EXPECT_EQ(step(detection(1)), "all trajs misbehave !\n");
-    EXPECT_EQ(tracked_trajs.size(), 300u);
+    EXPECT_EQ(theRun().tracked_trajs.size(), 300u);
     EXPECT_FALSE(nominal);
     EXPECT_EQ(step(detection(1, RUN_NOMERGE)), "all trajs misbehave !\n");
-    EXPECT_EQ(tracked_trajs.size(), 300u);
+    EXPECT_EQ(theRun().tracked_trajs.size(), 300u);
 }
 
 // ---- Simulation ----
@@ -142,8 +143,8 @@ TEST_F(Walk, InASimulationEveryCandidateStaysWhereItIs) {
     EXPECT_EQ(step(simulation(1)), "");
     EXPECT_TRUE(nominal);
     EXPECT_EQ(keys(), (Keys{0.0, -0.5}));
-    EXPECT_EQ(tracked_trajs.begin()->second.get(), first);
-    EXPECT_EQ(tracked_trajs.rbegin()->second.get(), second);
+    EXPECT_EQ(theRun().tracked_trajs.begin()->second.get(), first);
+    EXPECT_EQ(theRun().tracked_trajs.rbegin()->second.get(), second);
 }
 
 TEST_F(Walk, AMisbehavingSimulationGoesOn) {
@@ -154,8 +155,8 @@ TEST_F(Walk, AMisbehavingSimulationGoesOn) {
     EXPECT_FALSE(nominal);
     EXPECT_TRUE(isMisb(first->rt.get()));
     EXPECT_EQ(identities(), Identities{0});
-    EXPECT_TRUE(misbtrajs.empty());
-    EXPECT_TRUE(ntrajs.empty());
+    EXPECT_TRUE(theRun().misbtrajs.empty());
+    EXPECT_TRUE(theRun().ntrajs.empty());
 }
 
 // ---- The step of one candidate ----
@@ -165,7 +166,7 @@ TEST_F(Walk, EventsGoUpAndTruthComesDown) {
     rt->bridgeEvents.insert({true, ReferenceModel::atom("room.c1=c11")});
     int const before = first->traj->getCurrentTime();
     EXPECT_EQ(step(detection(1)), "room.c1=c11\n");
-    hybTrajectory const* candidate = tracked_trajs.begin()->second.get();
+    hybTrajectory const* candidate = theRun().tracked_trajs.begin()->second.get();
     EXPECT_EQ(candidate, first);
     EXPECT_EQ(candidate->traj->getCurrentTime(), before + 1);
     EXPECT_EQ(spaceOf(candidate), "c11");
@@ -181,19 +182,19 @@ TEST_F(Walk, ARuntimeOfThisStepSkipsTheDiscreteSideAndIsChecked) {
     set(*first, 5.0);
     rt->bridgeEvents.insert({true, ReferenceModel::atom("room.c1=c11")});
     rt->num = 9;
-    rt_num = 8;
+    theRun().engine.rt_num = 8;
     int const before = first->traj->getCurrentTime();
     EXPECT_EQ(step(detection(1)), "all trajs misbehave !\n");
     EXPECT_EQ(first->traj->getCurrentTime(), before);
     EXPECT_EQ(rt->meshighmisb[0], 1);
     EXPECT_TRUE(rt->bridgeEvents.empty());
-    EXPECT_TRUE(sMM->contCommands.empty());
+    EXPECT_TRUE(theRun().sMM->contCommands.empty());
 }
 
 TEST_F(Walk, AnIdentityAtTheLimitTakesTheDiscreteSide) {
     first->rt->bridgeEvents.insert({true, ReferenceModel::atom("room.c1=c11")});
     first->rt->num = 8;
-    rt_num = 8;
+    theRun().engine.rt_num = 8;
     EXPECT_EQ(step(detection(1)), "room.c1=c11\n");
 }
 
@@ -202,7 +203,7 @@ TEST_F(Walk, TheDisplayRowIsThatOfTheTime) {
     first->rt->dsupval = {0.75, 4.0};
     first->rt->Ts = 0.5;
     step(detection(1), 2.0);  // row 4: twelve values stand before it
-    s_runtime const* rt = tracked_trajs.begin()->second->rt.get();
+    s_runtime const* rt = theRun().tracked_trajs.begin()->second->rt.get();
     EXPECT_EQ(rt->extra[11], 0.0);
     EXPECT_EQ(rt->extra[12], 0.25);
     EXPECT_EQ(rt->extra[13], 0.75);
@@ -219,8 +220,8 @@ TEST_F(Walk, AModeChangeRebuildsTheCandidateBehindItsEquals) {
     variable(second->rt.get(), "room.x")->old = makeRange(5.0, 6.0, 1, 1);
     EXPECT_EQ(step(simulation(1)), "room.c1=c12\n");
     EXPECT_EQ(identities(), (Identities{1, 0}));
-    EXPECT_EQ(thermostatOf(tracked_trajs.begin()->second.get()), "on");
-    hybTrajectory const* rebuilt = tracked_trajs.rbegin()->second.get();
+    EXPECT_EQ(thermostatOf(theRun().tracked_trajs.begin()->second.get()), "on");
+    hybTrajectory const* rebuilt = theRun().tracked_trajs.rbegin()->second.get();
     EXPECT_EQ(thermostatOf(rebuilt), "off");
     EXPECT_NE(rebuilt, first);
     // Its runtime knows the new mode.
@@ -233,7 +234,7 @@ TEST_F(Walk, AModeChangeRebuildsTheCandidateBehindItsEquals) {
 TEST_F(Walk, InASimulationTheNewModeAdvancesWhatIsNotAssigned) {
     heatUp(*first);
     step(simulation(1));
-    s_runtime const* rt = tracked_trajs.begin()->second->rt.get();
+    s_runtime const* rt = theRun().tracked_trajs.begin()->second->rt.get();
     expectBounds(valueOf(rt, "room.x"), 18.0, 19.55);
     // Not heating: 4 less the new temperature.
     expectBounds(valueOf(rt, "room.xdq"), 4.0 - 19.55, 4.0 - 18.0);
@@ -244,10 +245,10 @@ TEST_F(Walk, ARebuiltCandidateIsCheckedInTheSameWalk) {
     EXPECT_EQ(step(detection(1)), "room.c1=c12\n");
     EXPECT_TRUE(nominal);
     ASSERT_EQ(identities(), Identities{0});
-    EXPECT_EQ(thermostatOf(tracked_trajs.begin()->second.get()), "off");
+    EXPECT_EQ(thermostatOf(theRun().tracked_trajs.begin()->second.get()), "off");
     // The display row of the cycle is that of the rebuilt candidate: its temperature covers
     // [18, 18.5] and one measured step of 0.95 from it.
-    s_runtime const* rt = tracked_trajs.begin()->second->rt.get();
+    s_runtime const* rt = theRun().tracked_trajs.begin()->second->rt.get();
     EXPECT_NEAR(rt->extra[6], 18.0, 1e-9);
     EXPECT_NEAR(rt->extra[7], 18.5 + 0.95 * 1.05, 1e-9);
 }
@@ -277,16 +278,16 @@ TEST_F(Walk, AModeChangeOfTheLastCandidateEndsTheWalk) {
     // It is tracked, but it was not visited again: nothing is nominal, no row was kept.
     EXPECT_FALSE(nominal);
     EXPECT_EQ(keys(), Keys{0.0});
-    EXPECT_EQ(tracked_trajs.begin()->second->rt->extra[7], 0.0);
+    EXPECT_EQ(theRun().tracked_trajs.begin()->second->rt->extra[7], 0.0);
 }
 
 TEST_F(Walk, ARunWithoutCandidatesIsNotInitialised) {
     heatUp(*first);
     rekey(-1.0);
     EXPECT_EQ(step(detection(1)), "room.c1=c12\nall trajs misbehave !\n");
-    EXPECT_TRUE(tracked_trajs.empty());
+    EXPECT_TRUE(theRun().tracked_trajs.empty());
     run.cycle(detection(1), 3.0, 0.5);
-    EXPECT_EQ(hybNT, nullptr);
+    EXPECT_EQ(theRun().hybNT, nullptr);
 }
 
 // The rebuilt candidates of a split mode change: x covers 16 to 18, in three pieces of identities
@@ -298,8 +299,8 @@ TEST_F(Walk, AModeChangeMaySplit) {
     EXPECT_EQ(step(detection(1, RUN_NOMERGE)), "room.c1=c12\n");
     // 0 keeps the part above 17, the copy made after the one for the cycle before, 2, the other.
     EXPECT_EQ(identities(), (Identities{0, 2}));
-    hybTrajectory const* above = tracked_trajs.begin()->second.get();
-    hybTrajectory const* below = tracked_trajs.rbegin()->second.get();
+    hybTrajectory const* above = theRun().tracked_trajs.begin()->second.get();
+    hybTrajectory const* below = theRun().tracked_trajs.rbegin()->second.get();
     EXPECT_EQ(sn_infOf(valueOf(above->rt.get(), "room.x")), 17.0);
     EXPECT_EQ(sn_supOf(valueOf(below->rt.get(), "room.x")), 17.0);
     EXPECT_EQ(thermostatOf(above), "off");
@@ -323,31 +324,31 @@ int occurrences(std::string const& text, std::string const& line) {
 TEST_F(Walk, ADatedCommandReachesEveryCandidateOnce) {
     add(0.0, 0.5);
     add(0.0, 0.5);
-    sMM->scenario[2.0] =
+    theRun().sMM->scenario[2.0] =
         std::make_unique<scenarEvent>(scenarEvent{true, {ReferenceModel::atom("room.cmdin=open")}});
     std::string const told = step(detection(1, RUN_NOMERGE));
     EXPECT_EQ(occurrences(told, "room.cmdin=open\n"), 3);
     EXPECT_EQ(told.find("Error"), std::string::npos);
-    ASSERT_EQ(tracked_trajs.size(), 3u);
-    for (auto const& entry : tracked_trajs) {
+    ASSERT_EQ(theRun().tracked_trajs.size(), 3u);
+    for (auto const& entry : theRun().tracked_trajs) {
         EXPECT_EQ(windowOf(entry.second.get()), "open");
         EXPECT_EQ(entry.second->rt->condi[12]->val, 1);
         EXPECT_EQ(entry.second->rt->condi[11]->val, 0);
     }
-    EXPECT_EQ(complaint([] { sMM->reportUnmetEvents(1000.0); }), "");
+    EXPECT_EQ(complaint([] { theRun().sMM->reportUnmetEvents(1000.0); }), "");
     // And not again at another time.
     EXPECT_EQ(step(detection(1, RUN_NOMERGE), 3.0), "");
 }
 
 TEST_F(Walk, AnImpossibleDatedCommandIsToldForEveryCandidate) {
     add(0.0, 0.5);
-    sMM->scenario[2.0] = std::make_unique<scenarEvent>(
+    theRun().sMM->scenario[2.0] = std::make_unique<scenarEvent>(
         scenarEvent{true, {ReferenceModel::atom("thermostat.mode=stuck_on")}});
     std::string const told = step(detection(1, RUN_NOMERGE));
     EXPECT_EQ(occurrences(told, "thermostat.mode=stuck_on\n"), 2);
     EXPECT_EQ(occurrences(told, "no valid state found."), 2);
-    ASSERT_EQ(tracked_trajs.size(), 2u);
-    for (auto const& entry : tracked_trajs)
+    ASSERT_EQ(theRun().tracked_trajs.size(), 2u);
+    for (auto const& entry : theRun().tracked_trajs)
         EXPECT_EQ(thermostatOf(entry.second.get()), "on");
 }
 
@@ -357,12 +358,12 @@ TEST_F(Walk, CandidatesThatDifferStayApartAfterAnImpossibleCommand) {
     hybTrajectory const* other = add(1.0, 0.5);
     other->traj->getLastState()->getElt("thermostat.mode=on")->setLabel("unknown");
     int const before = first->traj->getCurrentTime();
-    sMM->scenario[2.0] = std::make_unique<scenarEvent>(scenarEvent{
+    theRun().sMM->scenario[2.0] = std::make_unique<scenarEvent>(scenarEvent{
         true, {ReferenceModel::atom("room.cmdin=close"), ReferenceModel::atom("room.cmdin=none")}});
     std::string const told = step(detection(1));
     EXPECT_EQ(occurrences(told, "no valid state found."), 2);
-    ASSERT_EQ(tracked_trajs.size(), 2u);
-    for (auto const& entry : tracked_trajs) {
+    ASSERT_EQ(theRun().tracked_trajs.size(), 2u);
+    for (auto const& entry : theRun().tracked_trajs) {
         EXPECT_EQ(entry.second->traj->getCurrentTime(), before);
         EXPECT_EQ(entry.second->rt->tStart, before);
     }

@@ -4,6 +4,7 @@
 // component: the thermostat's idle transition asks that it is not cold, and the model starts cold.
 // In the tables of 193 places, h = 5 h + c over the characters: thermostat 98, room 126;
 // thermostat.mode=off 129, room.mode=open 153, closed 159, unknown 178.
+#include "fixtures/the_run.h"
 #include "fixtures/graph_files.h"
 #include "hybrid/hybrid_fixture.h"
 #include "trajectory/model_tools.h"
@@ -34,7 +35,7 @@ std::string initialGraph(std::string const& name, std::string const& mode) {
 class CandidateGraphs : public testing::Test {
 protected:
     std::unique_ptr<Trajectory> history(std::string const& mode) {
-        auto made = std::make_unique<Trajectory>(&DataManager::active_atoms);
+        auto made = std::make_unique<Trajectory>(theRun().scheduler.book, &thePlant().active_atoms);
         State* state = made->getState(0);
         state->getElt("room.mode=closed")->setLabel("false");
         state->getElt(("room.mode=" + mode).c_str())->setLabel("true");
@@ -61,7 +62,7 @@ TEST_F(CandidateGraphs, BestFirstAndEqualOnesInTheOrderOfInsertion) {
     add(map, 0.5, "open");
     add(map, 0.5, "unknown");
     std::ofstream("htraj0.dot") << std::string(5000, 'x');
-    streamsOf([&] { graphTrajs(map); });
+    streamsOf([&] { graphTrajs(theRun().host, map); });
     EXPECT_EQ(count(), 3);
     EXPECT_EQ(GraphFiles::text("htraj0.dot"), initialGraph("htraj0", "open"));
     EXPECT_EQ(GraphFiles::text("htraj1.dot"), initialGraph("htraj1", "unknown"));
@@ -70,7 +71,7 @@ TEST_F(CandidateGraphs, BestFirstAndEqualOnesInTheOrderOfInsertion) {
 
 TEST_F(CandidateGraphs, NoneForNoCandidate) {
     HybMap const map;
-    EXPECT_EQ(streamsOf([&] { graphTrajs(map); }).out, "");
+    EXPECT_EQ(streamsOf([&] { graphTrajs(theRun().host, map); }).out, "");
     EXPECT_EQ(count(), 0);
 }
 
@@ -89,7 +90,7 @@ TEST_F(CandidateGraphs, TheyCanBeDrawn) {
         GTEST_SKIP() << "dot is missing";
     HybMap map;
     add(map, 1, "closed");
-    streamsOf([&] { graphTrajs(map); });
+    streamsOf([&] { graphTrajs(theRun().host, map); });
     EXPECT_NE(GraphFiles::drawing("htraj0.dot").find("<title>room_closed0</title>"),
               std::string::npos);
 }
@@ -108,7 +109,7 @@ TEST_F(CandidateGraphs, TheComponentsOfTheRoomCanBeDrawn) {
         {"room", "closed&#45;&gt;open", "open (0.99)"},
     };
     for (Drawn const& drawn : all) {
-        streamsOf([&] { toDot(DataManager::getComp(drawn.component)); });
+        streamsOf([&] { toDot(theRun().host, theRun().scheduler.getComp(drawn.component)); });
         std::string const picture = GraphFiles::drawing(std::string(drawn.component) + ".dot");
         EXPECT_NE(picture.find("<title>" + std::string(drawn.move) + "</title>"),
                   std::string::npos);

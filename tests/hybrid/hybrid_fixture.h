@@ -6,6 +6,7 @@
 #include <optional>
 #include <sstream>
 
+#include "fixtures/the_run.h"
 #include "console/exchange.h"
 #include "fixtures/reference_model.h"
 #include "reasoning/scheduler_fixture.h"
@@ -37,24 +38,24 @@ inline RunOptions simulation(int multi) {
 // bound is what plain interval arithmetic gives.
 class RoomRun {
 public:
-    explicit RoomRun(double firstMeasure, int search = 0) : before(env_opti) {
-        env_opti = search;
+    explicit RoomRun(double firstMeasure, int search = 0) : before(theRun().engine.env_opti) {
+        theRun().engine.env_opti = search;
         std::ostringstream line;
         line << std::setprecision(17) << firstMeasure << "\n";
         TextFile const measures(line.str());
         measIn = std::fopen(measures.path.c_str(), "r");
-        start = streamsOf([] { tavro_initialize(1, 0.01, "", 0); });
+        start = streamsOf([] { tavro_initialize(theRun(), 1, 0.01, "", 0); });
         std::fclose(measIn);
         measIn = nullptr;
         // Room for the display rows of a run, as the console makes it.
-        initDispAll(hybNT->rt.get(), 250.0);
+        initDispAll(theRun().hybNT->rt.get(), 250.0);
     }
-    ~RoomRun() { env_opti = before; }
+    ~RoomRun() { theRun().engine.env_opti = before; }
 
     // One cycle at *time* with a measure; answers what it wrote.
     Streams cycle(RunOptions const& options, double time, double measure, double countdown = 0.0) {
-        meas[0] = measure;
-        return streamsOf([&] { tavro_doCycle(options, countdown, time, nominal); });
+        theRun().engine.meas[0] = measure;
+        return streamsOf([&] { tavro_doCycle(theRun(), options, countdown, time, nominal); });
     }
 
     ReferenceModel model;

@@ -1,4 +1,5 @@
 // Mapping functions: how a change of mode moves the continuous state.
+#include "fixtures/the_run.h"
 #include "continuous/model_parts.h"
 #include "hybrid/hybrid_fixture.h"
 
@@ -35,7 +36,7 @@ protected:
         rt().init.push_back({level, makeReal(10.0)});
         rt().twc = 20;
         sizeArrays(rt());
-        meas = {10.0};
+        theRun().engine.meas = {10.0};
         streamsOf([this] { sorn_initialize(&rt(), 0, 0.01, "", 0); });
     }
 
@@ -61,7 +62,7 @@ protected:
         return adoptCondition(rt(), std::move(condition));
     }
     void cycle(double measure) {
-        meas = {measure};
+        theRun().engine.meas = {measure};
         sorn_doCycle2(&rt(), CYCLE_DETECT);
         sn_checkMs(&rt(), 3);
         sn_yieldAlarms(&rt());
@@ -163,7 +164,7 @@ TEST_F(Tank, AtTheStartAStateThatCannotBePlacedIsTold) {
     EXPECT_EQ(streamsOf([&] { result = tavro_initMappingFuncs(&rt()); }).out,
               "Error while splitting init state\n");
     EXPECT_NE(result, 1);
-    clearNrt(&rt());
+    clearNrt(theRun(), &rt());
 }
 
 TEST_F(Tank, AnUnknownTargetIsPassed) {
@@ -187,8 +188,8 @@ TEST_F(Tank, InASimulationTheJumpIsTakenAndTheRestComputed) {
     assign("tank.level", makeReal(0.0));
     cycle(12.0);
     fire();
-    meas = {0.0};
-    EXPECT_FALSE(tavro_reinitialize(&rt(), 1.0, RUN_SIMULATE, 3));
+    theRun().engine.meas = {0.0};
+    EXPECT_FALSE(tavro_reinitialize(theRun(), &rt(), 1.0, RUN_SIMULATE, 3));
     EXPECT_EQ(level->old.real, 0.0);
     EXPECT_EQ(gauge->old.real, 0.0);  // computed again from the level
     EXPECT_EQ(gauge->mes.real, 0.0);  // every measure is entered again
@@ -201,7 +202,7 @@ TEST_F(Tank, AfterAJumpOneCycleIsEnoughForAnAlarm) {
     cycle(12.0);
     fire();
     // The gauge's new value 0 against a measure of 12.
-    EXPECT_TRUE(tavro_reinitialize(&rt(), 1.0, RUN_SIMULATE, 3));
+    EXPECT_TRUE(tavro_reinitialize(theRun(), &rt(), 1.0, RUN_SIMULATE, 3));
     EXPECT_EQ(rt().meshighmisb[0], 1);
 }
 
@@ -209,7 +210,7 @@ TEST_F(Tank, WithoutMappingFunctionsTheThresholdStaysAndVariablesAreComputed) {
     cycle(12.0);
     fire();
     // The level is its own old value plus the inflow: 12 + 2; the gauge shows it.
-    EXPECT_FALSE(tavro_reinitialize(&rt(), 1.0, RUN_SIMULATE, 3));
+    EXPECT_FALSE(tavro_reinitialize(theRun(), &rt(), 1.0, RUN_SIMULATE, 3));
     EXPECT_EQ(level->old.real, 14.0);
     EXPECT_EQ(gauge->old.real, 14.0);
     EXPECT_EQ(gauge->lowalarm, 1);  // 12 against 14 counts, and is no alarm yet
@@ -222,7 +223,7 @@ TEST_F(Tank, AFalseGuardIsSkippedInSimulationAndAppliedInDetection) {
     fire();
     EXPECT_FALSE(tavro_applyMappingFuncs(&rt()));
     EXPECT_EQ(level->old.real, 12.0);
-    EXPECT_TRUE(tavro_applyMappingFuncs2(&rt(), 1.0));
+    EXPECT_TRUE(tavro_applyMappingFuncs2(theRun(), &rt(), 1.0));
     EXPECT_EQ(sn_infOf(level->old), 0.0);
 }
 
@@ -267,7 +268,7 @@ TEST_F(Tank, ParametersKeepTheirValueAndTheirMark) {
     cycle(12.0);
     fire();
     for (int mode : {RUN_SIMULATE, RUN_DETECT}) {
-        tavro_reinitialize(&rt(), 1.0, mode, 3);
+        tavro_reinitialize(theRun(), &rt(), 1.0, mode, 3);
         EXPECT_EQ(inflow->old.real, 2.0);
         EXPECT_EQ(inflow->defined, 1);
     }
@@ -283,7 +284,7 @@ TEST_F(Tank, InDetectionThePredictionCoversTheJumpNowAndOneCycleAgo) {
     cycle(12.0);
     cycle(14.0);
     fire();
-    EXPECT_TRUE(tavro_applyMappingFuncs2(&rt(), 2.0));
+    EXPECT_TRUE(tavro_applyMappingFuncs2(theRun(), &rt(), 2.0));
     // Two numbers have an open hull.
     expectSame(level->new_, makeRange(0.0, 2.0, 0, 0), "new level");
     expectSame(level->old, makeRange(0.0, 2.0, 0, 0), "old level");
@@ -298,8 +299,8 @@ TEST_F(Tank, InDetectionTheMeasureOfATargetIsEnteredAgain) {
     cycle(12.0);
     cycle(14.0);
     fire();
-    meas = {13.5};  // what mesval points at
-    EXPECT_TRUE(tavro_applyMappingFuncs2(&rt(), 2.0));
+    theRun().engine.meas = {13.5};  // what mesval points at
+    EXPECT_TRUE(tavro_applyMappingFuncs2(theRun(), &rt(), 2.0));
     // The jump went into mes, which the measure then replaced; the prediction is no 3.
     EXPECT_EQ(gauge->mes.real, 13.5);
 }
@@ -311,7 +312,7 @@ TEST_F(Tank, ReinitialisingInDetectionComparesWithTheCoveringPrediction) {
     EXPECT_EQ(gauge->lowalarm, 1);
     fire();
     // 5 lies in ]2, 14[, so the alarm is taken back.
-    EXPECT_FALSE(tavro_reinitialize(&rt(), 2.0, RUN_DETECT, 3));
+    EXPECT_FALSE(tavro_reinitialize(theRun(), &rt(), 2.0, RUN_DETECT, 3));
     EXPECT_EQ(gauge->lowalarm, 0);
     EXPECT_EQ(rt().dinfval[1], 2.0);
     EXPECT_EQ(rt().dsupval[1], 14.0);
@@ -322,23 +323,23 @@ TEST_F(Tank, ReinitialisingInDetectionFindsAMisbehaviourAtOnce) {
     cycle(12.0);
     cycle(20.0);  // above ]2, 14[ too
     fire();
-    EXPECT_TRUE(tavro_reinitialize(&rt(), 2.0, RUN_DETECT, 3));
+    EXPECT_TRUE(tavro_reinitialize(theRun(), &rt(), 2.0, RUN_DETECT, 3));
     EXPECT_EQ(rt().meshighmisb[0], 1);
 }
 
 TEST_F(Tank, TheCopyOfTheCycleBeforeTakesAnIdentity) {
-    rt_num = 7;
+    theRun().engine.rt_num = 7;
     cycle(12.0);
     fire();
-    tavro_applyMappingFuncs2(&rt(), 1.0);
-    EXPECT_EQ(rt_num, 8);
+    tavro_applyMappingFuncs2(theRun(), &rt(), 1.0);
+    EXPECT_EQ(theRun().engine.rt_num, 8);
 }
 
 // The runtime cannot be taken one unit of time back when no past cycle is kept at all.
 TEST_F(Tank, OutsideTheWindowTheProcessEnds) {
     rt().twc = 0;
     fire();
-    EXPECT_EXIT(tavro_applyMappingFuncs2(&rt(), 1.0), testing::ExitedWithCode(1),
+    EXPECT_EXIT(tavro_applyMappingFuncs2(theRun(), &rt(), 1.0), testing::ExitedWithCode(1),
                 "cont_fault_time: 0 -- stime: 1-- twc: 0");
 }
 

@@ -2,6 +2,7 @@
 // measures and the commands, the collections of candidates stay as the driver promises.
 #include <random>
 
+#include "fixtures/the_run.h"
 #include "hybrid/hybrid_fixture.h"
 
 using namespace hybrid_fixture;
@@ -53,7 +54,7 @@ TEST(RandomRoomTest, ARoomThatObeysTheModelIsAlwaysTracked) {
                       std::string::npos)
                 << "at " << k;
             bool tracked = false;
-            for (auto const& entry : tracked_trajs)
+            for (auto const& entry : theRun().tracked_trajs)
                 tracked = tracked || covers(entry.second.get(), room);
             ASSERT_TRUE(tracked) << "at " << k << " x " << room.x;
         }
@@ -62,20 +63,20 @@ TEST(RandomRoomTest, ARoomThatObeysTheModelIsAlwaysTracked) {
 
 // What holds between two cycles, in any mode.
 void expectOrder(RunOptions const& options, bool nominal) {
-    EXPECT_TRUE(nrt.empty());
-    EXPECT_TRUE(ntrajs.empty());
-    EXPECT_TRUE(misbtrajs.empty());
-    EXPECT_EQ(hybNT, tracked_trajs.empty() ? nullptr : tracked_trajs.begin()->second.get());
+    EXPECT_TRUE(theRun().engine.nrt.empty());
+    EXPECT_TRUE(theRun().ntrajs.empty());
+    EXPECT_TRUE(theRun().misbtrajs.empty());
+    EXPECT_EQ(theRun().hybNT, theRun().tracked_trajs.empty() ? nullptr : theRun().tracked_trajs.begin()->second.get());
     std::map<int, int> seen;
-    for (auto const& [key, candidate] : tracked_trajs) {
+    for (auto const& [key, candidate] : theRun().tracked_trajs) {
         ASSERT_NE(candidate, nullptr);
         ASSERT_NE(candidate->traj, nullptr);
         ASSERT_NE(candidate->rt, nullptr);
         s_runtime const* rt = candidate->rt.get();
         EXPECT_EQ(seen[rt->num]++, 0) << "one identity for two";
-        EXPECT_LT(rt->num, rt_num);
+        EXPECT_LT(rt->num, theRun().engine.rt_num);
         EXPECT_TRUE(rt->bridgeTrans.empty());
-        EXPECT_LE(candidate->traj->states.size(), static_cast<std::size_t>(Trajectory::twd));
+        EXPECT_LE(candidate->traj->states.size(), static_cast<std::size_t>(theRun().scheduler.book.twd));
         EXPECT_NE(candidate->traj->getLastState(), nullptr);
         EXPECT_NE(thermostatOf(candidate.get()), "");
         EXPECT_NE(windowOf(candidate.get()), "");
@@ -100,24 +101,24 @@ void storm(RunOptions const& options, unsigned seed, int steps, std::size_t most
     SCOPED_TRACE("mode " + std::to_string(options.mode) + " seed " + std::to_string(seed));
     std::mt19937 generator(seed);
     std::uniform_real_distribution<double> measure(-1.0, 1.5), chance(0.0, 1.0);
-    unsigned const alive = Trajectory::traj_created - Trajectory::traj_del;
+    unsigned const alive = theRun().scheduler.book.traj_created - theRun().scheduler.book.traj_del;
     {
         RoomRun run(0.9);
-        for (int k = 1; k <= steps && tracked_trajs.size() < most; ++k) {
+        for (int k = 1; k <= steps && theRun().tracked_trajs.size() < most; ++k) {
             if (chance(generator) < 0.3)
-                sMM->scenario[k] = std::make_unique<scenarEvent>(scenarEvent{
+                theRun().sMM->scenario[k] = std::make_unique<scenarEvent>(scenarEvent{
                     chance(generator) < 0.9,
                     {ReferenceModel::atom(anyCommand[generator() % anyCommand.size()])}});
             // Mostly near the prediction, so that runs go far.
-            s_Objet const& rate = valueOf(hybNT->rt.get(), "room.xd");
+            s_Objet const& rate = valueOf(theRun().hybNT->rt.get(), "room.xd");
             double const middle = 0.5 * (sn_infOf(rate) + sn_supOf(rate));
             run.cycle(options, k, chance(generator) < 0.8 ? middle : measure(generator));
             expectOrder(options, run.nominal);
-            if (tracked_trajs.empty())
+            if (theRun().tracked_trajs.empty())
                 break;
         }
     }
-    EXPECT_EQ(Trajectory::traj_created - Trajectory::traj_del, alive);
+    EXPECT_EQ(theRun().scheduler.book.traj_created - theRun().scheduler.book.traj_del, alive);
 }
 
 TEST(RandomRuns, DetectionKeepsItsCollectionsInOrder) {

@@ -3,6 +3,7 @@
 #include <fstream>
 #include <sstream>
 
+#include "fixtures/the_run.h"
 #include "hybrid/hybrid_fixture.h"
 
 using namespace hybrid_fixture;
@@ -42,7 +43,7 @@ std::vector<TrueStep> readDay(std::string const& name) {
 }
 
 bool isTrackedIn(TrueStep const& truth) {
-    for (auto const& entry : tracked_trajs) {
+    for (auto const& entry : theRun().tracked_trajs) {
         hybTrajectory const* candidate = entry.second.get();
         s_Objet const& x = valueOf(candidate->rt.get(), "room.x");
         if (thermostatOf(candidate) == truth.thermostat && windowOf(candidate) == truth.window &&
@@ -58,7 +59,7 @@ void expectTracked(std::string const& name, std::string const& scenario, int thr
     std::vector<TrueStep> const day = readDay(name);
     RoomRun run(day[0].measure, 1);
     if (!scenario.empty())
-        complaint([&] { sMM->loadScenario(room + "inp/" + scenario); });
+        complaint([&] { theRun().sMM->loadScenario(room + "inp/" + scenario); });
     for (std::size_t k = 1; k < day.size(); ++k) {
         std::string const told =
             run.cycle(detection(threshold), static_cast<double>(k), day[k].measure).err;
@@ -66,7 +67,7 @@ void expectTracked(std::string const& name, std::string const& scenario, int thr
         EXPECT_TRUE(run.nominal) << name << " at " << k;
         EXPECT_TRUE(isTrackedIn(day[k])) << name << " at " << k;
     }
-    EXPECT_EQ(complaint([] { sMM->reportUnmetEvents(1000.0); }), "");
+    EXPECT_EQ(complaint([] { theRun().sMM->reportUnmetEvents(1000.0); }), "");
 }
 
 TEST(HealthyDay, IsTracked) {

@@ -1,5 +1,6 @@
 // Validity spaces: where the temperature lies on both sides of a threshold, one candidate becomes
 // several.
+#include "fixtures/the_run.h"
 #include "hybrid/hybrid_fixture.h"
 
 using namespace hybrid_fixture;
@@ -13,13 +14,13 @@ protected:
 
     // Gives the one candidate the temperature, in the space with that constraint alone, and splits.
     void split(double inf, double sup, int constraint, RunOptions const& options) {
-        s_runtime* rt = hybNT->rt.get();
+        s_runtime* rt = theRun().hybNT->rt.get();
         variable(rt, "room.x")->old = makeRange(inf, sup, 1, 1);
         rt->valSpc = {0, 0, 0, 0};
         rt->valSpc[static_cast<std::size_t>(constraint)] = 1;
-        splitTrajs(options);
+        splitTrajs(theRun(), options);
         at.clear();
-        for (auto const& entry : tracked_trajs)
+        for (auto const& entry : theRun().tracked_trajs)
             at.push_back(entry.second->rt.get());
     }
     // The atoms of a runtime's events, each with its sign.
@@ -60,18 +61,18 @@ TEST_F(SplitRoom, AtTenIntoTwo) {
     EXPECT_EQ(at[1]->valSpc, (Space{0, 1, 1, 0}));
     EXPECT_EQ(events(at[1]), "+c11");
     EXPECT_EQ(at[1]->condi[9]->val, 1);
-    EXPECT_EQ(rt_num, 2);
-    EXPECT_TRUE(nrt.empty());
+    EXPECT_EQ(theRun().engine.rt_num, 2);
+    EXPECT_TRUE(theRun().engine.nrt.empty());
 }
 
 TEST_F(SplitRoom, AtSeventeenIntoTwo) {
-    s_runtime* rt = hybNT->rt.get();
+    s_runtime* rt = theRun().hybNT->rt.get();
     variable(rt, "room.x")->old = makeRange(16.0, 18.0, 1, 1);
     rt->valSpc = {0, 1, 1, 0};
-    splitTrajs(detection(1));
-    ASSERT_EQ(tracked_trajs.size(), 2u);
-    s_runtime const* inside = tracked_trajs.begin()->second->rt.get();
-    s_runtime const* above = std::next(tracked_trajs.begin())->second->rt.get();
+    splitTrajs(theRun(), detection(1));
+    ASSERT_EQ(theRun().tracked_trajs.size(), 2u);
+    s_runtime const* inside = theRun().tracked_trajs.begin()->second->rt.get();
+    s_runtime const* above = std::next(theRun().tracked_trajs.begin())->second->rt.get();
     expectRange(inside, 16.0, 17.0, 1, 1);
     EXPECT_EQ(inside->valSpc, (Space{0, 1, 1, 0}));
     EXPECT_EQ(events(inside), "");
@@ -111,7 +112,7 @@ TEST_F(SplitRoom, AValueThatLeftItsSpaceChangesItWithoutACopy) {
     EXPECT_EQ(at[0]->num, 0);
     EXPECT_EQ(at[0]->valSpc, (Space{0, 1, 1, 0}));
     EXPECT_EQ(events(at[0]), "+c11");
-    EXPECT_EQ(rt_num, 1);
+    EXPECT_EQ(theRun().engine.rt_num, 1);
 }
 
 TEST_F(SplitRoom, TheDisplaysAreThoseOfThePieces) {
@@ -125,15 +126,15 @@ TEST_F(SplitRoom, TheDisplaysAreThoseOfThePieces) {
 // ---- What becomes of the candidate ----
 
 TEST_F(SplitRoom, EachPieceHasItsOwnCopyOfTheHistory) {
-    hybNT->traj->proba = 0.25;
-    hybNT->traj->rank = 3.0;
-    Trajectory const* history = hybNT->traj.get();
+    theRun().hybNT->traj->proba = 0.25;
+    theRun().hybNT->traj->rank = 3.0;
+    Trajectory const* history = theRun().hybNT->traj.get();
     int const step = history->getCurrentTime();
     std::size_t const states = history->states.size();
     split(9.0, 11.0, 0, detection(1));
-    ASSERT_EQ(tracked_trajs.size(), 2u);
+    ASSERT_EQ(theRun().tracked_trajs.size(), 2u);
     std::vector<Trajectory const*> copies;
-    for (auto const& [key, candidate] : tracked_trajs) {
+    for (auto const& [key, candidate] : theRun().tracked_trajs) {
         EXPECT_EQ(key, 0.25);
         EXPECT_EQ(candidate->traj->proba, 0.25);
         EXPECT_EQ(candidate->traj->rank, 3.0);
@@ -146,75 +147,75 @@ TEST_F(SplitRoom, EachPieceHasItsOwnCopyOfTheHistory) {
 }
 
 TEST_F(SplitRoom, ASimulationOfOneCandidateKeepsItAndDropsWhatWasAdded) {
-    hybTrajectory const* before = hybNT;
-    Trajectory const* history = hybNT->traj.get();
-    s_runtime const* runtime = hybNT->rt.get();
+    hybTrajectory const* before = theRun().hybNT;
+    Trajectory const* history = theRun().hybNT->traj.get();
+    s_runtime const* runtime = theRun().hybNT->rt.get();
     split(9.0, 18.0, 0, simulation(0));
-    ASSERT_EQ(tracked_trajs.size(), 1u);
-    EXPECT_EQ(tracked_trajs.begin()->second.get(), before);
+    ASSERT_EQ(theRun().tracked_trajs.size(), 1u);
+    EXPECT_EQ(theRun().tracked_trajs.begin()->second.get(), before);
     EXPECT_EQ(before->traj.get(), history);
     EXPECT_EQ(at[0], runtime);
     expectRange(at[0], 9.0, 10.0, 1, 1);
-    EXPECT_TRUE(nrt.empty());
+    EXPECT_TRUE(theRun().engine.nrt.empty());
 }
 
 TEST_F(SplitRoom, ASimulationOfSeveralFollowsEveryPiece) {
     split(9.0, 18.0, 0, simulation(1));
-    EXPECT_EQ(tracked_trajs.size(), 3u);
-    EXPECT_TRUE(nrt.empty());
+    EXPECT_EQ(theRun().tracked_trajs.size(), 3u);
+    EXPECT_TRUE(theRun().engine.nrt.empty());
 }
 
 TEST_F(SplitRoom, DetectionFollowsEveryPieceWhateverMultiSays) {
     RunOptions options = detection(1, RUN_NOMERGE);
     options.multi = 0;
     split(9.0, 18.0, 0, options);
-    EXPECT_EQ(tracked_trajs.size(), 3u);
+    EXPECT_EQ(theRun().tracked_trajs.size(), 3u);
 }
 
 // Candidates of one key keep their order, each followed by its own pieces.
 TEST_F(SplitRoom, ThePiecesStandWithTheirParents) {
-    s_runtime* first = hybNT->rt.get();
-    auto second = std::make_unique<hybTrajectory>(hybNT, 3);  // identity 1
+    s_runtime* first = theRun().hybNT->rt.get();
+    auto second = std::make_unique<hybTrajectory>(theRun().hybNT, 3);  // identity 1
     variable(first, "room.x")->old = makeRange(9.0, 11.0, 1, 1);
     variable(second->rt.get(), "room.x")->old = makeRange(9.5, 10.5, 1, 1);
-    tracked_trajs.emplace(1.0, std::move(second));
-    splitTrajs(detection(1));
+    theRun().tracked_trajs.emplace(1.0, std::move(second));
+    splitTrajs(theRun(), detection(1));
     std::vector<int> identities;
-    for (auto const& entry : tracked_trajs)
+    for (auto const& entry : theRun().tracked_trajs)
         identities.push_back(entry.second->rt->num);
     EXPECT_EQ(identities, (std::vector<int>{0, 2, 1, 3}));
 }
 
 TEST_F(SplitRoom, CandidatesAreOrderedByProbability) {
-    auto second = std::make_unique<hybTrajectory>(hybNT, 3);
+    auto second = std::make_unique<hybTrajectory>(theRun().hybNT, 3);
     second->traj->proba = 0.75;
-    tracked_trajs.emplace(1.0, std::move(second));
-    splitTrajs(detection(1));
-    EXPECT_EQ(tracked_trajs.begin()->first, 0.75);
-    EXPECT_EQ(tracked_trajs.begin()->second->rt->num, 1);
+    theRun().tracked_trajs.emplace(1.0, std::move(second));
+    splitTrajs(theRun(), detection(1));
+    EXPECT_EQ(theRun().tracked_trajs.begin()->first, 0.75);
+    EXPECT_EQ(theRun().tracked_trajs.begin()->second->rt->num, 1);
 }
 
 // A model without constraints is never split.
 TEST_F(SplitRoom, WithoutConstraintsACandidateStaysOne) {
-    hybNT->rt->gV.clear();
-    variable(hybNT->rt.get(), "room.x")->old = makeRange(9.0, 18.0, 1, 1);
-    hybNT->rt->valSpc = {0, 0, 0, 0};
+    theRun().hybNT->rt->gV.clear();
+    variable(theRun().hybNT->rt.get(), "room.x")->old = makeRange(9.0, 18.0, 1, 1);
+    theRun().hybNT->rt->valSpc = {0, 0, 0, 0};
     for (RunOptions const& options : {detection(1), simulation(1), simulation(0)}) {
-        splitTrajs(options);
-        ASSERT_EQ(tracked_trajs.size(), 1u);
-        EXPECT_EQ(tracked_trajs.begin()->second->rt->num, 0);
+        splitTrajs(theRun(), options);
+        ASSERT_EQ(theRun().tracked_trajs.size(), 1u);
+        EXPECT_EQ(theRun().tracked_trajs.begin()->second->rt->num, 0);
     }
 }
 
 TEST_F(SplitRoom, TheSplitRuntimesCanBeDropped) {
-    s_runtime* rt = hybNT->rt.get();
+    s_runtime* rt = theRun().hybNT->rt.get();
     variable(rt, "room.x")->old = makeRange(9.0, 18.0, 1, 1);
     sn_splitValiditySpc(rt);
-    ASSERT_EQ(nrt.size(), 3u);
+    ASSERT_EQ(theRun().engine.nrt.size(), 3u);
     // A runtime that was placed twice is destroyed once.
-    nrt.insert({nrt.rbegin()->first, nrt.rbegin()->second});
-    clearNrt(rt);
-    EXPECT_TRUE(nrt.empty());
+    theRun().engine.nrt.insert({theRun().engine.nrt.rbegin()->first, theRun().engine.nrt.rbegin()->second});
+    clearNrt(theRun(), rt);
+    EXPECT_TRUE(theRun().engine.nrt.empty());
     EXPECT_EQ(rt->num, 0);  // still there
 }
 
@@ -231,14 +232,14 @@ TEST_F(SplitRoom, ARunSplitsAtTenAndMergesAgain) {
         bool const enters = inf < 10.0 && sup > 10.0;
         EXPECT_EQ(told, sup > 10.0 && inf - 0.95 * measures[k - 1] < 10.0 ? "room.c1=c11\n" : "")
             << k;
-        ASSERT_EQ(tracked_trajs.size(), enters ? 2u : 1u) << k;
-        s_runtime const* first = tracked_trajs.begin()->second->rt.get();
-        s_runtime const* last = tracked_trajs.rbegin()->second->rt.get();
+        ASSERT_EQ(theRun().tracked_trajs.size(), enters ? 2u : 1u) << k;
+        s_runtime const* first = theRun().tracked_trajs.begin()->second->rt.get();
+        s_runtime const* last = theRun().tracked_trajs.rbegin()->second->rt.get();
         // Together they cover what the measures allow, however often it was split and merged.
         EXPECT_NEAR(sn_infOf(valueOf(first, "room.x")), inf, 1e-9) << k;
         EXPECT_NEAR(sn_supOf(valueOf(last, "room.x")), sup, 1e-9) << k;
-        EXPECT_EQ(spaceOf(tracked_trajs.begin()->second.get()), inf < 10.0 ? "c10" : "c11") << k;
-        EXPECT_EQ(spaceOf(tracked_trajs.rbegin()->second.get()), sup > 10.0 ? "c11" : "c10") << k;
+        EXPECT_EQ(spaceOf(theRun().tracked_trajs.begin()->second.get()), inf < 10.0 ? "c10" : "c11") << k;
+        EXPECT_EQ(spaceOf(theRun().tracked_trajs.rbegin()->second.get()), sup > 10.0 ? "c11" : "c10") << k;
     }
 }
 

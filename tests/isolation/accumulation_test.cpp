@@ -2,6 +2,7 @@
 // the text comes and goes by threshold and accumulation time.
 #include <algorithm>
 
+#include "fixtures/the_run.h"
 #include "isolation_fixture.h"
 
 using namespace isolation_test;
@@ -26,8 +27,8 @@ protected:
     // Starts a run with this window; the prediction of the measure is [0, 1] from then on.
     void start(int window) {
         graph.ready();
-        inps.assign(rt->input.size(), 0.0);
-        meas.assign(rt->measure.size(), 0.5);
+        theRun().engine.inps.assign(rt->input.size(), 0.0);
+        theRun().engine.meas.assign(rt->measure.size(), 0.5);
         complaint([&] { sorn_initialize(rt, 0, 0.01, "", window); });
         measure()->old = makeRange(0, 1, 1, 1);
     }

@@ -1,5 +1,6 @@
 // The older cycle in each of its modes: isolation alone, with a request given from outside, and
 // steps with checks and isolation.
+#include "fixtures/the_run.h"
 #include "console/isolation_request.h"
 #include "hybrid/tavro-runt.h"
 #include "isolation_fixture.h"
@@ -21,7 +22,7 @@ protected:
         graph.link("b", u, z);
         d = graph.link("d", u, z, 0, graph.constant(0));
         graph.ready();
-        tavro_rt = rt;
+        theRun().tavro_rt = rt;
     }
     std::string ask(char const* request, int mode) {
         tDiag = IsolationRequest(request);
@@ -58,14 +59,14 @@ TEST_F(Request, TakesNoStep) {
     rt->misbWindow = 3;
     rt->measure[1]->misbHisto = {0, 1, 0};
     rt->measure[1]->mesmisb = 1;
-    inps = {7.0};
+    theRun().engine.inps = {7.0};
     ask("y 1 1", 6);
     EXPECT_EQ(sn_infOf(rt->measure[0]->new_), 0.0);
     EXPECT_EQ(sn_infOf(rt->input[0]->new_), 0.0);
     EXPECT_EQ(rt->measure[1]->misbHisto, (std::vector<int>{0, 1, 0})) << "nothing ages";
     EXPECT_EQ(rt->measure[1]->mesmisb, 0) << "z was not named";
     EXPECT_EQ(rt->measure[0]->lowalarm, 0) << "nor is the loop opened";
-    EXPECT_TRUE(nrt.empty());
+    EXPECT_TRUE(theRun().engine.nrt.empty());
 }
 
 TEST_F(Request, WithoutAMisbehaviourNothingIsSent) {
@@ -111,7 +112,7 @@ TEST_F(Request, ARuntimeWithoutInfluencesIsInvalid) {
     CausalGraph empty;
     empty.measure("y");
     empty.ready();
-    tavro_rt = &empty.rt;
+    theRun().tavro_rt = &empty.rt;
     tDiag = IsolationRequest("y");
     EXPECT_EQ(sorn_doCycle(&empty.rt, 6, 0), -1);
 }
@@ -132,19 +133,19 @@ protected:
         y->old = makeRange(0, 1, 1, 1);
         rt->display = {y};
         graph.ready();
-        inps = {4.0};
-        meas = {9.0};
+        theRun().engine.inps = {4.0};
+        theRun().engine.meas = {9.0};
     }
-    ~OlderCycle() override { nrt.clear(); }
+    ~OlderCycle() override { theRun().engine.nrt.clear(); }
     std::string cycle(int mode, int threshold = 1) {
-        nrt.clear();
+        theRun().engine.nrt.clear();
         if (extra != nullptr)
-            nrt.insert({extra->num, extra.get()});
+            theRun().engine.nrt.insert({extra->num, extra.get()});
         return complaint([&] { result = sorn_doCycle(rt, mode, threshold); });
     }
     // Another runtime of the split.
     void split() {
-        rt_num = rt->num + 1;
+        theRun().engine.rt_num = rt->num + 1;
         extra = sn_copyRuntime(rt);
     }
 
@@ -164,7 +165,7 @@ TEST_F(OlderCycle, TakesAStepAndMovesNothing) {
         EXPECT_EQ(sn_infOf(x->new_), 4.0) << "the input of this cycle";
         EXPECT_EQ(sn_infOf(x->old), 0.0);
         EXPECT_EQ(sn_infOf(y->mes), 9.0);
-        EXPECT_EQ(nrt.size(), 1u) << "the runtime itself";
+        EXPECT_EQ(theRun().engine.nrt.size(), 1u) << "the runtime itself";
         y->old = makeRange(0, 1, 1, 1);
     }
 }
@@ -210,8 +211,8 @@ TEST_F(OlderCycle, AnIsolationHasTheLevelOfItsMode) {
     s_Variable* z = graph.measureOf("z", {"b", "c"});
     z->old = makeRange(0, 1, 1, 1);
     graph.ready();
-    meas = {9.0, 0.5};
-    inps.resize(rt->input.size());
+    theRun().engine.meas = {9.0, 0.5};
+    theRun().engine.inps.resize(rt->input.size());
     EXPECT_EQ(cycle(3), sent("[{b,0,()}][{a,0,()}]"));
     EXPECT_EQ(cycle(4), sent("[{a,0,()}][{b,0,()}{c,0,()}]"));
     EXPECT_EQ(cycle(5), sent("[{a,0,()}]"));
@@ -222,7 +223,7 @@ TEST_F(OlderCycle, AnIsolationKeepsAWindow) {
     rt->misbWindow = 2;
     EXPECT_EQ(cycle(3), sent("[{b,0,()}]"));
     EXPECT_EQ(y->misbHisto, (std::vector<int>{1, 0}));
-    meas = {0.5};
+    theRun().engine.meas = {0.5};
     EXPECT_EQ(cycle(3), sent("[{b,0,()}]"));
     EXPECT_EQ(cycle(3), "");
 }
@@ -231,7 +232,7 @@ TEST_F(OlderCycle, AnIsolationKeepsAWindow) {
 TEST_F(OlderCycle, EveryRuntimeOfTheSplitIsChecked) {
     split();
     rt->globalOn = extra->globalOn = 1;
-    meas = {9.0};
+    theRun().engine.meas = {9.0};
     extra->measure[0]->mes = makeReal(-9.0);
     EXPECT_EQ(cycle(3), sent("[{b,0,()}]") + sent("[{b,0,()}]"));
     EXPECT_EQ(rt->highalarm[0], 1);

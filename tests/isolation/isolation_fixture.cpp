@@ -1,4 +1,5 @@
 // Suspects as text, and the making of causal graphs.
+#include "fixtures/the_run.h"
 #include "isolation_fixture.h"
 
 #include <sstream>
@@ -179,11 +180,11 @@ Suspects upstreamOf(s_runtime const* rt, s_Variable* variable, int delay) {
 }
 
 void IsolationTest::reset() {
-    env_opti = 1;
-    inps.clear();
-    meas.clear();
-    nrt.clear();
-    tavro_rt = nullptr;
+    theRun().engine.env_opti = 1;
+    theRun().engine.inps.clear();
+    theRun().engine.meas.clear();
+    theRun().engine.nrt.clear();
+    theRun().tavro_rt = nullptr;
     tDiag = IsolationRequest(nullptr);
 }
 

@@ -1,6 +1,7 @@
 // The room's fault files, from alarm to explanation: what is found, and that what was found follows
 // the measures from then on.
 
+#include "fixtures/the_run.h"
 #include "diagnosis/fault_run.h"
 
 using namespace diagnosis_fixture;
@@ -17,9 +18,9 @@ public:
         while (run.time < last) {
             bool const nominal = run.step();
             errors += run.told;
-            if (diag_flag && detection == 0)
+            if (theRun().diag_flag && detection == 0)
                 detection = run.time;
-            else if (!nominal && diag_flag)
+            else if (!nominal && theRun().diag_flag)
                 ++misbehavioursAfter;
         }
     }
@@ -60,8 +61,8 @@ TEST_P(EveryLevel, GoesOnWhereTheModelHasNoSuchFault) {
         WatchedRun run(file, GetParam());
         run.to(120);
         EXPECT_NE(run.errors.find("Diagnosis completed"), std::string::npos);
-        EXPECT_FALSE(tracked_trajs.empty());
-        EXPECT_EQ(hybNT, tracked_trajs.begin()->second.get());
+        EXPECT_FALSE(theRun().tracked_trajs.empty());
+        EXPECT_EQ(theRun().hybNT, theRun().tracked_trajs.begin()->second.get());
     }
 }
 
@@ -71,7 +72,7 @@ TEST_P(EveryLevel, DiagnosesEveryCandidateWithoutMerging) {
     run.to(35);
     EXPECT_EQ(run.detection, 27);
     EXPECT_NE(run.errors.find("Diagnosis completed"), std::string::npos);
-    EXPECT_FALSE(tracked_trajs.empty());
+    EXPECT_FALSE(theRun().tracked_trajs.empty());
 }
 
 INSTANTIATE_TEST_SUITE_P(Levels, EveryLevel, testing::Values(1, 2, 3));

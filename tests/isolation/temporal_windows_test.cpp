@@ -2,6 +2,7 @@
 // suspects of whom no atom can be accused. With the statuses of the process and the last words.
 #include <unistd.h>
 
+#include "fixtures/the_run.h"
 #include "continuous/isolation.h"
 #include "continuous/model_parts.h"
 #include "hybrid/hybrid_fixture.h"
@@ -22,14 +23,14 @@ protected:
     static void inChild(Action action) {
         dup2(STDERR_FILENO, STDOUT_FILENO);
         std::atexit([] {
-            tracked_trajs.clear();
-            misbtrajs.clear();
+            theRun().tracked_trajs.clear();
+            theRun().misbtrajs.clear();
         });
         action();
         std::cerr << "still there" << std::endl;
         _exit(0);
     }
-    static hybTrajectory* candidate() { return tracked_trajs.begin()->second.get(); }
+    static hybTrajectory* candidate() { return theRun().tracked_trajs.begin()->second.get(); }
     static s_runtime* rt() { return candidate()->rt.get(); }
 
     // The candidate becomes a diagnosis whose fault lies at that step, and that step at that time.
@@ -50,24 +51,24 @@ using WindowsDeath = AtTheAlarm;
 TEST_F(WindowsDeath, AFaultBeforeTheContinuousWindowEndsTheProgram) {
     rt()->twc = 3;
     diagnosed(1, 6.0);
-    EXPECT_EXIT(inChild([] { verifyAndUpdateTrajs(now, threshold); }), testing::ExitedWithCode(1),
+    EXPECT_EXIT(inChild([] { verifyAndUpdateTrajs(theRun(), now, threshold); }), testing::ExitedWithCode(1),
                 "discrete fault time: 1\ncont_fault_time: 6 -- stime: 10-- twc: 3\n"
                 "The fault isn't in the continuous temporal window !\n$");
     diagnosed(1, 7.0);
-    EXPECT_EXIT(inChild([] { verifyAndUpdateTrajs(now, threshold); }), testing::ExitedWithCode(0),
+    EXPECT_EXIT(inChild([] { verifyAndUpdateTrajs(theRun(), now, threshold); }), testing::ExitedWithCode(0),
                 "still there\n$");
 }
 
 // The discrete window is of five steps. Required: it is compared with the sample period, so only a
 // long one can bring a fault outside.
 TEST_F(WindowsDeath, AFaultBeforeTheDiscreteWindowEndsTheProgram) {
-    ASSERT_EQ(Trajectory::twd, 5);
+    ASSERT_EQ(theRun().scheduler.book.twd, 5);
     rt()->Ts = 10.0;
     diagnosed(4, 9.0);
-    EXPECT_EXIT(inChild([] { verifyAndUpdateTrajs(now, threshold); }), testing::ExitedWithCode(1),
+    EXPECT_EXIT(inChild([] { verifyAndUpdateTrajs(theRun(), now, threshold); }), testing::ExitedWithCode(1),
                 "The fault isn't in the discrete temporal window !\n$");
     diagnosed(5, 9.0);
-    EXPECT_EXIT(inChild([] { verifyAndUpdateTrajs(now, threshold); }), testing::ExitedWithCode(0),
+    EXPECT_EXIT(inChild([] { verifyAndUpdateTrajs(theRun(), now, threshold); }), testing::ExitedWithCode(0),
                 "still there\n$");
 }
 
@@ -75,7 +76,7 @@ TEST_F(WindowsDeath, TheDiscreteWindowIsLookedAtFirst) {
     rt()->Ts = 10.0;
     rt()->twc = 3;
     diagnosed(4, 6.0);
-    EXPECT_EXIT(inChild([] { verifyAndUpdateTrajs(now, threshold); }), testing::ExitedWithCode(1),
+    EXPECT_EXIT(inChild([] { verifyAndUpdateTrajs(theRun(), now, threshold); }), testing::ExitedWithCode(1),
                 "The fault isn't in the discrete temporal window !\n$");
 }
 
@@ -85,15 +86,15 @@ TEST_F(WindowsDeath, AFaultWithoutATimeIsNotReplayed) {
     rt()->twc = 3;
     diagnosed(2, 6.0);
     candidate()->traj->timeCorr.clear();
-    streamsOf([] { EXPECT_FALSE(verifyAndUpdateTrajs(now, threshold)); });
-    EXPECT_EQ(tracked_trajs.size(), 1u);
+    streamsOf([] { EXPECT_FALSE(verifyAndUpdateTrajs(theRun(), now, threshold)); });
+    EXPECT_EQ(theRun().tracked_trajs.size(), 1u);
 }
 
 // Without a fault there is nothing to go back to.
 TEST_F(WindowsDeath, ACandidateWithoutAFaultIsNotMovedBack) {
     rt()->twc = 0;
     hybTrajectory const* before = candidate();
-    streamsOf([] { EXPECT_FALSE(verifyAndUpdateTrajs(now, threshold)); });
+    streamsOf([] { EXPECT_FALSE(verifyAndUpdateTrajs(theRun(), now, threshold)); });
     EXPECT_EQ(candidate(), before);
 }
 
@@ -113,9 +114,9 @@ protected:
     }
     // The end of the program that the isolation of the candidate at a level leads to.
     static void isolated(int level) {
-        misbtrajs = std::move(tracked_trajs);
-        misbtrajs.begin()->second->rt->measure[0]->mesmisb = 1;
-        handleMisbTrajs(CYCLE_DETECT + level, threshold, now);
+        theRun().misbtrajs = std::move(theRun().tracked_trajs);
+        theRun().misbtrajs.begin()->second->rt->measure[0]->mesmisb = 1;
+        handleMisbTrajs(theRun(), CYCLE_DETECT + level, threshold, now);
     }
 };
 

@@ -1,4 +1,5 @@
 // Atoms: construction, truth, labels, links, and printing.
+#include "fixtures/the_run.h"
 #include "model/model_fixture.h"
 
 using model_fixture::printed;
@@ -49,9 +50,9 @@ TEST(Atom, EntersItselfAmongTheLinksOfItsVariable) {
 }
 
 TEST(Atom, IsNotEnteredInTheRegistry) {
-    std::size_t const before = DataManager::active_atoms.size();
+    std::size_t const before = thePlant().active_atoms.size();
     Valued<> const mode("m", {"on"});
-    EXPECT_EQ(DataManager::active_atoms.size(), before);
+    EXPECT_EQ(thePlant().active_atoms.size(), before);
 }
 
 TEST(Atom, ValueOutsideTheDomainIsToldAndLeavesNoVariable) {
@@ -81,7 +82,7 @@ TEST(Atom, WithoutVariableIsHarmless) {
     EXPECT_EQ(atom->getVarType(), "");
     EXPECT_TRUE(atom->getSiblings().empty());
     EXPECT_EQ(atom->getAtomLink("m=broken"), nullptr);
-    EXPECT_EQ(printed([&] { atom->showAtom(true); }),
+    EXPECT_EQ(printed([&] { atom->showAtom(std::cout, true); }),
               "--- Atom n\260# ---\nm=broken --> [0]\nlabel : true\npropagation number : 0\n");
 }
 
@@ -196,7 +197,7 @@ TEST(Atom, TopologicalNumberGoesUpAndDown) {
 
 TEST(Atom, ShowsItsIdAloneWithoutLineEnd) {
     Valued<> const mode("room.mode", {"open"});
-    EXPECT_EQ(printed([&] { mode["open"]->showAtom(false); }), "room.mode=open");
+    EXPECT_EQ(printed([&] { mode["open"]->showAtom(std::cout, false); }), "room.mode=open");
 }
 
 // The degree sign is the single byte 0xB0, 260 in octal.
@@ -204,12 +205,12 @@ TEST(Atom, ShowsEverythingInFull) {
     Valued<> const mode("room.mode", {"open", "closed"});
     mode["open"]->setLabel("true");
     mode["open"]->propagationNumber = 12;
-    EXPECT_EQ(printed([&] { mode["open"]->showAtom(true); }),
+    EXPECT_EQ(printed([&] { mode["open"]->showAtom(std::cout, true); }),
               "--- Atom n\260# ---\n"
               "room.mode=open --> [1]\n"
               "label : true\n"
               "propagation number : 12\n");
-    EXPECT_EQ(printed([&] { mode["closed"]->showAtom(true); }),
+    EXPECT_EQ(printed([&] { mode["closed"]->showAtom(std::cout, true); }),
               "--- Atom n\260# ---\n"
               "room.mode=closed --> [0]\n"
               "label : unknown\n"

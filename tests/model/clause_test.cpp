@@ -203,19 +203,19 @@ TEST_F(ClauseTest, RepeatedSupportAppendsAgain) {
 }
 
 TEST_F(ClauseTest, ShowsAnEmptyClause) {
-    EXPECT_EQ(printed([&] { clause.showClause(true); }), "null\ncl size: 0\n\n");
+    EXPECT_EQ(printed([&] { clause.showClause(std::cout, true); }), "null\ncl size: 0\n\n");
 }
 
 TEST_F(ClauseTest, ShowsLiteralsInTheOrderOfTheWalkWhateverTheArgument) {
     fill(clause, {{"x", true}, {"y", false}, {"z", false}});
     std::string const text = "cl size: 3\nnon - v=x \\/ v=z \\/ v=y\n";
-    EXPECT_EQ(printed([&] { clause.showClause(true); }), text);
-    EXPECT_EQ(printed([&] { clause.showClause(false); }), text);
+    EXPECT_EQ(printed([&] { clause.showClause(std::cout, true); }), text);
+    EXPECT_EQ(printed([&] { clause.showClause(std::cout, false); }), text);
 }
 
 TEST_F(ClauseTest, ShowsASingleLiteralWithoutSeparator) {
     fill(clause, {{"x", false}});
-    EXPECT_EQ(printed([&] { clause.showClause(true); }), "cl size: 1\nv=x\n");
+    EXPECT_EQ(printed([&] { clause.showClause(std::cout, true); }), "cl size: 1\nv=x\n");
 }
 
 }  // namespace

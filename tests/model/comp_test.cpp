@@ -162,7 +162,7 @@ TEST_F(CompTest, NominalCoverWithoutNominalTransitionIsNotANumber) {
 
 TEST_F(CompTest, CertainTransitionIsAGuardByItself) {
     add({{true, on}}, on, 1.0);
-    comp.getTransitionsGuards();
+    comp.getTransitionsGuards(std::cerr);
     EXPECT_EQ(on->guards, 1u);
     EXPECT_EQ(mode->guards, 1);
     EXPECT_EQ(off->guards, 0u);
@@ -171,7 +171,7 @@ TEST_F(CompTest, CertainTransitionIsAGuardByItself) {
 TEST_F(CompTest, LoneUncertainTransitionCountsNothing) {
     add({{true, on}}, off, 0.99);
     add({{true, off}}, on, 0.5);
-    comp.getTransitionsGuards();
+    comp.getTransitionsGuards(std::cerr);
     EXPECT_EQ(on->guards, 0u);
     EXPECT_EQ(off->guards, 0u);
     EXPECT_EQ(mode->guards, 0);
@@ -183,7 +183,7 @@ TEST_F(CompTest, GroupOfEqualGuardsCountsThePairs) {
         add({{true, on}}, off, proba);
     add({{true, off}}, on, 0.5);
     add({{true, off}}, off, 0.5);
-    comp.getTransitionsGuards();
+    comp.getTransitionsGuards(std::cerr);
     EXPECT_EQ(on->guards, 6u);
     EXPECT_EQ(off->guards, 1u);
     EXPECT_EQ(mode->guards, 7);
@@ -194,7 +194,7 @@ TEST_F(CompTest, CertainTransitionAmongEqualGuards) {
     add({{true, on}}, off, 0.5);
     add({{true, on}}, on, 1.0);
     add({{true, on}}, broken, 0.5);
-    comp.getTransitionsGuards();
+    comp.getTransitionsGuards(std::cerr);
     EXPECT_EQ(on->guards, 3u);
 }
 
@@ -202,7 +202,7 @@ TEST_F(CompTest, CertainTransitionAmongEqualGuards) {
 TEST_F(CompTest, WiderGuardCountsOnlyWhenItComesLater) {
     add({{true, on}}, off, 0.5);
     add({{true, go}, {true, on}}, broken, 0.5);
-    comp.getTransitionsGuards();
+    comp.getTransitionsGuards(std::cerr);
     EXPECT_EQ(on->guards, 1u);
     EXPECT_EQ(mode->guards, 1);
 
@@ -213,7 +213,7 @@ TEST_F(CompTest, WiderGuardCountsOnlyWhenItComesLater) {
         formulaOf({{true, go}, {true, there}}), formulaOf({{true, there}}), "Nominal", 0.5));
     reversed.addTransitionToC(std::make_unique<Transition>(
         formulaOf({{true, there}}), formulaOf({{true, there}}), "Nominal", 0.5));
-    reversed.getTransitionsGuards();
+    reversed.getTransitionsGuards(std::cerr);
     EXPECT_EQ(there->guards, 0u);
 }
 
@@ -222,7 +222,7 @@ TEST_F(CompTest, EveryCountGoesToTheModeLeft) {
     add({{true, on}}, off, 1.0);
     add({{true, broken}}, off, 1.0);
     add({{true, broken}}, on, 1.0);
-    comp.getTransitionsGuards();
+    comp.getTransitionsGuards(std::cerr);
     EXPECT_EQ(on->guards, 1u);
     EXPECT_EQ(broken->guards, 2u);
     EXPECT_EQ(off->guards, 0u);
@@ -234,8 +234,8 @@ TEST_F(CompTest, SecondCountDoublesTheCounters) {
     add({{true, on}}, off, 0.5);
     add({{true, on}}, broken, 0.5);
     add({{true, off}}, on, 1.0);
-    comp.getTransitionsGuards();
-    comp.getTransitionsGuards();
+    comp.getTransitionsGuards(std::cerr);
+    comp.getTransitionsGuards(std::cerr);
     EXPECT_EQ(on->guards, 2u);
     EXPECT_EQ(off->guards, 2u);
     EXPECT_EQ(mode->guards, 4);
@@ -248,7 +248,7 @@ TEST_F(CompTest, GuardWithoutModeIsToldAndSkipped) {
         std::make_unique<Transition>(nullptr, formulaOf({{true, off}}), "Nominal", 1.0));
     add({{true, go}}, off, 1.0);
     add({{true, on}}, broken, 0.5);
-    EXPECT_EQ(complaint([&] { comp.getTransitionsGuards(); }),
+    EXPECT_EQ(complaint([&] { comp.getTransitionsGuards(std::cerr); }),
               "Transition 1 of t has no mode in its guard.\n"
               "Transition 2 of t has no mode in its guard.\n");
     EXPECT_EQ(on->guards, 1u);

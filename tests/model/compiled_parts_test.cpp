@@ -1,5 +1,6 @@
 // What compiled models are made with: the exclusive choice, transitions in short, and bridged
 // atoms.
+#include "fixtures/the_run.h"
 #include "model/exclusiveChoice.h"
 #include "model/model_fixture.h"
 #include "model/transitionParts.h"
@@ -19,10 +20,10 @@ TEST_F(ExclusiveChoice, StatesEveryPairAndThenTheWhole) {
     Comp comp("c");
     Valued<> mode("m", {"x", "y", "z"});
     mode.variable.setComp(&comp);
-    addExclusiveChoice(&mode.variable);
-    ASSERT_EQ(DataManager::cls.size(), 4u);
+    addExclusiveChoice(thePlant(), &mode.variable);
+    ASSERT_EQ(thePlant().cls.size(), 4u);
     std::vector<std::string> walks;
-    for (auto const& clause : DataManager::cls) {
+    for (auto const& clause : thePlant().cls) {
         walks.push_back(walk(clause->atoms));
         EXPECT_TRUE(clause->getInternal());
         EXPECT_EQ(clause->comp, &comp);
@@ -32,9 +33,9 @@ TEST_F(ExclusiveChoice, StatesEveryPairAndThenTheWhole) {
 
 TEST_F(ExclusiveChoice, IsEnteredInTheVariableAndInTheAtoms) {
     Valued<> mode("m", {"x", "y", "z"});
-    addExclusiveChoice(&mode.variable);
+    addExclusiveChoice(thePlant(), &mode.variable);
     std::vector<Clause*> all;
-    for (auto const& clause : DataManager::cls)
+    for (auto const& clause : thePlant().cls)
         all.push_back(clause.get());
     EXPECT_EQ(mode.variable.clauses, all);
     EXPECT_EQ(mode["x"]->clauses, (std::vector<Clause*>{all[0], all[1], all[3]}));
@@ -44,9 +45,9 @@ TEST_F(ExclusiveChoice, IsEnteredInTheVariableAndInTheAtoms) {
 
 TEST_F(ExclusiveChoice, OfASingleValueSaysThatItHolds) {
     Valued<> mode("m", {"x"});
-    addExclusiveChoice(&mode.variable);
-    ASSERT_EQ(DataManager::cls.size(), 1u);
-    EXPECT_EQ(walk(DataManager::cls[0]->atoms), "-x");
+    addExclusiveChoice(thePlant(), &mode.variable);
+    ASSERT_EQ(thePlant().cls.size(), 1u);
+    EXPECT_EQ(walk(thePlant().cls[0]->atoms), "-x");
 }
 
 TEST(MkTransition, PutsGuardAndEffectTogether) {

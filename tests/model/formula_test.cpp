@@ -26,7 +26,7 @@ TEST_F(FormulaTest, StartsEmpty) {
     EXPECT_EQ(formula.pre, nullptr);
     EXPECT_EQ(formula.post, nullptr);
     EXPECT_EQ(formula.formulas, nullptr);
-    EXPECT_EQ(printed([&] { formula.showFormula(); }), "\n");
+    EXPECT_EQ(printed([&] { formula.showFormula(std::cout); }), "\n");
 }
 
 TEST_F(FormulaTest, OperatorIsFreeText) {
@@ -48,15 +48,15 @@ TEST_F(FormulaTest, TakesBothSidesAndIgnoresTheTrailingFlag) {
         EXPECT_EQ(formula.post.get(), postGiven);
         EXPECT_EQ(formula.formulas, nullptr);
         EXPECT_EQ(formula.getOperat(), "");
-        EXPECT_EQ(printed([&] { formula.showFormula(); }), "(v=x  ) => (v=y  )\n");
+        EXPECT_EQ(printed([&] { formula.showFormula(std::cout); }), "(v=x  ) => (v=y  )\n");
     }
 }
 
 TEST_F(FormulaTest, ShowsASideAlone) {
     Formula const left(formulaOf({{true, x}}), nullptr, nullptr);
-    EXPECT_EQ(printed([&] { left.showFormula(); }), "(v=x  ) => \n");
+    EXPECT_EQ(printed([&] { left.showFormula(std::cout); }), "(v=x  ) => \n");
     Formula const right(nullptr, formulaOf({{true, y}}), nullptr);
-    EXPECT_EQ(printed([&] { right.showFormula(); }), "(v=y  )\n");
+    EXPECT_EQ(printed([&] { right.showFormula(std::cout); }), "(v=y  )\n");
 }
 
 TEST_F(FormulaTest, SubFormulasAreAppended) {
@@ -80,14 +80,14 @@ TEST_F(FormulaTest, ShowsSubFormulasWithTabsBetween) {
     subs->push_back(implication(x, y));
     subs->push_back(implication(y, x));
     Formula const formula(formulaOf({{false, x}}), nullptr, std::move(subs));
-    EXPECT_EQ(printed([&] { formula.showFormula(); }),
+    EXPECT_EQ(printed([&] { formula.showFormula(std::cout); }),
               "(!v=x  ) => (v=x  ) => (v=y  )\n"
               "\t\t(v=y  ) => (v=x  )\n");
 }
 
 TEST_F(FormulaTest, EmptySetOfSubFormulasEndsNoLine) {
     Formula const formula(formulaOf({{true, x}}), nullptr, std::make_unique<Formula::Formulas>());
-    EXPECT_EQ(printed([&] { formula.showFormula(); }), "(v=x  ) => ");
+    EXPECT_EQ(printed([&] { formula.showFormula(std::cout); }), "(v=x  ) => ");
 }
 
 }  // namespace

@@ -2,6 +2,7 @@
 //
 // Components of one letter are walked by their character code, R (82) before T (84). The table for
 // R comes first; each further component repeats it once for each of its transitions.
+#include "fixtures/the_run.h"
 #include "model/model_fixture.h"
 
 using model_fixture::complaint;
@@ -21,7 +22,7 @@ protected:
     // What the check prints on standard output; *told* is what it says on the error stream.
     std::string check() {
         std::string output;
-        told = complaint([&] { output = printed([] { DataManager::testTransitionsProbas(); }); });
+        told = complaint([&] { output = printed([] { theRun().scheduler.testTransitionsProbas(); }); });
         return output;
     }
 
@@ -69,7 +70,7 @@ TEST_F(JointProbabilities, LoneTransitionOfALaterComponentIsMultiplied) {
 
 TEST_F(JointProbabilities, SkipNullEntries) {
     component("R", {0.25, 0.75});
-    DataManager::getComp("S");
+    theRun().scheduler.getComp("S");
     EXPECT_EQ(check(), report("2", "0.25 0.75 test of transitions probabilities : 1\n"));
 }
 

@@ -1,4 +1,5 @@
 // The shared pieces of the tests of the discrete model.
+#include "fixtures/the_run.h"
 #include "model/model_fixture.h"
 
 namespace model_fixture {
@@ -33,13 +34,13 @@ std::unique_ptr<Transition> move(Atom* from, Atom* to, std::string const& type, 
 namespace {
 
 void emptyRegistry() {
-    DataManager::active_comps.clear();
-    DataManager::active_atoms.clear();
-    DataManager::active_trans.clear();
-    DataManager::cls.clear();
-    DataManager::states_cover.clear();
-    DataManager::traj_cover = 0.0;
-    DataManager::itms_calls = 0;
+    thePlant().active_comps.clear();
+    thePlant().active_atoms.clear();
+    thePlant().active_trans.clear();
+    thePlant().cls.clear();
+    theRun().scheduler.states_cover.clear();
+    theRun().scheduler.traj_cover = 0.0;
+    theRun().scheduler.itms_calls = 0;
 }
 
 DataManager& onlyRegistry() {

@@ -15,7 +15,7 @@
 #include "model/Atom.h"
 #include "model/CommandVar.h"
 #include "model/CondVarrt.h"
-#include "model/DataManagerrt.h"
+#include "trajectory/DataManagerrt.h"
 #include "model/ModeVarrt.h"
 #include "model/StateFormula.h"
 #include "model/Transitionrt.h"

@@ -6,6 +6,7 @@
 #include <filesystem>
 #include <fstream>
 
+#include "fixtures/the_run.h"
 #include "model/model_fixture.h"
 
 using model_fixture::complaint;
@@ -16,36 +17,36 @@ using model_fixture::Valued;
 namespace {
 
 TEST(RegistryStart, StatisticsBeginAtTheirInitialValues) {
-    EXPECT_EQ(DataManager::trajectories_created, 1u);
-    EXPECT_EQ(DataManager::trajectories_checked, 0u);
-    EXPECT_EQ(DataManager::transitions_checked, 0u);
-    EXPECT_EQ(DataManager::trajectories_destroyed, 0u);
-    EXPECT_EQ(DataManager::itms_calls, 0u);
-    EXPECT_EQ(DataManager::traj_cover, 0.0);
-    EXPECT_EQ(DataManager::model_name, "");
+    EXPECT_EQ(theRun().scheduler.trajectories_created, 1u);
+    EXPECT_EQ(theRun().scheduler.trajectories_checked, 0u);
+    EXPECT_EQ(theRun().scheduler.transitions_checked, 0u);
+    EXPECT_EQ(theRun().scheduler.trajectories_destroyed, 0u);
+    EXPECT_EQ(theRun().scheduler.itms_calls, 0u);
+    EXPECT_EQ(theRun().scheduler.traj_cover, 0.0);
+    EXPECT_EQ(thePlant().name, "");
 }
 
 TEST_F(RegistryTest, InitStartsTheCoverOfStepZero) {
-    DataManager::states_cover[0] = 0.5;
+    theRun().scheduler.states_cover[0] = 0.5;
     EXPECT_EQ(registry.init(), 1);
-    ASSERT_EQ(DataManager::states_cover.count(0), 1u);
-    EXPECT_EQ(DataManager::states_cover[0], 0.0);
-    EXPECT_EQ(DataManager::states_cover.size(), 1u);
+    ASSERT_EQ(theRun().scheduler.states_cover.count(0), 1u);
+    EXPECT_EQ(theRun().scheduler.states_cover[0], 0.0);
+    EXPECT_EQ(theRun().scheduler.states_cover.size(), 1u);
 }
 
 TEST_F(RegistryTest, ConstructionStartsTheCoverOfStepZero) {
-    DataManager::states_cover[0] = 0.5;
+    theRun().scheduler.states_cover[0] = 0.5;
     static auto const* const kept = new DataManager;
     ASSERT_NE(kept, nullptr);
-    EXPECT_EQ(DataManager::states_cover[0], 0.0);
+    EXPECT_EQ(theRun().scheduler.states_cover[0], 0.0);
 }
 
 TEST_F(RegistryTest, FindsComponentsByTheTextOfTheirName) {
     Comp* room = component("room", {});
     std::string const name = "room";
-    EXPECT_EQ(DataManager::getComp(name.c_str()), room);
-    EXPECT_EQ(DataManager::active_comps.size(), 1u);
-    EXPECT_EQ(DataManager::active_comps.begin()->first, room->getName())
+    EXPECT_EQ(theRun().scheduler.getComp(name.c_str()), room);
+    EXPECT_EQ(thePlant().active_comps.size(), 1u);
+    EXPECT_EQ(thePlant().active_comps.begin()->first, room->getName())
         << "the key is the component's own text";
 }
 
@@ -56,50 +57,50 @@ TEST_F(RegistryTest, AddCompReturnsTheDerivedComponent) {
     };
     Room* room = registry.addComp(std::make_unique<Room>());
     EXPECT_EQ(room->windows, 2);
-    EXPECT_EQ(DataManager::getComp("room"), room);
+    EXPECT_EQ(theRun().scheduler.getComp("room"), room);
 }
 
 TEST_F(RegistryTest, UnknownComponentEntersANullThatWalksMeet) {
     component("room", {0.5});
-    EXPECT_EQ(DataManager::getComp("cellar"), nullptr);
-    EXPECT_EQ(DataManager::active_comps.size(), 2u);
-    EXPECT_EQ(DataManager::active_comps.count("cellar"), 1u);
-    EXPECT_EQ(DataManager::getComp("cellar"), nullptr);
-    EXPECT_EQ(DataManager::active_comps.size(), 2u) << "the second question enters no more";
-    EXPECT_EQ(printed([] { DataManager::showComps(); }), "room -- room\n");
+    EXPECT_EQ(theRun().scheduler.getComp("cellar"), nullptr);
+    EXPECT_EQ(thePlant().active_comps.size(), 2u);
+    EXPECT_EQ(thePlant().active_comps.count("cellar"), 1u);
+    EXPECT_EQ(theRun().scheduler.getComp("cellar"), nullptr);
+    EXPECT_EQ(thePlant().active_comps.size(), 2u) << "the second question enters no more";
+    EXPECT_EQ(printed([] { theRun().scheduler.showComps(); }), "room -- room\n");
 }
 
 // Both names have their own bucket (78 and 41 of 193), so neither finds the slot any more.
 TEST_F(RegistryTest, RenamingARegisteredComponentLosesItsSlot) {
     Comp* comp = component("aaaa", {});
     comp->setName("bbbb");
-    EXPECT_STREQ(DataManager::active_comps.begin()->first, "bbbb");
-    EXPECT_EQ(DataManager::active_comps.count("aaaa"), 0u);
-    EXPECT_EQ(DataManager::active_comps.count("bbbb"), 0u);
-    EXPECT_EQ(DataManager::active_comps.size(), 1u);
+    EXPECT_STREQ(thePlant().active_comps.begin()->first, "bbbb");
+    EXPECT_EQ(thePlant().active_comps.count("aaaa"), 0u);
+    EXPECT_EQ(thePlant().active_comps.count("bbbb"), 0u);
+    EXPECT_EQ(thePlant().active_comps.size(), 1u);
 }
 
 TEST_F(RegistryTest, FindsAtomsByIdAndEntersANullForAnUnknownOne) {
     Valued<> const mode("m", {"on", "off"});
     registry.addAtom(mode["on"]);
     registry.addAtom(mode["off"]);
-    EXPECT_EQ(DataManager::getAtom("m=on"), mode["on"]);
-    EXPECT_EQ(DataManager::getAtom("m=off"), mode["off"]);
-    EXPECT_EQ(DataManager::active_atoms.size(), 2u);
-    EXPECT_EQ(DataManager::getAtom("m=gone"), nullptr);
-    EXPECT_EQ(DataManager::active_atoms.size(), 3u);
-    DataManager::active_atoms.clear();
+    EXPECT_EQ(theRun().scheduler.getAtom("m=on"), mode["on"]);
+    EXPECT_EQ(theRun().scheduler.getAtom("m=off"), mode["off"]);
+    EXPECT_EQ(thePlant().active_atoms.size(), 2u);
+    EXPECT_EQ(theRun().scheduler.getAtom("m=gone"), nullptr);
+    EXPECT_EQ(thePlant().active_atoms.size(), 3u);
+    thePlant().active_atoms.clear();
 }
 
 TEST_F(RegistryTest, TakesClausesInOrder) {
     auto first = std::make_unique<Clause>(static_cast<Comp*>(nullptr));
     Clause* const given = first.get();
-    EXPECT_EQ(DataManager::addClause(std::move(first)), given);
+    EXPECT_EQ(thePlant().addClause(std::move(first)), given);
     Clause* const second =
-        DataManager::addClause(std::make_unique<Clause>(static_cast<Comp*>(nullptr)));
-    ASSERT_EQ(DataManager::cls.size(), 2u);
-    EXPECT_EQ(DataManager::cls[0].get(), given);
-    EXPECT_EQ(DataManager::cls[1].get(), second);
+        thePlant().addClause(std::make_unique<Clause>(static_cast<Comp*>(nullptr)));
+    ASSERT_EQ(thePlant().cls.size(), 2u);
+    EXPECT_EQ(thePlant().cls[0].get(), given);
+    EXPECT_EQ(thePlant().cls[1].get(), second);
 }
 
 TEST_F(RegistryTest, SearchesAVectorByPointer) {
@@ -147,46 +148,46 @@ TEST_F(RegistryTest, CoverOfAStepGrowsByTheWeightPerComponent) {
     Transition* transition = component("room", {0.5})->getCompTransitions()[0].get();
     component("cellar", {});
     transition->weight = 0.5;
-    DataManager::updateStatesCover(3, transition);
-    EXPECT_DOUBLE_EQ(DataManager::states_cover[3], 0.25);
-    DataManager::updateStatesCover(3, transition);
-    EXPECT_DOUBLE_EQ(DataManager::states_cover[3], 0.5);
-    DataManager::updateStatesCover(4, transition);
-    EXPECT_DOUBLE_EQ(DataManager::states_cover[4], 0.25);
-    DataManager::getComp("attic");
-    DataManager::updateStatesCover(5, transition);
-    EXPECT_DOUBLE_EQ(DataManager::states_cover[5], 0.5 / 3.0) << "a null entry counts too";
+    theRun().scheduler.updateStatesCover(3, transition);
+    EXPECT_DOUBLE_EQ(theRun().scheduler.states_cover[3], 0.25);
+    theRun().scheduler.updateStatesCover(3, transition);
+    EXPECT_DOUBLE_EQ(theRun().scheduler.states_cover[3], 0.5);
+    theRun().scheduler.updateStatesCover(4, transition);
+    EXPECT_DOUBLE_EQ(theRun().scheduler.states_cover[4], 0.25);
+    theRun().scheduler.getComp("attic");
+    theRun().scheduler.updateStatesCover(5, transition);
+    EXPECT_DOUBLE_EQ(theRun().scheduler.states_cover[5], 0.5 / 3.0) << "a null entry counts too";
 }
 
 // (0 + 0.2 + 0.4) / 2, then (0.3 + 0.2 + 0.4) / 2: the earlier result is built on.
 TEST_F(RegistryTest, CoverOfTheTrajectoriesBuildsOnTheEarlierCall) {
-    DataManager::states_cover[0] = 0.2;
-    DataManager::states_cover[1] = 0.4;
-    DataManager::updateTrajectoriesCover();
-    EXPECT_DOUBLE_EQ(DataManager::traj_cover, 0.3);
-    DataManager::updateTrajectoriesCover();
-    EXPECT_DOUBLE_EQ(DataManager::traj_cover, 0.45);
+    theRun().scheduler.states_cover[0] = 0.2;
+    theRun().scheduler.states_cover[1] = 0.4;
+    theRun().scheduler.updateTrajectoriesCover();
+    EXPECT_DOUBLE_EQ(theRun().scheduler.traj_cover, 0.3);
+    theRun().scheduler.updateTrajectoriesCover();
+    EXPECT_DOUBLE_EQ(theRun().scheduler.traj_cover, 0.45);
 }
 
 TEST_F(RegistryTest, RequestErrorGoesOnIntoTheWarning) {
-    EXPECT_EQ(complaint([] { DataManager::dataError(0, 1); }),
+    EXPECT_EQ(complaint([] { theRun().scheduler.dataError(0, 1); }),
               "Request error.\n ...component doesn't exist.\n"
               "Warning.\n  ...component doesn't exist.\n");
 }
 
 TEST_F(RegistryTest, WarningAlone) {
-    EXPECT_EQ(complaint([] { DataManager::dataError(1, 1); }),
+    EXPECT_EQ(complaint([] { theRun().scheduler.dataError(1, 1); }),
               "Warning.\n  ...component doesn't exist.\n");
 }
 
 TEST_F(RegistryTest, OtherKindsOfErrorWriteNothing) {
     for (long const kind : {2L, 3L, -1L})
-        EXPECT_EQ(complaint([&] { DataManager::dataError(kind, 1); }), "") << kind;
+        EXPECT_EQ(complaint([&] { theRun().scheduler.dataError(kind, 1); }), "") << kind;
 }
 
 TEST_F(RegistryTest, CodeOutsideTheTableIsHarmless) {
     for (long const code : {0L, 2L, -1L})
-        EXPECT_EQ(complaint([&] { DataManager::dataError(1, code); }),
+        EXPECT_EQ(complaint([&] { theRun().scheduler.dataError(1, code); }),
                   "Warning.\n  ...unknown error.\n")
             << code;
 }
@@ -224,9 +225,9 @@ private:
 
 TEST_F(RegistryTest, LineOfTheRunLog) {
     Redirected log(DataManager::benchmk_stream, "bench1.bmk");
-    DataManager::addBmkEntry(3, 0.25, false, 12);
-    DataManager::addBmkEntry(-1, 1.23456789, true, 0);
-    DataManager::addBmkEntry(4, 0.000001, false, 1);
+    theRun().scheduler.addBmkEntry(3, 0.25, false, 12);
+    theRun().scheduler.addBmkEntry(-1, 1.23456789, true, 0);
+    theRun().scheduler.addBmkEntry(4, 0.000001, false, 1);
     EXPECT_EQ(log.content(), "3 0.25 0 12\n-1 1.23457 1 0\n4 1e-06 0 1\n");
 }
 
@@ -234,10 +235,10 @@ TEST_F(RegistryTest, LineOfTheTruthMaintenanceLogIsNumbered) {
     Redirected log(DataManager::itms_stream, "itmsbench.bmk");
     std::vector<char const*> const ids = {"m=on", "n=off"};
     std::vector<char const*> const none;
-    DataManager::addItmsBmkEntry(0.5, 3, &ids);
-    DataManager::addItmsBmkEntry(2.0, 0, &none);
+    theRun().scheduler.addItmsBmkEntry(0.5, 3, &ids);
+    theRun().scheduler.addItmsBmkEntry(2.0, 0, &none);
     EXPECT_EQ(log.content(), "0 0.5 3 m=on n=off \n1 2 0 \n");
-    EXPECT_EQ(DataManager::itms_calls, 2u);
+    EXPECT_EQ(theRun().scheduler.itms_calls, 2u);
 }
 
 // Starts this very program in *folder*, only to list its tests, with no standard output when told.

@@ -2,6 +2,7 @@
 //
 // Ids of one letter have their character code as their place in the tables, so "a" comes before "b"
 // whatever the order of entry.
+#include "fixtures/the_run.h"
 #include "model/model_fixture.h"
 
 using model_fixture::complaint;
@@ -20,10 +21,10 @@ protected:
         registry.addAtom(&b);
         registry.addAtom(&a);
     }
-    ~ViewsTest() override { DataManager::active_atoms.clear(); }
+    ~ViewsTest() override { thePlant().active_atoms.clear(); }
 
     static std::string inFull(Atom const& atom) {
-        return printed([&] { atom.showAtom(true); });
+        return printed([&] { atom.showAtom(std::cout, true); });
     }
 
     ModeVar variable{"v", {"1", "2"}, "1", nullptr};
@@ -35,67 +36,67 @@ protected:
 TEST_F(ViewsTest, ComponentsAsKeyAndName) {
     component("T", {});
     component("R", {});
-    EXPECT_EQ(printed([] { DataManager::showComps(); }), "R -- R\nT -- T\n");
+    EXPECT_EQ(printed([] { theRun().scheduler.showComps(); }), "R -- R\nT -- T\n");
 }
 
 TEST_F(ViewsTest, OneComponentByName) {
     Comp* comp = component("T", {0.5});
     std::string const expected = printed([&] { comp->showComp(); });
-    EXPECT_EQ(printed([] { DataManager::showComp("T"); }), expected);
+    EXPECT_EQ(printed([] { theRun().scheduler.showComp("T"); }), expected);
     EXPECT_NE(expected, "");
 }
 
 TEST_F(ViewsTest, UnknownComponentIsAWarningAndEntersNothing) {
     std::string const warning = "Warning.\n  ...component doesn't exist.\n";
     std::string output;
-    auto const ask = [&] { output = printed([] { DataManager::showComp("T"); }); };
+    auto const ask = [&] { output = printed([] { theRun().scheduler.showComp("T"); }); };
     EXPECT_EQ(complaint(ask), warning);
     EXPECT_EQ(output, "");
-    EXPECT_EQ(DataManager::active_comps.size(), 0u);
-    DataManager::getComp("T");
+    EXPECT_EQ(thePlant().active_comps.size(), 0u);
+    theRun().scheduler.getComp("T");
     EXPECT_EQ(complaint(ask), warning) << "a null entry is no component either";
 }
 
 TEST_F(ViewsTest, ClausesInOrder) {
-    EXPECT_EQ(printed([] { DataManager::showClauses(); }), "");
-    DataManager::addClause(std::make_unique<Clause>(&b, true, nullptr));
-    DataManager::addClause(std::make_unique<Clause>(&a, false, nullptr));
-    EXPECT_EQ(printed([] { DataManager::showClauses(); }), "cl size: 1\nnon - b\ncl size: 1\na\n");
+    EXPECT_EQ(printed([] { theRun().scheduler.showClauses(); }), "");
+    thePlant().addClause(std::make_unique<Clause>(&b, true, nullptr));
+    thePlant().addClause(std::make_unique<Clause>(&a, false, nullptr));
+    EXPECT_EQ(printed([] { theRun().scheduler.showClauses(); }), "cl size: 1\nnon - b\ncl size: 1\na\n");
 }
 
 TEST_F(ViewsTest, AtomsOfTheRegistry) {
-    DataManager::getAtom("c");
-    EXPECT_EQ(printed([] { DataManager::showAtoms(); }), "a\nb\n");
+    theRun().scheduler.getAtom("c");
+    EXPECT_EQ(printed([] { theRun().scheduler.showAtoms(); }), "a\nb\n");
 }
 
 TEST_F(ViewsTest, ActiveAtomsCountedAndInFullWhenTold) {
-    std::string const brief = printed([] { DataManager::viewActiveAtoms(false); });
+    std::string const brief = printed([] { theRun().scheduler.viewActiveAtoms(false); });
     std::string const banner = brief.substr(0, brief.find('\n') + 1);
     EXPECT_EQ(brief, banner + "2 atoms.\n");
     EXPECT_EQ(banner.substr(0, 3), "***");
-    EXPECT_EQ(printed([] { DataManager::viewActiveAtoms(true); }),
+    EXPECT_EQ(printed([] { theRun().scheduler.viewActiveAtoms(true); }),
               banner + inFull(a) + inFull(b) + "2 atoms.\n");
-    DataManager::getAtom("c");
-    EXPECT_EQ(printed([] { DataManager::viewActiveAtoms(true); }),
+    theRun().scheduler.getAtom("c");
+    EXPECT_EQ(printed([] { theRun().scheduler.viewActiveAtoms(true); }),
               banner + inFull(a) + inFull(b) + "2 atoms.\n")
         << "a null entry is no atom";
 }
 
 TEST_F(ViewsTest, VectorsOfAtoms) {
     std::vector<Atom*> const atoms = {&b, &a, &b};
-    EXPECT_EQ(printed([&] { DataManager::viewAtomVector(&atoms); }),
+    EXPECT_EQ(printed([&] { theRun().scheduler.viewAtomVector(&atoms); }),
               "size : 3\n" + inFull(b) + inFull(a) + inFull(b));
-    EXPECT_EQ(printed([&] { DataManager::viewAtomVectorId(&atoms); }), "b\na\nb\n");
+    EXPECT_EQ(printed([&] { theRun().scheduler.viewAtomVectorId(&atoms); }), "b\na\nb\n");
     std::vector<Atom*> const none;
-    EXPECT_EQ(printed([&] { DataManager::viewAtomVector(&none); }), "size : 0\n");
-    EXPECT_EQ(printed([&] { DataManager::viewAtomVectorId(&none); }), "");
+    EXPECT_EQ(printed([&] { theRun().scheduler.viewAtomVector(&none); }), "size : 0\n");
+    EXPECT_EQ(printed([&] { theRun().scheduler.viewAtomVectorId(&none); }), "");
     std::vector<Atom*> const holed = {nullptr, &a};
-    EXPECT_EQ(printed([&] { DataManager::viewAtomVectorId(&holed); }), "null\na\n");
+    EXPECT_EQ(printed([&] { theRun().scheduler.viewAtomVectorId(&holed); }), "null\na\n");
 }
 
 TEST_F(ViewsTest, SetsOfAtoms) {
     std::vector<std::vector<Atom*>> const sets = {{&b, &a}, {}, {&a}};
-    EXPECT_EQ(printed([&] { DataManager::viewAtomVector2(&sets); }),
+    EXPECT_EQ(printed([&] { theRun().scheduler.viewAtomVector2(&sets); }),
               "size : 2\nb\na\nsize : 0\nsize : 1\na\n");
 }
 
@@ -103,7 +104,7 @@ TEST_F(ViewsTest, VectorOfClauses) {
     Clause first(&b, true, nullptr);
     Clause second(static_cast<Comp*>(nullptr));
     std::vector<Clause*> const clauses = {&first, &second};
-    EXPECT_EQ(printed([&] { DataManager::viewClauseVector(&clauses); }),
+    EXPECT_EQ(printed([&] { theRun().scheduler.viewClauseVector(&clauses); }),
               "cl size: 1\nnon - b\nnull\ncl size: 0\n\n");
 }
 
@@ -111,11 +112,11 @@ TEST_F(ViewsTest, BagOfSignedAtoms) {
     SignedAtoms bag;
     bag.insert({true, &b});
     bag.insert({false, &a});
-    EXPECT_EQ(printed([&] { DataManager::viewMultimapAtom(&bag); }), multimapBanner + "1 b\n0 a\n");
+    EXPECT_EQ(printed([&] { theRun().scheduler.viewMultimapAtom(&bag); }), multimapBanner + "1 b\n0 a\n");
 }
 
 TEST_F(ViewsTest, TableOfAtoms) {
-    EXPECT_EQ(printed([] { DataManager::viewHashMapAtom(&DataManager::active_atoms); }),
+    EXPECT_EQ(printed([] { theRun().scheduler.viewHashMapAtom(&thePlant().active_atoms); }),
               "size : 2\na\nb\n");
 }
 

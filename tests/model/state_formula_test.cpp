@@ -163,9 +163,9 @@ TEST_F(StateFormulaTest, InclusionIgnoresOperatorNegationNestingAndRepetition) {
 }
 
 TEST_F(StateFormulaTest, ShowsNothingWhenEmpty) {
-    EXPECT_EQ(printed([&] { formula.showStateFormula(); }), "");
+    EXPECT_EQ(printed([&] { formula.showStateFormula(std::cout); }), "");
     formula.negated = true;
-    EXPECT_EQ(printed([&] { formula.showStateFormula(); }), "non - ");
+    EXPECT_EQ(printed([&] { formula.showStateFormula(std::cout); }), "non - ");
 }
 
 // Walk of y (true) and x (true): the last inserted first; the operator also follows the last atom.
@@ -174,12 +174,12 @@ TEST_F(StateFormulaTest, ShowsAtomsAlone) {
     formula.addAtom(x);
     formula.addAtom(y);
     formula.addAtom(z, false);
-    EXPECT_EQ(printed([&] { formula.showStateFormula(); }), "(v=y and v=x and !v=z and )");
+    EXPECT_EQ(printed([&] { formula.showStateFormula(std::cout); }), "(v=y and v=x and !v=z and )");
 }
 
 TEST_F(StateFormulaTest, ShowsTwoBlanksForTheEmptyOperator) {
     formula.addAtom(x);
-    EXPECT_EQ(printed([&] { formula.showStateFormula(); }), "(v=x  )");
+    EXPECT_EQ(printed([&] { formula.showStateFormula(std::cout); }), "(v=x  )");
 }
 
 TEST_F(StateFormulaTest, ShowsNestedAlone) {
@@ -187,7 +187,7 @@ TEST_F(StateFormulaTest, ShowsNestedAlone) {
     formula.addStateFormula(formulaOf({{true, x}}));
     formula.addStateFormula(formulaOf({{false, y}}));
     formula.negated = true;
-    EXPECT_EQ(printed([&] { formula.showStateFormula(); }), "non - (v=x  ) or (!v=y  ) or ");
+    EXPECT_EQ(printed([&] { formula.showStateFormula(std::cout); }), "non - (v=x  ) or (!v=y  ) or ");
 }
 
 TEST_F(StateFormulaTest, ShowsAtomsBesideNestedWithoutSeparator) {
@@ -195,7 +195,7 @@ TEST_F(StateFormulaTest, ShowsAtomsBesideNestedWithoutSeparator) {
     formula.addStateFormula(formulaOf({{true, x}}));
     formula.addAtom(y);
     formula.addAtom(z, false);
-    EXPECT_EQ(printed([&] { formula.showStateFormula(); }), "(v=x  ) or (v=y!v=z)");
+    EXPECT_EQ(printed([&] { formula.showStateFormula(std::cout); }), "(v=x  ) or (v=y!v=z)");
 }
 
 }  // namespace

@@ -143,7 +143,7 @@ TEST(StateVar, MatchesUnlessAnObservationContradictsTheState) {
 
 TEST(StateVar, ShowsValuesInStringOrder) {
     ModeVar const variable("room.mode", {"open", "closed", "unknown"}, "open", nullptr);
-    EXPECT_EQ(printed([&] { variable.showValues(); }),
+    EXPECT_EQ(printed([&] { variable.showValues(std::cout); }),
               "\t\troom.mode\n"
               "\t\tType: Mode\n"
               "\t\tValues: \n"
@@ -153,13 +153,13 @@ TEST(StateVar, ShowsValuesInStringOrder) {
 
 TEST(StateVar, ShowsAnEmptyDomain) {
     StateVar const variable("v");
-    EXPECT_EQ(printed([&] { variable.showValues(); }),
+    EXPECT_EQ(printed([&] { variable.showValues(std::cout); }),
               "\t\tv\n\t\tType: \n\t\tValues: \n\t\t{ }\n\n");
 }
 
 TEST(StateVar, ShowsTheCurrentState) {
     StateVar const variable("room.mode", onOff, "off");
-    EXPECT_EQ(printed([&] { variable.showCurrentState(); }), "room.mode --->\t\t off\n");
+    EXPECT_EQ(printed([&] { variable.showCurrentState(std::cout); }), "room.mode --->\t\t off\n");
 }
 
 TEST(ModeVar, TellsItsKindInEveryForm) {

@@ -259,43 +259,43 @@ TEST_F(MultiValuedTest, AssignsTheFailureFlag) {
 
 TEST_F(TransitionTest, ShowsTheMove) {
     auto const transition = make({{true, mode["on"]}}, {{true, mode["off"]}});
-    EXPECT_EQ(printed([&] { transition->showMove(); }), "m=on --------> m=off\n");
+    EXPECT_EQ(printed([&] { transition->showMove(std::cout, std::cerr); }), "m=on --------> m=off\n");
 }
 
 TEST_F(TransitionTest, IdleShowsNoMove) {
     auto const transition = make({{true, mode["on"]}}, {{true, mode["on"]}}, "Nominal", true);
-    EXPECT_EQ(printed([&] { transition->showMove(); }), "");
+    EXPECT_EQ(printed([&] { transition->showMove(std::cout, std::cerr); }), "");
 }
 
 TEST_F(TransitionTest, MoveWithoutModesIsToldOnTheErrorStream) {
     auto const noPre = make({{true, command["start"]}}, {{true, mode["off"]}});
     noPre->setID(7);
     std::string output;
-    std::string const message = complaint([&] { output = printed([&] { noPre->showMove(); }); });
+    std::string const message = complaint([&] { output = printed([&] { noPre->showMove(std::cout, std::cerr); }); });
     EXPECT_EQ(message, "Transition 7 names no mode to leave or none to reach.\n");
     EXPECT_EQ(output, "");
     auto const noPost = make({{true, mode["on"]}}, {{true, otherMode["off"]}});
-    EXPECT_NE(complaint([&] { noPost->showMove(); }), "");
+    EXPECT_NE(complaint([&] { noPost->showMove(std::cout, std::cerr); }), "");
 }
 
 TEST_F(TransitionTest, ShowsItself) {
     auto const transition =
         make({{true, command["start"]}, {true, mode["on"]}}, {{true, mode["off"]}}, "Fail");
     transition->setID(12);
-    EXPECT_EQ(printed([&] { transition->showTransition(); }),
+    EXPECT_EQ(printed([&] { transition->showTransition(std::cout); }),
               "Fail (0.5) : (m=on  c=start  ) =>O  and (m=off  ) -- 12\n");
 }
 
 TEST_F(TransitionTest, ShowsThatItIsIdle) {
     Transition const transition(formulaOf({{true, mode["on"]}}), formulaOf({{true, mode["on"]}}),
                                 "Nominal", 1.0, 0.0, true);
-    EXPECT_EQ(printed([&] { transition.showTransition(); }),
+    EXPECT_EQ(printed([&] { transition.showTransition(std::cout); }),
               "Nominal (1) (idle) : (m=on  ) =>O  and (m=on  ) -- 0\n");
 }
 
 TEST_F(TransitionTest, ShowsWithoutGuardAndEffect) {
     Transition const transition(nullptr, std::unique_ptr<StateFormula>(), "Nominal");
-    EXPECT_EQ(printed([&] { transition.showTransition(); }), "Nominal (0) :  =>O  -- 0\n");
+    EXPECT_EQ(printed([&] { transition.showTransition(std::cout); }), "Nominal (0) :  =>O  -- 0\n");
 }
 
 TEST_F(TransitionTest, ShowsItsFormulas) {
@@ -304,14 +304,14 @@ TEST_F(TransitionTest, ShowsItsFormulas) {
         transition->addFormulaToTrans(
             std::make_unique<Formula>(nullptr, formulaOf({{true, condition[value]}}), nullptr));
     EXPECT_EQ(transition->formulas.size(), 2u);
-    EXPECT_EQ(printed([&] { transition->showTransition(); }),
+    EXPECT_EQ(printed([&] { transition->showTransition(std::cout); }),
               "Nominal (0.5) : (m=on  ) =>O  and ((x=low  )\n) and ((x=high  )\n)"
               " and (m=off  ) -- 0\n");
 }
 
 TEST_F(MultiValuedTest, ShowsEachEffectUnderItsKey) {
     auto const transition = makeMulti("Nominal");
-    EXPECT_EQ(printed([&] { transition->showTransition(); }),
+    EXPECT_EQ(printed([&] { transition->showTransition(std::cout); }),
               "Nominal (0.125) : (m=on  ) =>O "
               "\n\t\t\t\t\t0 : (n=on  m=broken  )"
               "\n\t\t\t\t\t2 : (m=off  ) -- 0\n");

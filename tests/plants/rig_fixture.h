@@ -5,6 +5,7 @@
 #include <random>
 #include <sstream>
 
+#include "fixtures/the_run.h"
 #include "console/exchange.h"
 #include "fixtures/reference_model.h"
 #include "plain_interval.h"
@@ -25,17 +26,17 @@ public:
         TextFile const inputLine(line(inputs)), measureLine(line(measures));
         dataIn = std::fopen(inputLine.path.c_str(), "r");
         measIn = std::fopen(measureLine.path.c_str(), "r");
-        streamsOf([] { tavro_initialize(1, 0.01, "", 0); });
+        streamsOf([] { tavro_initialize(theRun(), 1, 0.01, "", 0); });
         std::fclose(dataIn);
         std::fclose(measIn);
         dataIn = measIn = nullptr;
-        initDispAll(hybNT->rt.get(), 250.0);
+        initDispAll(theRun().hybNT->rt.get(), 250.0);
     }
 
     // Commands by a scenario, as "2 Command rig.cmd=hold".
     void command(std::string const& text) {
         TextFile const scenario(text);
-        streamsOf([&] { sMM->loadScenario(scenario.path); });
+        streamsOf([&] { theRun().sMM->loadScenario(scenario.path); });
     }
 
     void simulate(std::vector<double> const& inputs, std::vector<double> const& measures) {
@@ -51,12 +52,12 @@ public:
     }
 
     s_Variable const& variable(std::string const& name) const {
-        return *sn_getVarDico(hybNT->rt.get(), ("rig." + name).c_str());
+        return *sn_getVarDico(theRun().hybNT->rt.get(), ("rig." + name).c_str());
     }
     Num value(std::string const& name) const { return numOf(variable(name).old); }
     Num before(std::string const& name) const { return numOf(variable(name).histo[0]); }
     bool holds(char const* atom) const {
-        Trajectory const* traj = hybNT->traj.get();
+        Trajectory const* traj = theRun().hybNT->traj.get();
         TrajEl const* element = traj->getElt(atom, traj->getCurrentTime(), 0);
         return element != nullptr && std::string(element->getLabel()) == "true";
     }
@@ -74,9 +75,9 @@ private:
     void cycle(RunOptions const& options, std::vector<double> const& inputs,
                std::vector<double> const& measures) {
         now += 0.5;
-        inps = inputs;
-        meas = measures;
-        streamsOf([&] { tavro_doCycle(options, 0.0, now, nominal); });
+        theRun().engine.inps = inputs;
+        theRun().engine.meas = measures;
+        streamsOf([&] { tavro_doCycle(theRun(), options, 0.0, now, nominal); });
     }
 
     ReferenceModel model;

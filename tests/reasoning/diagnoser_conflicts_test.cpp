@@ -1,5 +1,6 @@
 // What no longer fits in a history, which failures were expanded already, and how a result is
 // entered.
+#include "fixtures/the_run.h"
 #include "reasoning/diagnoser_fixture.h"
 
 using diagnoser_fixture::count;
@@ -17,7 +18,7 @@ protected:
     ConflictSet found(int t, bool post) {
         model.trace.take();
         errors.take();
-        return Diagnoser::getConflicts(history(), t, post);
+        return theRun().scheduler.getConflicts(history(), t, post);
     }
     // The only conflict, told as "id position mark".
     static std::string only(ConflictSet const& set) {
@@ -116,7 +117,7 @@ TEST_F(DiagnoserConflicts, ADeniedEffectOfTheFirstStepIsOneToo) {
 }
 
 TEST_F(DiagnoserConflicts, SoItIsWhenTheWindowBeginsLater) {
-    start(Trajectory::twd + 1);
+    start(theRun().scheduler.book.twd + 1);
     int const first = history()->firstTime;
     ASSERT_GT(first, 0);
     state(first)->setPrevTrans(elt("m=shut", first), keeps);
@@ -214,7 +215,7 @@ TEST_F(DiagnoserConflicts, BothTellTheSearchAndThenWhatTheyFound) {
 }
 
 TEST_F(DiagnoserConflicts, AnEmptySetIsShownAsWell) {
-    Diagnoser::viewHashMapConflicts({});
+    theRun().scheduler.viewHashMapConflicts({});
     EXPECT_EQ(errors.take(), "******* Showing conflicts *******\n");
 }
 
@@ -241,47 +242,47 @@ protected:
 };
 
 TEST_F(DiagnoserDeadEnds, AFailureWithoutACommandIsOneTheSecondTime) {
-    EXPECT_FALSE(Diagnoser::checkForDeadEnd(sticks));
-    EXPECT_EQ(Diagnoser::redux_diag, std::set<Transition const*>{sticks});
-    EXPECT_TRUE(Diagnoser::checkForDeadEnd(sticks));
-    EXPECT_EQ(Diagnoser::redux_diag.size(), 1u);
+    EXPECT_FALSE(theRun().scheduler.checkForDeadEnd(sticks));
+    EXPECT_EQ(theRun().scheduler.redux_diag, std::set<Transition const*>{sticks});
+    EXPECT_TRUE(theRun().scheduler.checkForDeadEnd(sticks));
+    EXPECT_EQ(theRun().scheduler.redux_diag.size(), 1u);
 }
 
 TEST_F(DiagnoserDeadEnds, OneWithACommandNeverIs) {
-    EXPECT_FALSE(Diagnoser::checkForDeadEnd(jams));
-    EXPECT_FALSE(Diagnoser::checkForDeadEnd(jams));
-    EXPECT_TRUE(Diagnoser::redux_diag.empty());
+    EXPECT_FALSE(theRun().scheduler.checkForDeadEnd(jams));
+    EXPECT_FALSE(theRun().scheduler.checkForDeadEnd(jams));
+    EXPECT_TRUE(theRun().scheduler.redux_diag.empty());
 }
 
 TEST_F(DiagnoserDeadEnds, NorIsANominalMoveWithoutACommand) {
-    EXPECT_FALSE(Diagnoser::checkForDeadEnd(keeps));
-    EXPECT_FALSE(Diagnoser::checkForDeadEnd(keeps));
-    EXPECT_TRUE(Diagnoser::redux_diag.empty());
+    EXPECT_FALSE(theRun().scheduler.checkForDeadEnd(keeps));
+    EXPECT_FALSE(theRun().scheduler.checkForDeadEnd(keeps));
+    EXPECT_TRUE(theRun().scheduler.redux_diag.empty());
 }
 
 TEST_F(DiagnoserDeadEnds, TheExtendedTestEntersNothing) {
-    EXPECT_FALSE(Diagnoser::checkForDeadEndExt(sticks, history()));
-    EXPECT_TRUE(Diagnoser::redux_diag.empty());
-    EXPECT_FALSE(Diagnoser::checkForDeadEndExt(sticks, history()));
-    Diagnoser::redux_diag.insert(sticks);
-    EXPECT_TRUE(Diagnoser::checkForDeadEndExt(sticks, history()));
-    EXPECT_EQ(Diagnoser::redux_diag.size(), 1u);
+    EXPECT_FALSE(theRun().scheduler.checkForDeadEndExt(sticks, history()));
+    EXPECT_TRUE(theRun().scheduler.redux_diag.empty());
+    EXPECT_FALSE(theRun().scheduler.checkForDeadEndExt(sticks, history()));
+    theRun().scheduler.redux_diag.insert(sticks);
+    EXPECT_TRUE(theRun().scheduler.checkForDeadEndExt(sticks, history()));
+    EXPECT_EQ(theRun().scheduler.redux_diag.size(), 1u);
 }
 
 TEST_F(DiagnoserDeadEnds, ItAlsoLooksAtWhatTheHistoryRecords) {
     takes(stays, 1);
-    Diagnoser::redux_diag.insert(sticks);
-    EXPECT_FALSE(Diagnoser::checkForDeadEndExt(jams, history()));
-    EXPECT_FALSE(Diagnoser::checkForDeadEndExt(keeps, history()));
+    theRun().scheduler.redux_diag.insert(sticks);
+    EXPECT_FALSE(theRun().scheduler.checkForDeadEndExt(jams, history()));
+    EXPECT_FALSE(theRun().scheduler.checkForDeadEndExt(keeps, history()));
     takes(sticks, 1);
     for (Transition* each : {sticks, jams, keeps})
-        EXPECT_TRUE(Diagnoser::checkForDeadEndExt(each, history())) << nameOf(each);
+        EXPECT_TRUE(theRun().scheduler.checkForDeadEndExt(each, history())) << nameOf(each);
 }
 
 TEST_F(DiagnoserDeadEnds, ForATransitionOfAnotherKindThatAloneDecides) {
-    Diagnoser::redux_diag = {jams, keeps};
-    EXPECT_FALSE(Diagnoser::checkForDeadEndExt(jams, history()));
-    EXPECT_FALSE(Diagnoser::checkForDeadEndExt(keeps, history()));
+    theRun().scheduler.redux_diag = {jams, keeps};
+    EXPECT_FALSE(theRun().scheduler.checkForDeadEndExt(jams, history()));
+    EXPECT_FALSE(theRun().scheduler.checkForDeadEndExt(keeps, history()));
 }
 
 // ---- Results ----

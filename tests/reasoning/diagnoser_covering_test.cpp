@@ -3,6 +3,7 @@
 // The tap shows lo when it is shut or stuck, hi when it is open. Commands are held as given, so
 // that `stays` explains a step without a command only, `opens` and `jams` one with the command to
 // go.
+#include "fixtures/the_run.h"
 #include "reasoning/diagnoser_fixture.h"
 
 using diagnoser_fixture::count;
@@ -63,17 +64,17 @@ class DiagnoserCovering : public Covering {};
 
 TEST_F(DiagnoserCovering, WithoutARankToTryNothingIsDone) {
     rest(1);
-    unsigned const others = Trajectory::traj_created - Trajectory::traj_del - 1;
-    DataManager::transitions_checked = 7;
-    DataManager::trajectories_checked = 7;
+    unsigned const others = theRun().scheduler.book.traj_created - theRun().scheduler.book.traj_del - 1;
+    theRun().scheduler.transitions_checked = 7;
+    theRun().scheduler.trajectories_checked = 7;
     EXPECT_EQ(cover(3.0, 2.0), "");
     EXPECT_TRUE(results.empty());
     EXPECT_EQ(reached, 2.0);
     EXPECT_EQ(count(trace, "Rank : "), 0);
     EXPECT_EQ(count(trace, "inserting observations"), 0);
-    EXPECT_EQ(DataManager::transitions_checked, 0u);
-    EXPECT_EQ(DataManager::trajectories_checked, 0u);
-    EXPECT_EQ(Trajectory::traj_created - Trajectory::traj_del, others);
+    EXPECT_EQ(theRun().scheduler.transitions_checked, 0u);
+    EXPECT_EQ(theRun().scheduler.trajectories_checked, 0u);
+    EXPECT_EQ(theRun().scheduler.book.traj_created - theRun().scheduler.book.traj_del, others);
 }
 
 TEST_F(DiagnoserCovering, AHistoryWithoutAConflictIsAResultOfItsRank) {
@@ -148,7 +149,7 @@ TEST_F(DiagnoserCovering, AHistoryOfALowerRankEndsTheSearch) {
     EXPECT_EQ(reached, 0.0);
     EXPECT_EQ(count(trace, "too high rank found: 0\n"), 1);
     EXPECT_EQ(count(trace, "Rank : "), 1);
-    EXPECT_TRUE(Diagnoser::redux_diag.empty());
+    EXPECT_TRUE(theRun().scheduler.redux_diag.empty());
 }
 
 // Opened by itself, or so it is believed, and no command was given: the likelier outcome, stuck, is
@@ -163,16 +164,16 @@ TEST_F(DiagnoserCovering, TheResultsFoundBeforeThatStay) {
     EXPECT_EQ(count(trace, "Rank : "), 1);
     EXPECT_EQ(reached, 0.0);
     EXPECT_EQ(first().proba, 1.0);
-    EXPECT_TRUE(Diagnoser::redux_diag.empty());
+    EXPECT_TRUE(theRun().scheduler.redux_diag.empty());
 }
 
 TEST_F(DiagnoserCovering, TheSuccessorsBehindItAreLost) {
     move("pops", "m=shut cmd=go", "m=stuck", 0.4);  // likelier than the failures
     obey(1);
-    unsigned const others = Trajectory::traj_created - Trajectory::traj_del - 1;
+    unsigned const others = theRun().scheduler.book.traj_created - theRun().scheduler.book.traj_del - 1;
     EXPECT_EQ(cover(1.0, 5.0), "");
     EXPECT_EQ(count(trace, "too high rank found: 0\n"), 1);
-    EXPECT_EQ(Trajectory::traj_created - Trajectory::traj_del, others);
+    EXPECT_EQ(theRun().scheduler.book.traj_created - theRun().scheduler.book.traj_del, others);
 }
 
 TEST_F(DiagnoserCovering, OfTheSuccessorsThoseBeforeItAreResults) {
@@ -227,9 +228,9 @@ TEST_F(DiagnoserCovering, SuccessorsAreFollowedBackToTheFirstMove) {
 
 TEST_F(DiagnoserCovering, WhatWasExpandedIsForgottenAfterTheSearch) {
     obey(1);
-    Diagnoser::redux_diag.insert(sticks);  // as an older search left it
+    theRun().scheduler.redux_diag.insert(sticks);  // as an older search left it
     EXPECT_EQ(cover(0.0, 5.0), "[1:jams]");
-    EXPECT_TRUE(Diagnoser::redux_diag.empty());
+    EXPECT_TRUE(theRun().scheduler.redux_diag.empty());
 }
 
 class DiagnoserFork : public ForkedTap, public testing::WithParamInterface<char const*> {};
@@ -248,19 +249,19 @@ TEST_P(DiagnoserFork, TheLikeliestHistoryIsFollowedFirst) {
 
 TEST_F(DiagnoserCovering, TheHistoryGivenAwayIsDestroyed) {
     obey(1);
-    unsigned const others = Trajectory::traj_created - Trajectory::traj_del - 1;
+    unsigned const others = theRun().scheduler.book.traj_created - theRun().scheduler.book.traj_del - 1;
     cover(0.0, 5.0);
     results.clear();
-    EXPECT_EQ(Trajectory::traj_created - Trajectory::traj_del, others);
+    EXPECT_EQ(theRun().scheduler.book.traj_created - theRun().scheduler.book.traj_del, others);
 }
 
 TEST_F(DiagnoserCovering, TheCoverIsReported) {
     rest(1);
-    DataManager::states_cover[0] = 0.5;
-    DataManager::states_cover[1] = 0.25;
-    DataManager::traj_cover = 0.25;
+    theRun().scheduler.states_cover[0] = 0.5;
+    theRun().scheduler.states_cover[1] = 0.25;
+    theRun().scheduler.traj_cover = 0.25;
     cover(0.0, 0.0);
-    EXPECT_EQ(DataManager::traj_cover, (0.25 + 0.5 + 0.25) / 2);
+    EXPECT_EQ(theRun().scheduler.traj_cover, (0.25 + 0.5 + 0.25) / 2);
 }
 
 TEST_F(DiagnoserCovering, TheSearchIsToldInItsOrder) {
@@ -280,9 +281,9 @@ TEST_F(DiagnoserCovering, TheSearchIsToldInItsOrder) {
 
 TEST_F(DiagnoserCovering, TheCandidatesOfAllRoundsAreCounted) {
     obey(1);
-    DataManager::transitions_checked = 7;
+    theRun().scheduler.transitions_checked = 7;
     cover(0.0, 5.0);
-    EXPECT_EQ(DataManager::transitions_checked, 2u);  // sticks and jams, in the second round
+    EXPECT_EQ(theRun().scheduler.transitions_checked, 2u);  // sticks and jams, in the second round
 }
 
 }  // namespace

@@ -1,4 +1,5 @@
 // Building, telling and reading of the tap's history.
+#include "fixtures/the_run.h"
 #include "reasoning/diagnoser_fixture.h"
 
 namespace diagnoser_fixture {
@@ -10,15 +11,15 @@ std::string ErrorTrace::take() {
 }
 
 Tap::Tap() {
-    Diagnoser::redux_diag.clear();
-    DataManager::transitions_checked = 0;
+    theRun().scheduler.redux_diag.clear();
+    theRun().scheduler.transitions_checked = 0;
     model.comp("k");
     model.variable("m", {"shut", "open", "stuck"});
     model.variable<CommandVar>("cmd", {"none", "go", "back"}, true, "k");
 }
 
 Tap::~Tap() {
-    Diagnoser::redux_diag.clear();
+    theRun().scheduler.redux_diag.clear();
 }
 
 Transition* Tap::move(std::string const& name, std::string const& pre, std::string const& post,
@@ -142,7 +143,7 @@ std::string Tap::toldBehind(std::string const& line, std::string const& text) co
     std::string told;
     for (std::size_t at = text.find(line); at != std::string::npos; at = text.find(line, at + 1)) {
         int const id = std::stoi(text.substr(at + line.size()));
-        told += (told.empty() ? "" : " ") + nameOf(DataManager::active_trans[id]);
+        told += (told.empty() ? "" : " ") + nameOf(thePlant().active_trans[id]);
     }
     return told;
 }

@@ -1,5 +1,6 @@
 // The older insertion of observations and the older covering search, which nothing calls: what they
 // do otherwise than those in use.
+#include "fixtures/the_run.h"
 #include "reasoning/diagnoser_fixture.h"
 
 using diagnoser_fixture::count;
@@ -117,9 +118,9 @@ TEST_F(DiagnoserOlderObservations, TheOutcomesAreTold) {
 
 TEST_F(DiagnoserOlderObservations, TheHistoryGivenAwayIsDestroyed) {
     start(1);
-    unsigned const others = Trajectory::traj_created - Trajectory::traj_del - 1;
+    unsigned const others = theRun().scheduler.book.traj_created - theRun().scheduler.book.traj_del - 1;
     insert({"out=lo"}, 1, 0.0).clear();
-    EXPECT_EQ(Trajectory::traj_created - Trajectory::traj_del, others);
+    EXPECT_EQ(theRun().scheduler.book.traj_created - theRun().scheduler.book.traj_del, others);
 }
 
 // ---- Covering ----
@@ -173,11 +174,11 @@ TEST_F(DiagnoserOlderCovering, TheRankIsRaisedUntilThereAreResults) {
 
 TEST_F(DiagnoserOlderCovering, WithoutARankToTryNothingIsDone) {
     rest(1);
-    unsigned const others = Trajectory::traj_created - Trajectory::traj_del - 1;
+    unsigned const others = theRun().scheduler.book.traj_created - theRun().scheduler.book.traj_del - 1;
     EXPECT_EQ(cover(3.0, 2.0), "");
     EXPECT_EQ(reached, 2.0);
     EXPECT_EQ(count(trace, "Rank : "), 0);
-    EXPECT_EQ(Trajectory::traj_created - Trajectory::traj_del, others);
+    EXPECT_EQ(theRun().scheduler.book.traj_created - theRun().scheduler.book.traj_del, others);
 }
 
 TEST_F(DiagnoserOlderCovering, RanksAreNotMatched) {
@@ -229,7 +230,7 @@ TEST_F(DiagnoserOlderCovering, AHistoryWithoutThatStepIsGivenUpWithoutAWord) {
 TEST_F(DiagnoserOlderCovering, WhatWasExpandedStaysSo) {
     obey();
     cover(0.0, 5.0);
-    EXPECT_EQ(Diagnoser::redux_diag, std::set<Transition const*>{sticks});
+    EXPECT_EQ(theRun().scheduler.redux_diag, std::set<Transition const*>{sticks});
 }
 
 TEST_F(DiagnoserOlderCovering, SuccessorsAreComparedAndTold) {
@@ -245,11 +246,11 @@ TEST_F(DiagnoserOlderCovering, SuccessorsAreComparedAndTold) {
 
 TEST_F(DiagnoserOlderCovering, TheCountersAndTheCoverAreTold) {
     obey();
-    DataManager::transitions_checked = 7;
-    DataManager::states_cover[0] = 0.5;
-    DataManager::traj_cover = 0.25;
+    theRun().scheduler.transitions_checked = 7;
+    theRun().scheduler.states_cover[0] = 0.5;
+    theRun().scheduler.traj_cover = 0.25;
     cover(0.0, 5.0);
-    EXPECT_EQ(DataManager::traj_cover, 0.75);
+    EXPECT_EQ(theRun().scheduler.traj_cover, 0.75);
     for (char const* part :
          {"transitions checked : 2\n", "trajectories created : ", "trajectories destroyed : ",
           "states created : ", "states deleted : ", "elts created : ", "elts deleted : ",

@@ -1,5 +1,6 @@
 // What becomes of the transitions that were tried: the rank, the cover, the order in which
 // histories are made of them, and how these are followed until they hold no conflict.
+#include "fixtures/the_run.h"
 #include "reasoning/diagnoser_fixture.h"
 
 using diagnoser_fixture::count;
@@ -58,7 +59,7 @@ TEST_F(DiagnoserSuccessors, AFailureWithoutACommandIsExpandedOnceAndCoveredEachT
     believedOpen();
     Trajectory again(history(), 2);
     EXPECT_EQ(told(explainEffect("m=open", 1.0)), "[1:stays][1:sticks]");
-    EXPECT_EQ(Diagnoser::redux_diag, std::set<Transition const*>{sticks});
+    EXPECT_EQ(theRun().scheduler.redux_diag, std::set<Transition const*>{sticks});
     model.history = std::make_unique<Trajectory>(&again, 2);
     TrajectoryMap const finals = explainEffect("m=open", 1.0);
     EXPECT_EQ(told(finals), "[1:stays]");
@@ -69,7 +70,7 @@ TEST_F(DiagnoserSuccessors, AFailureWithoutACommandIsExpandedOnceAndCoveredEachT
 TEST_F(DiagnoserSuccessors, OneThatIsOutOfRankDoesNotCountAsExpanded) {
     believedOpen();
     explainEffect("m=open", 0.0);
-    EXPECT_TRUE(Diagnoser::redux_diag.empty());
+    EXPECT_TRUE(theRun().scheduler.redux_diag.empty());
 }
 
 TEST_F(DiagnoserSuccessors, AFailureWithACommandIsExpandedEachTime) {
@@ -82,14 +83,14 @@ TEST_F(DiagnoserSuccessors, AFailureWithACommandIsExpandedEachTime) {
 }
 
 TEST_F(DiagnoserSuccessors, TheCandidatesWithinTheRankAreCounted) {
-    DataManager::transitions_checked = 5;
+    theRun().scheduler.transitions_checked = 5;
     believedOpen();
     Trajectory again(history(), 2);
     explainEffect("m=open", 0.0);  // stays; sticks is out of rank
-    EXPECT_EQ(DataManager::transitions_checked, 6u);
+    EXPECT_EQ(theRun().scheduler.transitions_checked, 6u);
     model.history = std::make_unique<Trajectory>(&again, 2);
     explainEffect("m=open", 1.0);
-    EXPECT_EQ(DataManager::transitions_checked, 8u);
+    EXPECT_EQ(theRun().scheduler.transitions_checked, 8u);
 }
 
 // ---- Cover ----
@@ -181,9 +182,9 @@ TEST_F(DiagnoserSuccessors, AHistoryWithoutAConflictIsEnteredUnderItsLastProbabi
 
 TEST_F(DiagnoserSuccessors, TheHistoryGivenAwayIsDestroyed) {
     believedOpen();
-    unsigned const others = Trajectory::traj_created - Trajectory::traj_del - 1;
+    unsigned const others = theRun().scheduler.book.traj_created - theRun().scheduler.book.traj_del - 1;
     explainEffect("m=open", 1.0).clear();
-    EXPECT_EQ(Trajectory::traj_created - Trajectory::traj_del, others);
+    EXPECT_EQ(theRun().scheduler.book.traj_created - theRun().scheduler.book.traj_del, others);
 }
 
 TEST_F(DiagnoserSuccessors, AnotherEffectOfTheStepInConflictIsExplainedNext) {
@@ -191,7 +192,7 @@ TEST_F(DiagnoserSuccessors, AnotherEffectOfTheStepInConflictIsExplainedNext) {
     believedOpen();
     takes(turns, 1);
     label(1, "n=x !n=y");
-    TrajectoryMap const finals = explain(Diagnoser::getConflicts(history(), 1, true), 1, 0.0, true);
+    TrajectoryMap const finals = explain(theRun().scheduler.getConflicts(history(), 1, true), 1, 0.0, true);
     ASSERT_EQ(finals.size(), 1u);
     std::string const found = moves(*finals.begin()->second);
     // Effects are looked at first, and guards only once those are explained.

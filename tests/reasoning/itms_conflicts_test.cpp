@@ -2,6 +2,7 @@
 #include <algorithm>
 #include <set>
 
+#include "fixtures/the_run.h"
 #include "reasoning/reasoning_fixture.h"
 
 using reasoning_fixture::count;
@@ -176,7 +177,7 @@ protected:
         model.start();
         model.label("!q seen=yes");
         model.elt("seen=yes")->lock = LOCK_TRUE_PERM;
-        model.history->addState(1, std::make_unique<State>());
+        model.history->addState(1, std::make_unique<State>(theRun().scheduler.book));
         std::unique_ptr<State> next = model.history->takeState(1);
         StateSite const site{next.get(), model.history.get(), 1};
         SignedElements props;
@@ -288,7 +289,7 @@ TEST_F(ItmsChecks, TheCheckOfAllClausesTellsThoseThatDoNotHold) {
     Clause* broken = model.clause("!p");
     model.start();
     model.label("p ?q");
-    EXPECT_EQ(model.engine.checkForConflicts(DataManager::cls, model.site()),
+    EXPECT_EQ(model.engine.checkForConflicts(thePlant().cls, model.site()),
               (std::vector<Clause*>{open, broken}));  // an unknown does not hold either
     EXPECT_EQ(model.trace.take(),
               "*** detected conflicts ***\ncl size: 1\nc.q=on\ncl size: 1\nnon - c.p=on\n");

@@ -1,4 +1,5 @@
 // Elements of a state, tests of clauses over labels, supports, and the engine's tables.
+#include "fixtures/the_run.h"
 #include "reasoning/reasoning_fixture.h"
 
 using reasoning_fixture::SmallModel;
@@ -15,7 +16,7 @@ protected:
         seen->type = typeObservable;
         idle = model.transition("m=on", "m=on", 1.0, transNominal, true);
         model.start();
-        model.history->addState(1, std::make_unique<State>());
+        model.history->addState(1, std::make_unique<State>(theRun().scheduler.book));
         later = model.history->getState(1);
     }
     StateSite siteAt1() { return {later, model.history.get(), 1}; }
@@ -289,7 +290,7 @@ TEST_F(ItmsThree, OnlyElementsOfTheStateItselfAreLinkedToANewSupport) {
     model.propositions("far", "d");
     Clause* clause = model.clause("p far");
     begin();
-    model.history->addState(1, std::make_unique<State>());
+    model.history->addState(1, std::make_unique<State>(theRun().scheduler.book));
     State* later = model.history->getState(1);
     StateSite const site{later, model.history.get(), 1};
     TrajEl* p = model.engine.getElt(model.atom("p")->getId(), site);
@@ -305,7 +306,7 @@ TEST_F(ItmsThree, TheOldSupportIsReachedAcrossSteps) {
     Clause* fresh = model.clause("p q r");
     begin();
     model.engine.setSupport(old, model.elt("p"), model.site());
-    model.history->addState(1, std::make_unique<State>());
+    model.history->addState(1, std::make_unique<State>(theRun().scheduler.book));
     State* later = model.history->getState(1);
     StateSite const site{later, model.history.get(), 1};
     TrajEl* p = model.engine.getElt(model.atom("p")->getId(), site);

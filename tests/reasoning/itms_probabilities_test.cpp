@@ -1,6 +1,7 @@
 // Weights of transitions, the entropy of a variable, chances, likelihoods, truth of formulas.
 #include <cmath>
 
+#include "fixtures/the_run.h"
 #include "reasoning/reasoning_fixture.h"
 
 using reasoning_fixture::count;
@@ -309,8 +310,8 @@ TEST_F(ItmsFormulas, NothingAndOtherOperatorsAreFalse) {
 TEST_F(ItmsFormulas, TheNewestElementUpToTheStepIsRead) {
     begin();
     model.label("p");
-    model.history->addState(1, std::make_unique<State>());
-    model.history->addState(2, std::make_unique<State>());
+    model.history->addState(1, std::make_unique<State>(theRun().scheduler.book));
+    model.history->addState(2, std::make_unique<State>(theRun().scheduler.book));
     TrajEl* later = model.history->getState(2)->addElt(model.elt("p"), true);
     later->setLabel(labelFalse);
     EXPECT_TRUE(holds("p", "and", 0));

@@ -1,4 +1,5 @@
 // The agenda loop: unit clauses, the order of the solutions, lost branches, and what is printed.
+#include "fixtures/the_run.h"
 #include "reasoning/reasoning_fixture.h"
 
 using reasoning_fixture::count;
@@ -206,7 +207,7 @@ TEST_F(ItmsPropagation, InternalConflictsComeBeforeTheOthers) {
     StateVar* mode = model.variable("m", {"on", "off"}, false);
     model.propositions("p");
     model.clause("p !m=off");
-    addExclusiveChoice(mode);
+    addExclusiveChoice(thePlant(), mode);
     model.start();
     model.label("m=on !m=off !p");
     EXPECT_EQ(model.assertAll("m=off").size(), 1u);

@@ -4,6 +4,7 @@
 #include <cmath>
 #include <set>
 
+#include "fixtures/the_run.h"
 #include "fixtures/reference_model.h"
 #include "reasoning/reasoning_fixture.h"
 
@@ -33,7 +34,7 @@ TEST_F(ItmsStartup, ListsTheVariablesOfEveryComponentInTheOrderOfTheRegistry) {
     model.variable("r", {"up"}, true, "e");
     startText();
     std::vector<StateVar*> expected;
-    for (auto const& entry : DataManager::active_comps)
+    for (auto const& entry : thePlant().active_comps)
         for (auto const& variable : entry.second->getStateVariables())
             expected.push_back(variable.get());
     EXPECT_EQ(model.engine.stateVars, expected);
@@ -51,7 +52,7 @@ TEST_F(ItmsStartup, NumbersTheTransitionsOfAllComponentsFromZero) {
         model.transition("q=up", "q=down", 0.5, transNominal, false, "d")};
     startText();
     std::set<int> ids;
-    for (auto const& [id, transition] : DataManager::active_trans) {
+    for (auto const& [id, transition] : thePlant().active_trans) {
         EXPECT_EQ(transition->id, id);
         EXPECT_EQ(all.count(transition), 1u);
         ids.insert(id);
@@ -70,7 +71,7 @@ TEST_F(ItmsStartup, NumbersOneComponentInTheOrderOfItsTransitionsAndGoesOnFromTh
     EXPECT_EQ(first->id, 7);
     EXPECT_EQ(second->id, 8);
     EXPECT_EQ(id, 9);
-    EXPECT_EQ(DataManager::active_trans[8], second);
+    EXPECT_EQ(thePlant().active_trans[8], second);
     EXPECT_DOUBLE_EQ(first->weight, 0.15);  // of two transitions
     EXPECT_DOUBLE_EQ(second->weight, 0.3);
 }
@@ -193,17 +194,17 @@ TEST_F(ItmsStartup, TransitionsWithoutAModeOrAGuardAreToldAndLeftOut) {
     EXPECT_EQ(modeless->guardProba, 0.0);
     EXPECT_FALSE(open->unconditional);  // no command in a guard that says nothing
     EXPECT_EQ(sound->guardProba, 1.0);
-    EXPECT_EQ(DataManager::active_trans.size(), 3u);
+    EXPECT_EQ(thePlant().active_trans.size(), 3u);
 }
 
 TEST_F(ItmsStartup, ActiveAtomsAreThoseOfTheClauses) {
     model.propositions("p q lonely");
     model.clause("p !q");
-    DataManager::active_atoms[model.atom("lonely")->getId()] = model.atom("lonely");
+    thePlant().active_atoms[model.atom("lonely")->getId()] = model.atom("lonely");
     startText();
-    EXPECT_EQ(DataManager::active_atoms.size(), 2u);
-    EXPECT_EQ(DataManager::active_atoms.count("c.p=on"), 1u);
-    EXPECT_EQ(DataManager::active_atoms.count("c.q=on"), 1u);
+    EXPECT_EQ(thePlant().active_atoms.size(), 2u);
+    EXPECT_EQ(thePlant().active_atoms.count("c.p=on"), 1u);
+    EXPECT_EQ(thePlant().active_atoms.count("c.q=on"), 1u);
 }
 
 TEST_F(ItmsStartup, InternalClausesThatNoRegistryHoldsMakeAtomsActiveToo) {
@@ -212,7 +213,7 @@ TEST_F(ItmsStartup, InternalClausesThatNoRegistryHoldsMakeAtomsActiveToo) {
     internal.addAtom(model.atom("m=on"), false);
     mode->clauses.push_back(&internal);
     startText();
-    EXPECT_EQ(DataManager::active_atoms.count("c.m=on"), 1u);
+    EXPECT_EQ(thePlant().active_atoms.count("c.m=on"), 1u);
     mode->clauses.clear();
 }
 
@@ -236,7 +237,7 @@ TEST_F(ItmsStartup, LinksAtomsAndComponentsByIdAndName) {
     EXPECT_EQ(theComp()->atoms["c.lonely=on"], model.atom("lonely"));
     EXPECT_EQ(model.atom("lonely")->comps["c"], theComp());
     EXPECT_EQ(model.atom("p")->comps["c"], theComp());
-    EXPECT_EQ(DataManager::active_atoms.count("c.lonely=on"), 0u);
+    EXPECT_EQ(thePlant().active_atoms.count("c.lonely=on"), 0u);
 }
 
 TEST_F(ItmsStartup, AnAtomThatNoNominalMoveLeavesIsADeadEnd) {
@@ -298,8 +299,8 @@ TEST_F(ItmsStartup, TheCompiledProbabilityIsThePlainMeanOfWhatLeadsToTheAtom) {
 TEST_F(ItmsStartup, ANullThatALookupEnteredIsSkipped) {
     model.variable("m", {"on"});
     startText();
-    DataManager::getAtom("nobody");
-    DataManager::getComp("nowhere");
+    theRun().scheduler.getAtom("nobody");
+    theRun().scheduler.getComp("nowhere");
     model.engine.initialize();
     EXPECT_EQ(model.atom("m=on")->label, labelTrue);
 }
@@ -331,13 +332,13 @@ TEST_F(ItmsStartup, AnAtomIsIndependentOfAtomsWhoseClausesShareNothingWithIts) {
 TEST(ItmsStartupOfTheReferenceModel, LeavesAConsistentRegistry) {
     ReferenceModel model;
     std::size_t transitions = 0;
-    for (auto const& entry : DataManager::active_comps) {
+    for (auto const& entry : thePlant().active_comps) {
         for (auto const& transition : entry.second->transitions)
-            EXPECT_EQ(DataManager::active_trans[transition->id], transition.get());
+            EXPECT_EQ(thePlant().active_trans[transition->id], transition.get());
         transitions += entry.second->transitions.size();
     }
-    EXPECT_EQ(DataManager::active_trans.size(), transitions);
-    for (auto const& [id, atom] : DataManager::active_atoms) {
+    EXPECT_EQ(thePlant().active_trans.size(), transitions);
+    for (auto const& [id, atom] : thePlant().active_atoms) {
         bool const holds = atom->evalAtom();
         EXPECT_EQ(atom->label, holds ? labelTrue : labelFalse) << id;
         EXPECT_EQ(atom->propagationNumber, holds ? 1 : 0) << id;

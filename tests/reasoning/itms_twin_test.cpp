@@ -12,6 +12,7 @@
 #include <map>
 #include <random>
 
+#include "fixtures/the_run.h"
 #include "reasoning/reasoning_fixture.h"
 
 using reasoning_fixture::count;
@@ -145,7 +146,7 @@ public:
 
     // The same in an empty state of the next step, into which everything has to be pulled.
     ItmsResults assertLater(std::map<int, bool> const& props) {
-        model.history->addState(1, std::make_unique<State>());
+        model.history->addState(1, std::make_unique<State>(theRun().scheduler.book));
         std::unique_ptr<State> next = model.history->takeState(1);
         StateSite const site{next.get(), model.history.get(), 1};
         SignedElements asked;
@@ -153,7 +154,7 @@ public:
             asked.insert({value, model.engine.getElt(model.atom(name(atom))->getId(), site)});
         ItmsResults results =
             model.engine.addPropositions(asked, next, {false, 99.0}, model.history.get(), 1, false);
-        model.history->putState(1, std::make_unique<State>());
+        model.history->putState(1, std::make_unique<State>(theRun().scheduler.book));
         return results;
     }
 
@@ -182,7 +183,7 @@ private:
             names.push_back(name + "=" + value);
     }
     void addClause() {
-        Clause* clause = DataManager::addClause(std::make_unique<Clause>(model.comps.at("c")));
+        Clause* clause = thePlant().addClause(std::make_unique<Clause>(model.comps.at("c")));
         for (int i = 0, n = 1 + dice(4); i < n; ++i)
             clause->addAtomRef(model.atom(name(dice(size()))), dice(2) == 0);
     }
@@ -192,7 +193,7 @@ private:
         std::map<Atom const*, int> index;
         for (int i = 0; i < size(); ++i)
             index[model.atom(name(i))] = i;
-        for (auto const& clause : DataManager::cls) {
+        for (auto const& clause : thePlant().cls) {
             clauses.emplace_back();
             for (auto const& [negated, atom] : clause->atoms)
                 clauses.back().literals.emplace_back(negated, index.at(atom));

@@ -1,4 +1,5 @@
 // The table of prime implicates, its text, and its file.
+#include "fixtures/the_run.h"
 #include "reasoning/pi_table.h"
 
 #include <unistd.h>
@@ -18,7 +19,7 @@ class PiTableTest : public testing::Test {
 protected:
     PiTableTest() : folder(testing::TempDir() + "pi_table_" + std::to_string(getpid())) {
         std::filesystem::create_directories(folder);
-        DataManager::model_name = folder + "/plant";
+        thePlant().name = folder + "/plant";
         model.comps.at("c")->symbol = "c";
         model.propositions("a b d e");
         model.clause("a b d e");
@@ -60,7 +61,7 @@ protected:
 
 TEST_F(PiTableTest, AnAbsentAtomHasNoListAndGetsNone) {
     EXPECT_EQ(table.getPIs((*this)["a"]), nullptr);
-    table.showAllPI();
+    table.showAllPI(std::cout);
     EXPECT_EQ(model.trace.take(), "");
     table.addPIAtom((*this)["a"], {});
     ASSERT_NE(table.getPIs((*this)["a"]), nullptr);
@@ -76,16 +77,16 @@ TEST_F(PiTableTest, ANewListReplacesTheOldOne) {
 
 TEST_F(PiTableTest, ShowsTheAlternativesUnderOneAnother) {
     table.addPIAtom((*this)["a"], {{(*this)["b"], (*this)["d"]}, {(*this)["e"]}});
-    table.showPI((*this)["a"]);
+    table.showPI(std::cout, (*this)["a"]);
     EXPECT_EQ(model.trace.take(), "\nPI(c.a=on) => c.b=on - c.d=on - \n\t\t=>c.e=on - ");
-    table.showPI((*this)["b"]);
+    table.showPI(std::cout, (*this)["b"]);
     EXPECT_EQ(model.trace.take(), "");
 }
 
 TEST_F(PiTableTest, ShowsAll) {
     table.addPIAtom((*this)["a"], {{(*this)["b"]}});
     table.addPIAtom((*this)["d"], {{(*this)["e"]}});
-    table.showAllPI();
+    table.showAllPI(std::cout);
     std::string const text = model.trace.take();
     EXPECT_NE(text.find("\nPI(c.a=on) => c.b=on - "), std::string::npos);
     EXPECT_NE(text.find("\nPI(c.d=on) => c.e=on - "), std::string::npos);
@@ -193,13 +194,13 @@ TEST_F(PiTableTest, TheComponentSymbolEndsAtTheFirstDot) {
 }
 
 TEST_F(PiTableTest, AnUnknownHeadStopsTheReadingAndKeepsWhatWasRead) {
-    std::size_t const atoms = DataManager::active_atoms.size();
+    std::size_t const atoms = thePlant().active_atoms.size();
     EXPECT_EQ(
         complaint([&] { EXPECT_EQ(read("c.a=on:c.b=on\nc.z=on:c.a=on\nc.b=on:c.a=on\n"), -1); }),
         "Atom not found: c.z=on\n");
     EXPECT_EQ(implicates("a"), "b");
     EXPECT_EQ(implicates("b"), "-");
-    EXPECT_EQ(DataManager::active_atoms.size(), atoms);  // the word was not entered
+    EXPECT_EQ(thePlant().active_atoms.size(), atoms);  // the word was not entered
     EXPECT_EQ(model.trace.take().find("PI("), std::string::npos);
 }
 

@@ -1,4 +1,5 @@
 // Building and reading of the small models.
+#include "fixtures/the_run.h"
 #include "reasoning/reasoning_fixture.h"
 
 #include <algorithm>
@@ -27,8 +28,8 @@ int count(std::string const& text, std::string const& part) {
 }
 
 SmallModel::SmallModel() {
-    DataManager::states_cover.clear();
-    DataManager::itms_calls = 0;
+    theRun().scheduler.states_cover.clear();
+    theRun().scheduler.itms_calls = 0;
     comp("c");
 }
 
@@ -85,7 +86,7 @@ Clause* SmallModel::clause(std::string const& text) {
         auto const [sign, name] = splitSign(word);
         literals.emplace_back(sign == '!', atom(name));
     }
-    Clause* made = DataManager::addClause(std::make_unique<Clause>(comps.at("c")));
+    Clause* made = thePlant().addClause(std::make_unique<Clause>(comps.at("c")));
     for (std::size_t const i : insertionOrder(literals))
         made->addAtomRef(literals[i].second, literals[i].first);
     return made;
@@ -110,7 +111,7 @@ Transition* SmallModel::transition(std::string const& pre, std::string const& po
 
 void SmallModel::start() {
     engine.rtInit();
-    history = std::make_unique<Trajectory>(&DataManager::active_atoms);
+    history = std::make_unique<Trajectory>(theRun().scheduler.book, &thePlant().active_atoms);
     trace.take();
 }
 

@@ -15,6 +15,7 @@
 #include <utility>
 #include <vector>
 
+#include "fixtures/the_run.h"
 #include "model/CommandVar.h"
 #include "model/CondVarrt.h"
 #include "model/ModeVarrt.h"
@@ -72,7 +73,7 @@ public:
         for (std::string const& value : values)
             atoms[name + "=" + value] = comp->newAtom((name + value).c_str(), made, value);
         if (exclusive)
-            addExclusiveChoice(made);
+            addExclusiveChoice(thePlant(), made);
         return made;
     }
     // One-valued variables, of one kind each. Their current state is no value, so that their labels

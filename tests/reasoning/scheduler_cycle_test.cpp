@@ -1,4 +1,5 @@
 // The discrete half of a hybrid step: events of the scenario and of the continuous side.
+#include "fixtures/the_run.h"
 #include "reasoning/scheduler_fixture.h"
 
 using namespace scheduler_fixture;
@@ -21,10 +22,10 @@ protected:
 
     std::string cycle(double when) { return cycle(*model.traj, when); }
     std::string cycle(Trajectory& traj, double when) {
-        return complaint([&] { sMM->doCycle(&traj, &model.rt, when); });
+        return complaint([&] { theRun().sMM->doCycle(&traj, &model.rt, when); });
     }
     static void observe(double date, std::vector<Atom*> const& atoms) {
-        sMM->scenario[date] = std::make_unique<scenarEvent>(scenarEvent{false, atoms});
+        theRun().sMM->scenario[date] = std::make_unique<scenarEvent>(scenarEvent{false, atoms});
     }
     using Atoms = std::vector<Atom*>;
 
@@ -35,27 +36,27 @@ protected:
 
 TEST_F(DiscreteCycle, WithoutEventsOnlyTheStepIsTold) {
     model.start();
-    streamsOf([&] { sMM->syncPreviousState(model.traj.get()); });
+    streamsOf([&] { theRun().sMM->syncPreviousState(model.traj.get()); });
     EXPECT_EQ(cycle(4.0), "");
     EXPECT_EQ(model.traj->getCurrentTime(), 1);
     EXPECT_EQ(model.rt.tStart, 1.0);
-    EXPECT_EQ(sMM->simTime, 4.0);
-    EXPECT_EQ(sMM->runtime, &model.rt);
-    EXPECT_TRUE(sMM->scenario.empty());  // looking up entered nothing
+    EXPECT_EQ(theRun().sMM->simTime, 4.0);
+    EXPECT_EQ(theRun().sMM->runtime, &model.rt);
+    EXPECT_TRUE(theRun().sMM->scenario.empty());  // looking up entered nothing
 }
 
 TEST_F(DiscreteCycle, AModelWithoutARuntimeTakesACycle) {
     model.start();
-    discretemdl = true;
-    sMM->addCommandEvent(model.open, 1);
-    EXPECT_EQ(complaint([&] { sMM->doCycle(model.traj.get(), nullptr, 1.0); }), "valve.cmd=open\n");
+    theRun().scheduler.discretemdl = true;
+    theRun().sMM->addCommandEvent(model.open, 1);
+    EXPECT_EQ(complaint([&] { theRun().sMM->doCycle(model.traj.get(), nullptr, 1.0); }), "valve.cmd=open\n");
     EXPECT_EQ(model.label("valve.mode=open"), "true");
 }
 
 // The first state is locked, so an empty one is put in between, which takes the command.
 TEST_F(DiscreteCycle, ADatedCommandIsObeyed) {
     model.start();
-    sMM->addCommandEvent(model.open, 3);
+    theRun().sMM->addCommandEvent(model.open, 3);
     EXPECT_EQ(cycle(2.0), "");
     EXPECT_EQ(cycle(3.0), "valve.cmd=open\n");
     EXPECT_EQ(model.traj->getCurrentTime(), 2);
@@ -69,36 +70,36 @@ TEST_F(DiscreteCycle, ADatedCommandIsObeyed) {
 
 TEST_F(DiscreteCycle, TheDateMustBeExactlyTheTime) {
     model.start();
-    sMM->scenario[0.3] = std::make_unique<scenarEvent>(scenarEvent{true, {model.open}});
+    theRun().sMM->scenario[0.3] = std::make_unique<scenarEvent>(scenarEvent{true, {model.open}});
     EXPECT_EQ(cycle(0.1 + 0.1 + 0.1), "");  // 0.30000000000000004
     EXPECT_EQ(cycle(0.3), "valve.cmd=open\n");
 }
 
 TEST_F(DiscreteCycle, CommandsOfTheContinuousSideFollowThoseOfTheScenario) {
     model.start();
-    sMM->addCommandEvent(model.open, 1);
-    sMM->contCommands = {low};
+    theRun().sMM->addCommandEvent(model.open, 1);
+    theRun().sMM->contCommands = {low};
     EXPECT_EQ(cycle(1.0), "valve.cmd=open\nlevel.c=low\n");
-    EXPECT_TRUE(sMM->contCommands.empty());
+    EXPECT_TRUE(theRun().sMM->contCommands.empty());
     // The event keeps its own atoms.
-    EXPECT_EQ(sMM->scenario[1.0]->atoms, Atoms{model.open});
+    EXPECT_EQ(theRun().sMM->scenario[1.0]->atoms, Atoms{model.open});
 }
 
 TEST_F(DiscreteCycle, CommandsOfTheContinuousSideAloneAreObeyed) {
     model.start();
-    sMM->contCommands = {model.open};
+    theRun().sMM->contCommands = {model.open};
     EXPECT_EQ(cycle(1.0), "valve.cmd=open\n");
     EXPECT_EQ(model.label("valve.mode=open"), "true");
-    EXPECT_TRUE(sMM->contCommands.empty());
+    EXPECT_TRUE(theRun().sMM->contCommands.empty());
 }
 
 TEST_F(DiscreteCycle, ObservationsHaveNoEffectAndCommandsWait) {
     model.start();
     observe(1.0, {model.isOpen});
-    sMM->contCommands = {model.open};
+    theRun().sMM->contCommands = {model.open};
     EXPECT_EQ(cycle(1.0), "");
     EXPECT_EQ(model.traj->getCurrentTime(), 0);
-    EXPECT_EQ(sMM->contCommands, Atoms{model.open});
+    EXPECT_EQ(theRun().sMM->contCommands, Atoms{model.open});
     // Also for a candidate that comes through the same time again.
     EXPECT_EQ(cycle(1.0), "");
     EXPECT_EQ(cycle(2.0), "valve.cmd=open\n");
@@ -106,7 +107,7 @@ TEST_F(DiscreteCycle, ObservationsHaveNoEffectAndCommandsWait) {
 
 TEST_F(DiscreteCycle, AnEventOfCommandsWithoutAtomsDoesNothing) {
     model.start();
-    sMM->scenario[1.0] = std::make_unique<scenarEvent>(scenarEvent{true, {}});
+    theRun().sMM->scenario[1.0] = std::make_unique<scenarEvent>(scenarEvent{true, {}});
     EXPECT_EQ(cycle(1.0), "");
     EXPECT_EQ(model.traj->getCurrentTime(), 0);
 }
@@ -114,7 +115,7 @@ TEST_F(DiscreteCycle, AnEventOfCommandsWithoutAtomsDoesNothing) {
 TEST_F(DiscreteCycle, EveryTrajectoryTakesTheEventOnce) {
     model.start();
     Trajectory second(model.traj.get(), 1);
-    sMM->addCommandEvent(model.open, 3);
+    theRun().sMM->addCommandEvent(model.open, 3);
     EXPECT_EQ(cycle(3.0), "valve.cmd=open\n");
     EXPECT_EQ(cycle(second, 3.0), "valve.cmd=open\n");
     EXPECT_EQ(second.getElt("valve.mode=open", 2, 0)->getLabel(), "true");
@@ -124,25 +125,25 @@ TEST_F(DiscreteCycle, EveryTrajectoryTakesTheEventOnce) {
     EXPECT_EQ(cycle(second, 3.0), "");
     EXPECT_EQ(cycle(copy, 3.0), "");
     // An event of another date is another event.
-    sMM->addCommandEvent(model.close, 4);
+    theRun().sMM->addCommandEvent(model.close, 4);
     EXPECT_EQ(cycle(copy, 4.0), "valve.cmd=close\n");
     EXPECT_EQ(copy.getElt("valve.mode=closed", copy.getCurrentTime(), 0)->getLabel(), "true");
 }
 
 TEST_F(DiscreteCycle, AfterItsEventATrajectoryStillObeysTheContinuousSide) {
     model.start();
-    sMM->addCommandEvent(model.open, 3);
+    theRun().sMM->addCommandEvent(model.open, 3);
     cycle(3.0);
-    sMM->contCommands = {low};
+    theRun().sMM->contCommands = {low};
     EXPECT_EQ(cycle(3.0), "level.c=low\n");
 }
 
 TEST_F(DiscreteCycle, AnImpossibleCommandIsToldAndForgotten) {
     model.start();
-    sMM->contCommands = {model.isOpen};
+    theRun().sMM->contCommands = {model.isOpen};
     EXPECT_EQ(cycle(1.0),
               "valve.mode=open\nError update the current state: no valid state found.\n");
-    EXPECT_TRUE(sMM->contCommands.empty());
+    EXPECT_TRUE(theRun().sMM->contCommands.empty());
     EXPECT_EQ(model.label("valve.mode=closed"), "true");
     EXPECT_EQ(model.rt.tStart, model.traj->getCurrentTime());
     EXPECT_TRUE(model.rt.bridgeTrans.empty());
@@ -151,7 +152,7 @@ TEST_F(DiscreteCycle, AnImpossibleCommandIsToldAndForgotten) {
 TEST_F(DiscreteCycle, AStepThatFailsTakesItsEmptyStateBack) {
     model.start();
     auto const times = model.traj->timeCorr;
-    sMM->contCommands = {model.close, model.none};
+    theRun().sMM->contCommands = {model.close, model.none};
     EXPECT_EQ(cycle(1.0),
               "valve.cmd=close\nvalve.cmd=none\n"
               "Error update the current state: no valid state found.\n");
@@ -160,15 +161,15 @@ TEST_F(DiscreteCycle, AStepThatFailsTakesItsEmptyStateBack) {
     EXPECT_EQ(model.traj->timeCorr, times);
     EXPECT_EQ(model.rt.tStart, 0.0);
     // The next one begins as if it had not been.
-    EXPECT_EQ((sMM->contCommands = {model.open}, cycle(2.0)), "valve.cmd=open\n");
+    EXPECT_EQ((theRun().sMM->contCommands = {model.open}, cycle(2.0)), "valve.cmd=open\n");
     EXPECT_EQ(model.traj->getCurrentTime(), 2);
 }
 
 // The events of the same cycle made a state of their own, and it stays.
 TEST_F(DiscreteCycle, WhatTheEventsSettledStays) {
     model.start();
-    sMM->contEvents.insert({true, high});
-    sMM->contCommands = {model.close, model.none};
+    theRun().sMM->contEvents.insert({true, high});
+    theRun().sMM->contCommands = {model.close, model.none};
     cycle(1.0);
     EXPECT_EQ(model.traj->getCurrentTime(), 1);
     EXPECT_EQ(model.label("level.c=high", 1), "true");
@@ -178,7 +179,7 @@ TEST_F(DiscreteCycle, WhatTheEventsSettledStays) {
 
 TEST_F(DiscreteCycle, ATrueEventIsFixedInTheCurrentState) {
     model.start();
-    sMM->contEvents.insert({true, high});
+    theRun().sMM->contEvents.insert({true, high});
     EXPECT_EQ(cycle(1.0), "");
     // A new state, since the first is locked.
     EXPECT_EQ(model.traj->getCurrentTime(), 1);
@@ -187,12 +188,12 @@ TEST_F(DiscreteCycle, ATrueEventIsFixedInTheCurrentState) {
     EXPECT_EQ(model.label("level.c=low", 0), "true");
     EXPECT_EQ(model.lock("level.c=high"), LOCK_TRUE_PERM);
     EXPECT_EQ(model.lock("level.c=low"), LOCK_FALSE_PERM);
-    EXPECT_TRUE(sMM->contEvents.empty());
+    EXPECT_TRUE(theRun().sMM->contEvents.empty());
 }
 
 TEST_F(DiscreteCycle, AFalseEventLocksItsOwnElementAlone) {
     model.start();
-    sMM->contEvents.insert({false, a});
+    theRun().sMM->contEvents.insert({false, a});
     EXPECT_EQ(cycle(1.0), "");
     EXPECT_EQ(model.label("level.m=a", 1), "false");
     EXPECT_EQ(model.label("level.m=b", 1), "true");  // one of them must hold
@@ -205,7 +206,7 @@ TEST_F(DiscreteCycle, WhatAnEventMadeTrueMayActAsACommand) {
     HandModel::exclude(level, high, model.none);
     HandModel::exclude(level, high, model.close);
     model.start();
-    sMM->contEvents.insert({true, high});
+    theRun().sMM->contEvents.insert({true, high});
     EXPECT_EQ(cycle(1.0), "valve.cmd=open\n");
     EXPECT_EQ(model.label("valve.mode=open"), "true");
     EXPECT_EQ(model.rt.bridgeTrans, std::vector<Transition*>{model.opens});
@@ -215,12 +216,12 @@ TEST_F(DiscreteCycle, OnlyTrueAtomsWithTransitionsActAsCommands) {
     // The event makes high true, which leads nowhere, and low false.
     HandModel::transition(level, {{true, low}, {true, a}}, {{true, b}});
     model.start();
-    sMM->contEvents.insert({true, high});
+    theRun().sMM->contEvents.insert({true, high});
     streamsOf([&] {
-        sMM->simTime = 1.0;
-        sMM->addContEvents(model.traj.get());
+        theRun().sMM->simTime = 1.0;
+        theRun().sMM->addContEvents(model.traj.get());
     });
-    EXPECT_TRUE(sMM->contCommands.empty());
+    EXPECT_TRUE(theRun().sMM->contCommands.empty());
     EXPECT_EQ(model.traj->getCurrentTime(), 0);  // the state itself was replaced
     EXPECT_EQ(model.label("level.c=high", 0), "true");
 }
@@ -228,8 +229,8 @@ TEST_F(DiscreteCycle, OnlyTrueAtomsWithTransitionsActAsCommands) {
 TEST_F(DiscreteCycle, AnEventThatNoStateHoldsEndsTheProcess) {
     model.start();
     // Of a choice between two, a condition may not become true while observing.
-    sMM->contEvents.insert({false, low});
-    EXPECT_EXIT(sMM->addContEvents(model.traj.get()), testing::ExitedWithCode(1),
+    theRun().sMM->contEvents.insert({false, low});
+    EXPECT_EXIT(theRun().sMM->addContEvents(model.traj.get()), testing::ExitedWithCode(1),
                 "Error adding continuous events: no valid state found.\n");
 }
 
@@ -239,7 +240,7 @@ TEST_F(DiscreteCycle, BridgeConditionsTakeTheMarkedElementsAlone) {
     ElementTable table;
     for (char const* id : {"level.c=high", "level.c=low", "valve.mode=closed"})
         table[id] = model.traj->getState(0)->getElt(id);
-    sMM->addBridgeConditions(table);
+    theRun().sMM->addBridgeConditions(table);
     ASSERT_EQ(model.rt.bridgeConds.size(), 1u);
     EXPECT_EQ(model.rt.bridgeConds.begin()->second, high);
     EXPECT_FALSE(model.rt.bridgeConds.begin()->first);

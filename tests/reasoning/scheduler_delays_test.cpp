@@ -1,4 +1,5 @@
 // Transitions whose effects come at delays.
+#include "fixtures/the_run.h"
 #include "reasoning/scheduler_fixture.h"
 
 using namespace scheduler_fixture;
@@ -23,12 +24,12 @@ protected:
 
     Streams step(std::vector<Atom*> commands) {
         return streamsOf([&] {
-            sMM->constructNextNominalStateLarge(model.traj.get(), commands, false, pending);
+            theRun().sMM->constructNextNominalStateLarge(model.traj.get(), commands, false, pending);
         });
     }
     std::vector<Atom*> commandsAt(double step) const {
-        auto const found = sMM->scenario.find(step);
-        return found == sMM->scenario.end() ? std::vector<Atom*>{} : found->second->atoms;
+        auto const found = theRun().sMM->scenario.find(step);
+        return found == theRun().sMM->scenario.end() ? std::vector<Atom*>{} : found->second->atoms;
     }
     using Atoms = std::vector<Atom*>;
 
@@ -51,7 +52,7 @@ TEST_F(DelayedEffects, DelayOneIsTheNextStepAndALaterCommandAnEvent) {
     EXPECT_EQ(reached->prevTrans, starts);
     EXPECT_EQ(reached->index, 0);
     EXPECT_EQ(commandsAt(3.0), Atoms{fanGo});
-    EXPECT_EQ(sMM->scenario.size(), 1u);
+    EXPECT_EQ(theRun().sMM->scenario.size(), 1u);
     EXPECT_EQ(model.rt.bridgeTrans, std::vector<Transition*>{starts});
     EXPECT_EQ(told.out.find("-------->"), std::string::npos);
     for (char const* guard : {"pump.cmd=go", "pump.mode=off"})
@@ -133,7 +134,7 @@ TEST_F(DelayedEffects, ATransitionThatEndsIsShownAndForgotten) {
                                           {{1, {{true, off}}}, {2, {{true, fanGo}}}});
     model.start();
     pending.insert({ends->id, transitionCM{ends, -2, go}});  // two effects: the end is step 0
-    std::string const shown = streamsOf([ends] { ends->showTransition(); }).out;
+    std::string const shown = streamsOf([ends] { ends->showTransition(std::cout); }).out;
     Streams const told = step({});
     EXPECT_NE(told.out.find(shown), std::string::npos);
     EXPECT_TRUE(pending.empty());
@@ -183,7 +184,7 @@ TEST_F(TakenBack, NothingOfAnImpossibleTransitionStays) {
     EXPECT_EQ(step({go}).err, "Error update the current state: no valid state found.\n");
     EXPECT_EQ(model.traj->getCurrentTime(), 1);
     EXPECT_TRUE(pending.empty());
-    EXPECT_TRUE(sMM->scenario.empty());
+    EXPECT_TRUE(theRun().sMM->scenario.empty());
     EXPECT_TRUE(at(1, go)->nextTrans.empty());
     EXPECT_EQ(at(1, off)->nextTrans.count(starts->id), 0u);
     EXPECT_EQ(at(1, shut), nullptr);
@@ -211,7 +212,7 @@ TEST_F(DelayedEffects, ACommandOfAnImpossibleEffectIsNotGiven) {
                           {{true, fanGo}, {true, fast}, {true, fast->getSiblings()[0]}});
     model.start();
     EXPECT_EQ(step({go}).err, "Error update the current state: no valid state found.\n");
-    EXPECT_TRUE(sMM->scenario.empty());
+    EXPECT_TRUE(theRun().sMM->scenario.empty());
 }
 
 // In a hybrid run every cycle starts without running transitions.
@@ -219,11 +220,11 @@ TEST_F(DelayedEffects, NothingIsPendingInTheNextCycle) {
     Transition* starts = HandModel::delayed(pump, {{true, go}, {true, off}},
                                             {{1, {{true, on}}}, {2, {{true, fanGo}}}});
     model.start();
-    sMM->addCommandEvent(go, 1);
-    streamsOf([&] { sMM->doCycle(model.traj.get(), &model.rt, 1.0); });
+    theRun().sMM->addCommandEvent(go, 1);
+    streamsOf([&] { theRun().sMM->doCycle(model.traj.get(), &model.rt, 1.0); });
     EXPECT_EQ(model.rt.bridgeTrans, std::vector<Transition*>{starts});
     int const before = model.traj->getCurrentTime();
-    EXPECT_EQ(complaint([&] { sMM->doCycle(model.traj.get(), &model.rt, 1.5); }), "");
+    EXPECT_EQ(complaint([&] { theRun().sMM->doCycle(model.traj.get(), &model.rt, 1.5); }), "");
     EXPECT_EQ(model.traj->getCurrentTime(), before);
 }
 

@@ -13,6 +13,7 @@
 #include <utility>
 #include <vector>
 
+#include "fixtures/the_run.h"
 #include "continuous/records.h"
 #include "model/CommandVar.h"
 #include "model/CondVarrt.h"
@@ -76,14 +77,14 @@ class HandModel {
 public:
     HandModel() {
         streamsOf([this] { scheduler = std::make_unique<Scheduler>("hand"); });
-        sMM = scheduler.get();
-        discretemdl = false;
+        theRun().sMM = scheduler.get();
+        theRun().scheduler.discretemdl = false;
     }
     ~HandModel() {
-        sMM = nullptr;
+        theRun().sMM = nullptr;
         traj.reset();
         streamsOf([this] { scheduler.reset(); });
-        discretemdl = false;
+        theRun().scheduler.discretemdl = false;
     }
     HandModel(HandModel const&) = delete;
 
@@ -98,7 +99,7 @@ public:
             values.front(), comp));
         for (std::string const& value : values)
             comp->newAtom((name + "_" + value).c_str(), made, value);
-        addExclusiveChoice(made);
+        addExclusiveChoice(thePlant(), made);
         return made;
     }
 
@@ -126,23 +127,23 @@ public:
 
     // Not both of two atoms of different variables.
     static void exclude(Comp* comp, Atom* a, Atom* b) {
-        Clause* clause = DataManager::addClause(std::make_unique<Clause>(comp));
+        Clause* clause = thePlant().addClause(std::make_unique<Clause>(comp));
         clause->addAtomRef(a, true);
         clause->addAtomRef(b, true);
     }
 
     void start() {
         streamsOf([this] { scheduler->rtInit(); });
-        traj = std::make_unique<Trajectory>(&DataManager::active_atoms);
-        for (auto const& entry : DataManager::active_comps)
+        traj = std::make_unique<Trajectory>(theRun().scheduler.book, &thePlant().active_atoms);
+        for (auto const& entry : thePlant().active_comps)
             traj->getState(0)->comps[entry.second->getName()] = entry.second;
-        sMM->runtime = &rt;
+        theRun().sMM->runtime = &rt;
     }
 
     // The atom of that id in the model.
     static Atom* atom(char const* id) {
-        auto const found = DataManager::active_atoms.find(id);
-        if (found != DataManager::active_atoms.end())
+        auto const found = thePlant().active_atoms.find(id);
+        if (found != thePlant().active_atoms.end())
             return found->second;
         ADD_FAILURE() << "no atom " << id;
         return nullptr;

@@ -1,4 +1,5 @@
 // The discrete run over transitions whose effects come at delays.
+#include "fixtures/the_run.h"
 #include "reasoning/scheduler_fixture.h"
 
 using namespace scheduler_fixture;
@@ -20,13 +21,13 @@ protected:
             {{1, {{true, mode->getAtomLinks()[1]}}}, {2, {{true, fanCmd->getAtomLinks()[1]}}}});
         model.start();
         traj = model.traj.get();
-        DataManager::tracked_traj.clear();
-        DataManager::tracked_traj.emplace(1.0, std::move(model.traj));
+        theRun().scheduler.tracked_traj.clear();
+        theRun().scheduler.tracked_traj.emplace(1.0, std::move(model.traj));
     }
 
     static Streams run(std::string const& lines) {
         TextFile const file(lines);
-        return streamsOf([&] { sMM->runSchD(file.path); });
+        return streamsOf([&] { theRun().sMM->runSchD(file.path); });
     }
     // Whether the state of step *t* itself holds the atom as true.
     bool holds(char const* id, int t) const {
@@ -49,7 +50,7 @@ TEST_F(DelayedRun, TheCommandIsAssertedUntilTheTransitionEnds) {
         EXPECT_EQ(traj->getState(t)->getElt("pump.cmd=go")->lock, LOCK_TRUE_PERM) << t;
     }
     EXPECT_FALSE(holds("pump.cmd=go", 3));
-    std::string const shown = streamsOf([this] { starts->showTransition(); }).out;
+    std::string const shown = streamsOf([this] { starts->showTransition(std::cout); }).out;
     std::size_t const at = told.out.find(shown);
     EXPECT_NE(at, std::string::npos);
     EXPECT_EQ(told.out.find(shown, at + 1), std::string::npos);
@@ -58,9 +59,9 @@ TEST_F(DelayedRun, TheCommandIsAssertedUntilTheTransitionEnds) {
 // The first history's last step forgets the transition. The commands of a step are one list for all
 // histories, so the second one asserts its command there as well.
 TEST_F(DelayedRun, HistoriesShareTheCommandsThatStillRun) {
-    auto other = std::make_unique<Trajectory>(&DataManager::active_atoms);
+    auto other = std::make_unique<Trajectory>(theRun().scheduler.book, &thePlant().active_atoms);
     Trajectory const* second = other.get();
-    DataManager::tracked_traj.emplace(0.5, std::move(other));
+    theRun().scheduler.tracked_traj.emplace(0.5, std::move(other));
     run("Command pump.cmd=go\nCommand fan.cmd=none\nCommand fan.cmd=none\n");
     for (Trajectory const* each : {static_cast<Trajectory const*>(traj), second}) {
         TrajEl const* command = each->getState(2)->getElt("pump.cmd=go");
@@ -73,9 +74,9 @@ TEST_F(DelayedRun, HistoriesShareTheCommandsThatStillRun) {
 // What runs is one table for all histories: the second one finds the transition running since this
 // step, so nothing is recorded in its element, and without a record the effect is not of this step.
 TEST_F(DelayedRun, HistoriesShareWhatRuns) {
-    auto other = std::make_unique<Trajectory>(&DataManager::active_atoms);
+    auto other = std::make_unique<Trajectory>(theRun().scheduler.book, &thePlant().active_atoms);
     Trajectory const* second = other.get();
-    DataManager::tracked_traj.emplace(0.5, std::move(other));
+    theRun().scheduler.tracked_traj.emplace(0.5, std::move(other));
     run("Command pump.cmd=go\n");
     EXPECT_TRUE(holds("pump.mode=on", 1));
     TrajEl const* on = second->getState(1)->getElt("pump.mode=on");
@@ -95,7 +96,7 @@ TEST_F(DelayedRun, ALineTakesTheStepOfAScheduledCommand) {
 TEST_F(DelayedRun, SoDoesTheEndOfTheScenario) {
     Streams const told = run("Command pump.cmd=go\n");
     EXPECT_EQ(told.err.find("Time : 2"), std::string::npos);
-    EXPECT_EQ(sMM->time, 1);
+    EXPECT_EQ(theRun().sMM->time, 1);
 }
 
 // Two components with a command each: b takes its command at the next step, and gives that of c two
@@ -124,10 +125,10 @@ protected:
             d, {{false, given->getAtomLinks()[2]}, {true, follows->getAtomLinks()[0]}},
             {{true, follows->getAtomLinks()[1]}});
         model.start();
-        DataManager::tracked_traj.clear();
-        DataManager::tracked_traj.emplace(1.0, std::move(model.traj));
-        DataManager::tracked_traj.emplace(0.5,
-                                          std::make_unique<Trajectory>(&DataManager::active_atoms));
+        theRun().scheduler.tracked_traj.clear();
+        theRun().scheduler.tracked_traj.emplace(1.0, std::move(model.traj));
+        theRun().scheduler.tracked_traj.emplace(0.5,
+                                          std::make_unique<Trajectory>(theRun().scheduler.book, &thePlant().active_atoms));
     }
 
     HandModel model;
@@ -135,10 +136,10 @@ protected:
 
 TEST_F(CommandOfTheRunningStep, ItReachesTheLaterHistoriesOfThatStep) {
     TextFile const file("Observation b.mode=off\nCommand b.cmd=go\n");
-    streamsOf([&] { sMM->runSchD(file.path); });
-    ASSERT_EQ(DataManager::tracked_traj.size(), 2u);
-    Trajectory const* first = DataManager::tracked_traj.begin()->second.get();
-    Trajectory const* second = std::next(DataManager::tracked_traj.begin())->second.get();
+    streamsOf([&] { theRun().sMM->runSchD(file.path); });
+    ASSERT_EQ(theRun().scheduler.tracked_traj.size(), 2u);
+    Trajectory const* first = theRun().scheduler.tracked_traj.begin()->second.get();
+    Trajectory const* second = std::next(theRun().scheduler.tracked_traj.begin())->second.get();
     auto const labelAt = [](Trajectory const* traj, char const* id, int t) {
         return traj->getElt(id, t, 0)->getLabel();
     };

@@ -3,6 +3,7 @@
 // Copying a state turns around the order of the elements whose ids share a bucket of its table, and
 // the search meets them in that order. The ids of af and ba have one hash: the text hash takes five
 // times what came before and adds the letter, and 5 * 'a' + 'f' is 5 * 'b' + 'a'.
+#include "fixtures/the_run.h"
 #include "reasoning/scheduler_fixture.h"
 
 using namespace scheduler_fixture;
@@ -30,8 +31,8 @@ protected:
         HandModel::idle(tap, broken);
         addLamp(flow->getAtomLinks()[1]);
         model.start();
-        DataManager::tracked_traj.clear();
-        DataManager::tracked_traj.emplace(1.0, std::move(model.traj));
+        theRun().scheduler.tracked_traj.clear();
+        theRun().scheduler.tracked_traj.emplace(1.0, std::move(model.traj));
     }
 
     // Always dark, and beside the tap in a clause: it weighs what is observed of the tap.
@@ -43,8 +44,8 @@ protected:
     }
     static void run(std::string const& lines) {
         TextFile const file(lines);
-        sMM->time = 0;
-        complaint([&] { sMM->runSchD(file.path); });
+        theRun().sMM->time = 0;
+        complaint([&] { theRun().sMM->runSchD(file.path); });
     }
     // The ids of every state of the histories, in the order of their tables.
     static std::string orderIn(TrajectoryMap const& histories) {
@@ -63,7 +64,7 @@ protected:
 
 TEST_F(SearchedCopy, TheSearchGetsTheCopyOfBeforeTheObservation) {
     run("Command tap.cmd=go\n");
-    Trajectory const* followed = DataManager::tracked_traj.begin()->second.get();
+    Trajectory const* followed = theRun().scheduler.tracked_traj.begin()->second.get();
     ASSERT_EQ(followed->getCurrentTime(), 1);
     std::string expected, copiedOnceMore;
     complaint([&] {
@@ -71,12 +72,12 @@ TEST_F(SearchedCopy, TheSearchGetsTheCopyOfBeforeTheObservation) {
         double reached = 0.0;
         auto copy = std::make_unique<Trajectory>(followed, 2);
         auto further = std::make_unique<Trajectory>(copy.get(), 2);
-        expected = orderIn(sMM->coverTrack3(std::move(copy), 1.0, 10.0, seen, reached));
-        copiedOnceMore = orderIn(sMM->coverTrack3(std::move(further), 1.0, 10.0, seen, reached));
+        expected = orderIn(theRun().sMM->coverTrack3(std::move(copy), 1.0, 10.0, seen, reached));
+        copiedOnceMore = orderIn(theRun().sMM->coverTrack3(std::move(further), 1.0, 10.0, seen, reached));
     });
     ASSERT_NE(expected, copiedOnceMore);
     run("Observation tap.flow=zero\n");
-    EXPECT_EQ(orderIn(DataManager::tracked_traj), expected);
+    EXPECT_EQ(orderIn(theRun().scheduler.tracked_traj), expected);
 }
 
 }  // namespace

@@ -6,6 +6,7 @@
 #include <cstdio>
 #include <sstream>
 
+#include "fixtures/the_run.h"
 #include "reasoning/scheduler_fixture.h"
 
 using namespace scheduler_fixture;
@@ -69,7 +70,7 @@ using Tracked = std::vector<std::pair<double, Trajectory*>>;
 
 Tracked tracked() {
     Tracked found;
-    for (auto const& [key, traj] : DataManager::tracked_traj)
+    for (auto const& [key, traj] : theRun().scheduler.tracked_traj)
         found.emplace_back(key, traj.get());
     return found;
 }
@@ -117,8 +118,8 @@ protected:
         addLamp(positive);
         model.start();
         first = model.traj.get();
-        DataManager::tracked_traj.clear();
-        DataManager::tracked_traj.emplace(1.0, std::move(model.traj));
+        theRun().scheduler.tracked_traj.clear();
+        theRun().scheduler.tracked_traj.emplace(1.0, std::move(model.traj));
     }
 
     // A valve that is told to open may break; told nothing, it stays as it is.
@@ -147,28 +148,28 @@ protected:
 
     // A further history, which has gone through these commands.
     Trajectory* track(double key, std::vector<Atom*> const& commands) {
-        auto traj = std::make_unique<Trajectory>(&DataManager::active_atoms);
+        auto traj = std::make_unique<Trajectory>(theRun().scheduler.book, &thePlant().active_atoms);
         Trajectory* made = traj.get();
         PendingTransitions pending;
-        discretemdl = true;
+        theRun().scheduler.discretemdl = true;
         streamsOf([&] {
             for (Atom* command : commands) {
                 std::vector<Atom*> step{command};
-                sMM->constructNextNominalStateLarge(made, step, false, pending);
+                theRun().sMM->constructNextNominalStateLarge(made, step, false, pending);
             }
         });
-        DataManager::tracked_traj.emplace(key, std::move(traj));
+        theRun().scheduler.tracked_traj.emplace(key, std::move(traj));
         return made;
     }
     // Runs a scenario of these lines; answers what it says on the error stream.
     static std::string run(std::string const& lines) {
         TextFile const file(lines);
-        return masked(complaint([&] { EXPECT_EQ(sMM->runSchD(file.path), 1); }));
+        return masked(complaint([&] { EXPECT_EQ(theRun().sMM->runSchD(file.path), 1); }));
     }
     // A run that ends the process. As in the program, the histories go before the model then.
     static void runOut(std::string const& path) {
-        std::atexit([] { DataManager::tracked_traj.clear(); });
-        sMM->runSchD(path);
+        std::atexit([] { theRun().scheduler.tracked_traj.clear(); });
+        theRun().sMM->runSchD(path);
     }
     static std::string modeOf(Trajectory const* traj) {
         for (char const* id : {"valve.mode=closed", "valve.mode=open", "valve.mode=broken"})
@@ -185,17 +186,17 @@ protected:
 
 TEST_F(DiscreteRun, NothingGoesOverTheBridge) {
     run("Command valve.cmd=open\n");
-    EXPECT_TRUE(discretemdl);
+    EXPECT_TRUE(theRun().scheduler.discretemdl);
     EXPECT_TRUE(model.rt.bridgeTrans.empty());
 }
 
 TEST_F(DiscreteRun, AMissingFileIsTold) {
     std::string const path = "/nonexistent-directory/file.scn";
-    EXPECT_EQ(complaint([&] { EXPECT_EQ(sMM->runSchD(path), 1); }),
+    EXPECT_EQ(complaint([&] { EXPECT_EQ(theRun().sMM->runSchD(path), 1); }),
               "can't open scenario file: " + path + "\n");
-    EXPECT_EQ(sMM->time, 0);
+    EXPECT_EQ(theRun().sMM->time, 0);
     EXPECT_EQ(tracked(), (Tracked{{1.0, first}}));
-    EXPECT_TRUE(sMM->scenario.empty());
+    EXPECT_TRUE(theRun().sMM->scenario.empty());
 }
 
 TEST_F(DiscreteRun, AnEmptyScenarioEndsTheProcess) {
@@ -211,7 +212,7 @@ TEST_F(DiscreteRun, AnUnknownAtomInTheFirstLineDoesToo) {
 }
 
 TEST_F(DiscreteRun, WithoutAHistoryThereIsNothingToRun) {
-    DataManager::tracked_traj.clear();
+    theRun().scheduler.tracked_traj.clear();
     EXPECT_EQ(run("Command valve.cmd=open\n"), "no history to run the scenario on\n");
 }
 
@@ -237,9 +238,9 @@ TEST_F(DiscreteRun, SoItIsInEveryHistory) {
 
 // The first line is stored for step 1, whatever the step.
 TEST_F(DiscreteRun, ARunThatHasBegunFindsNoStepOfItsOwn) {
-    sMM->time = 4;
+    theRun().sMM->time = 4;
     EXPECT_EQ(run("Command valve.cmd=open\n"), "Scheduler receives a command: valve.cmd=open\n");
-    EXPECT_EQ(sMM->time, 4);
+    EXPECT_EQ(theRun().sMM->time, 4);
     EXPECT_EQ(first->getCurrentTime(), 0);
     EXPECT_EQ(first->getState(0)->getElt("valve.mode=closed")->lock, LOCK_FREE);
 }
@@ -250,7 +251,7 @@ TEST_F(DiscreteRun, TheFirstLineIsStepOne) {
     EXPECT_EQ(run("Command valve.cmd=open\n"),
               "Scheduler receives a command: valve.cmd=open\n" + heading(1, "valve.cmd=open ") +
                   "state proba : 0.81\nnormalized proba : 1\n" + stepDone + scenarioDone);
-    EXPECT_EQ(sMM->time, 1);
+    EXPECT_EQ(theRun().sMM->time, 1);
     EXPECT_EQ(first->getCurrentTime(), 1);
     EXPECT_EQ(modeOf(first), "valve.mode=open");
 }
@@ -258,7 +259,7 @@ TEST_F(DiscreteRun, TheFirstLineIsStepOne) {
 TEST_F(DiscreteRun, EveryLineIsAStep) {
     std::string const told =
         run("Command valve.cmd=open\nObservation sensor.flow=positive\nCommand valve.cmd=close\n");
-    EXPECT_EQ(sMM->time, 3);
+    EXPECT_EQ(theRun().sMM->time, 3);
     for (char const* heading : {"\nTime : 1\n", "\nTime : 2\n", "\nTime : 3\n"})
         EXPECT_NE(told.find(heading), std::string::npos) << heading;
     // Observations make no state.
@@ -268,9 +269,9 @@ TEST_F(DiscreteRun, EveryLineIsAStep) {
 // What is done is erased; the end of the file stands as a null under the step after the last.
 TEST_F(DiscreteRun, TheTableHoldsTheLastStepAndTheEnd) {
     run("Command valve.cmd=open\nCommand valve.cmd=close\nCommand valve.cmd=none\n");
-    ASSERT_EQ(sMM->scenario.size(), 1u);
-    EXPECT_EQ(sMM->scenario.begin()->first, 4.0);
-    EXPECT_EQ(sMM->scenario.begin()->second, nullptr);
+    ASSERT_EQ(theRun().sMM->scenario.size(), 1u);
+    EXPECT_EQ(theRun().sMM->scenario.begin()->first, 4.0);
+    EXPECT_EQ(theRun().sMM->scenario.begin()->second, nullptr);
 }
 
 TEST_F(DiscreteRun, AllAtomsOfALineAreShown) {
@@ -282,7 +283,7 @@ TEST_F(DiscreteRun, ALineWithoutAtomsIsAStep) {
     EXPECT_EQ(run("Observation\n"), heading(1, "") + agreeing(0, 0) +
                                         "normalized proba after inserting obs : 1\n" + stepDone +
                                         scenarioDone);
-    EXPECT_EQ(sMM->time, 1);
+    EXPECT_EQ(theRun().sMM->time, 1);
 }
 
 TEST_F(DiscreteRun, AnUnknownAtomEndsTheRun) {
@@ -291,7 +292,7 @@ TEST_F(DiscreteRun, AnUnknownAtomEndsTheRun) {
         std::string(stepDone) +
         "Scheduler::readFromScenario --> received command is not valid : valve.cmd=burst\n";
     EXPECT_EQ(told.substr(told.find(stepDone)), end);
-    EXPECT_EQ(sMM->time, 1);
+    EXPECT_EQ(theRun().sMM->time, 1);
     EXPECT_EQ(tracked(), (Tracked{{1.0, first}}));
 }
 
@@ -314,7 +315,7 @@ TEST_F(DiscreteRun, ProbabilitiesOfACommandStepSumToOne) {
 
 // The state added is empty: nothing led into it, and its probability is that of the one before.
 TEST_F(DiscreteRun, AStepWithoutATransitionAddsAnEmptyState) {
-    sMM->simTime = 2.5;
+    theRun().sMM->simTime = 2.5;
     EXPECT_NE(run("Command valve.cmd=none\n").find("state proba : 0.9\n"), std::string::npos);
     EXPECT_EQ(first->getCurrentTime(), 1);
     EXPECT_TRUE(first->getState(1)->elts.empty());
@@ -323,7 +324,7 @@ TEST_F(DiscreteRun, AStepWithoutATransitionAddsAnEmptyState) {
 
 TEST_F(DiscreteRun, NothingIsAddedBehindAnEmptyState) {
     std::string const told = run("Command valve.cmd=none\nCommand\n");
-    EXPECT_EQ(sMM->time, 2);
+    EXPECT_EQ(theRun().sMM->time, 2);
     EXPECT_EQ(first->getCurrentTime(), 1);
     EXPECT_EQ(told.find("state proba", told.find("Time : 2")), std::string::npos);
 }
@@ -342,7 +343,7 @@ TEST_F(DiscreteRun, CommandsThatExcludeEachOtherLeaveTheHistoryWhereItIs) {
     EXPECT_NE(told.find("Error update the current state: no valid state found.\n"),
               std::string::npos);
     EXPECT_EQ(modeOf(first), "valve.mode=closed");
-    EXPECT_EQ(sMM->time, 1);
+    EXPECT_EQ(theRun().sMM->time, 1);
 }
 
 // The line of an observation moves the step, not the history: there is no state to weigh.
@@ -385,7 +386,7 @@ TEST_F(DiscreteRun, AnObservationThatAllAgreeWithKeepsThemAll) {
     EXPECT_EQ(left[0].second->getCurrentTime(), 0);
     EXPECT_EQ(left[2].second->getCurrentTime(), 2);
     EXPECT_EQ(log.lines(), "0 (time) 0 3\n");
-    EXPECT_EQ(sMM->time, 1);
+    EXPECT_EQ(theRun().sMM->time, 1);
 }
 
 TEST_F(DiscreteRun, TheHistoriesThatDisagreeGo) {
@@ -411,7 +412,7 @@ TEST_F(DiscreteRun, TheHistoriesThatDisagreeGo) {
 TEST(DiscreteRunOutcomes, AHistoryThatCouldAgreeInTwoWaysIsRefuted) {
     HandModel model;
     Comp* comp = model.comp("c");
-    Clause* follows = DataManager::addClause(std::make_unique<Clause>(comp));
+    Clause* follows = thePlant().addClause(std::make_unique<Clause>(comp));
     for (char const* cause : {"a", "b"})
         follows->addAtomRef(model.variable<StateVar>(comp, cause, {"no", "yes"})->getAtomLinks()[1],
                             false);
@@ -419,11 +420,11 @@ TEST(DiscreteRunOutcomes, AHistoryThatCouldAgreeInTwoWaysIsRefuted) {
     follows->addAtomRef(seen->getAtomLinks()[1], true);
     model.start();
     // Free, as the causes are: the start of a run would hold them.
-    sMM->time = 0;
-    DataManager::tracked_traj.clear();
-    DataManager::tracked_traj.emplace(1.0, std::move(model.traj));
+    theRun().sMM->time = 0;
+    theRun().scheduler.tracked_traj.clear();
+    theRun().scheduler.tracked_traj.emplace(1.0, std::move(model.traj));
     TextFile const file("Command\nObservation c.seen=yes\n");
-    std::string const told = complaint([&] { sMM->runSchD(file.path); });
+    std::string const told = complaint([&] { theRun().sMM->runSchD(file.path); });
     EXPECT_NE(told.find("results from observations computed : 2\n[Scheduler]"), std::string::npos);
     EXPECT_NE(told.find("---------> Diagnosing...\n"), std::string::npos);
 }
@@ -439,10 +440,10 @@ TEST(DiscreteRunOutcomes, AnOnlyOutcomeThatDeniesAnEffectIsRefuted) {
     HandModel::transition(comp, {{true, cmd->getAtomLinks()[1]}, {true, mode->getAtomLinks()[0]}},
                           {{true, mode->getAtomLinks()[1]}, {true, light->getAtomLinks()[1]}});
     model.start();
-    DataManager::tracked_traj.clear();
-    DataManager::tracked_traj.emplace(1.0, std::move(model.traj));
+    theRun().scheduler.tracked_traj.clear();
+    theRun().scheduler.tracked_traj.emplace(1.0, std::move(model.traj));
     TextFile const file("Command c.cmd=go\nObservation c.light=dark\n");
-    std::string const told = complaint([&] { sMM->runSchD(file.path); });
+    std::string const told = complaint([&] { theRun().sMM->runSchD(file.path); });
     EXPECT_NE(told.find("results from observations computed : 1\n[getConflicts()]"),
               std::string::npos);
     EXPECT_NE(told.find("---------> Diagnosing...\n"), std::string::npos);
@@ -465,7 +466,7 @@ TEST_F(DiscreteRun, OneHistoryThatAgreesIsEnough) {
     ASSERT_EQ(tracked().size(), 1u);
     EXPECT_EQ(modeOf(tracked().front().second), "valve.mode=closed");
     EXPECT_EQ(told.find("Diagnosing"), std::string::npos);
-    EXPECT_EQ(sMM->bound, 0.0);
+    EXPECT_EQ(theRun().sMM->bound, 0.0);
 }
 
 // ---- The search ----
@@ -489,8 +490,8 @@ TEST_F(DiscreteRun, WhenAllDisagreeTheFirstHistoryAloneIsSearched) {
     EXPECT_EQ(found->getState(1)->getElt("valve.mode=broken")->prevTrans, model.breaks);
     EXPECT_EQ(found->rank, 1.0);
     EXPECT_EQ(found->proba, 1.0);
-    EXPECT_EQ(sMM->bound, 1.0);
-    EXPECT_EQ(sMM->time, 2);
+    EXPECT_EQ(theRun().sMM->bound, 1.0);
+    EXPECT_EQ(theRun().sMM->time, 2);
     // The mark of a search, and what is left behind it.
     EXPECT_EQ(log.lines(), "1 (time) 0 2\n1 (time) 1 1\n");
 }
@@ -508,7 +509,7 @@ TEST_F(DiscreteRun, TheFirstHistoryIsTheOneOfTheGreatestKey) {
 
 // From one above the rank that the search before came to, to ten above that of the history.
 TEST_F(DiscreteRun, TheRanksOfASearchFollowTheBoundAndTheHistory) {
-    sMM->bound = 12.0;
+    theRun().sMM->bound = 12.0;
     first->rank = 3.0;
     std::string const told = run("Command valve.cmd=open\nObservation sensor.flow=zero\n");
     EXPECT_NE(told.find("---------> Diagnosing...\nRank : 13/13 (time)\n"), std::string::npos);
@@ -523,15 +524,15 @@ TEST_F(DiscreteRun, ASearchThatFindsNothingLeavesNothing) {
     EXPECT_NE(told.find("no history explains the observations of step 1\n"), std::string::npos);
     EXPECT_NE(told.find("no history is left to observe at step 3\n"), std::string::npos);
     EXPECT_TRUE(tracked().empty());
-    EXPECT_EQ(sMM->time, 3);
+    EXPECT_EQ(theRun().sMM->time, 3);
     EXPECT_EQ(log.lines(), "0 (time) 1 0\n2 (time) 0 0\n");
 }
 
 // The first history's, that of the copy, and one in each round of the ranks 1 to 10.
 TEST_F(DiscreteRun, ASearchMakesAFurtherCopyBesideTheOneItWorksOn) {
-    unsigned const before = Trajectory::traj_created;
+    unsigned const before = theRun().scheduler.book.traj_created;
     run("Observation sensor.flow=zero sensor.flow=positive\n");
-    EXPECT_EQ(Trajectory::traj_created - before, 12u);
+    EXPECT_EQ(theRun().scheduler.book.traj_created - before, 12u);
 }
 
 TEST_F(DiscreteRun, TheRunGoesOnWithWhatWasFound) {

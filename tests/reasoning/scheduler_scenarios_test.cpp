@@ -1,4 +1,5 @@
 // Scenario files: what is read, what is told, and what a bad file leaves.
+#include "fixtures/the_run.h"
 #include "reasoning/scheduler_fixture.h"
 
 using namespace scheduler_fixture;
@@ -15,12 +16,12 @@ protected:
     std::string load(std::string const& text) {
         TextFile const file(text);
         path = file.path;
-        return complaint([&] { sMM->loadScenario(file.path); });
+        return complaint([&] { theRun().sMM->loadScenario(file.path); });
     }
     // The event of a date as "C" or "O" and the values of its atoms; "-" when there is none.
     static std::string eventAt(double date) {
-        auto const found = sMM->scenario.find(date);
-        if (found == sMM->scenario.end() || found->second == nullptr)
+        auto const found = theRun().sMM->scenario.find(date);
+        if (found == theRun().sMM->scenario.end() || found->second == nullptr)
             return "-";
         std::string text = found->second->isCommand ? "C" : "O";
         for (Atom const* atom : found->second->atoms)
@@ -46,7 +47,7 @@ TEST_F(Scenarios, ACommandLineIsReadAndTold) {
               "regular token : valve.cmd=none\n"
               "Scheduler receives a command: valve.cmd=none\n");
     EXPECT_EQ(eventAt(2.0), "C open none");
-    EXPECT_EQ(sMM->scenario.size(), 1u);
+    EXPECT_EQ(theRun().sMM->scenario.size(), 1u);
 }
 
 TEST_F(Scenarios, AnyOtherKindMarksObservations) {
@@ -71,13 +72,13 @@ TEST_F(Scenarios, AfterACommandEveryLaterLineOfAFileIsOne) {
 TEST_F(Scenarios, ALaterLineOfTheSameDateReplacesTheEarlier) {
     load("5 Command valve.cmd=open\n5.0 Command valve.cmd=close\n");
     EXPECT_EQ(eventAt(5.0), "C close");
-    EXPECT_EQ(sMM->scenario.size(), 1u);
+    EXPECT_EQ(theRun().sMM->scenario.size(), 1u);
 }
 
 TEST_F(Scenarios, ALineWithoutAtomsIsAnEmptyEvent) {
     EXPECT_EQ(load("7 Command\n"), "event date: 7\n");
-    ASSERT_EQ(sMM->scenario.count(7.0), 1u);
-    EXPECT_TRUE(sMM->scenario[7.0]->atoms.empty());
+    ASSERT_EQ(theRun().sMM->scenario.count(7.0), 1u);
+    EXPECT_TRUE(theRun().sMM->scenario[7.0]->atoms.empty());
     EXPECT_EQ(eventAt(7.0), "C");
 }
 
@@ -93,20 +94,20 @@ TEST_F(Scenarios, ALastLineWithoutALineEndCounts) {
 
 TEST_F(Scenarios, AMissingFileIsToldAndLeavesNoEvents) {
     std::string const missing = "/nonexistent-directory/file.scn";
-    EXPECT_EQ(complaint([&] { sMM->loadScenario(missing); }),
+    EXPECT_EQ(complaint([&] { theRun().sMM->loadScenario(missing); }),
               "can't open scenario file: " + missing + "\n");
-    EXPECT_TRUE(sMM->scenario.empty());
+    EXPECT_TRUE(theRun().sMM->scenario.empty());
 }
 
 // Without a scenario argument the path is the bare prefix, a directory.
 TEST_F(Scenarios, NoLineIsReadFromADirectory) {
-    EXPECT_EQ(complaint([] { sMM->loadScenario("/tmp/"); }), "");
-    EXPECT_TRUE(sMM->scenario.empty());
+    EXPECT_EQ(complaint([] { theRun().sMM->loadScenario("/tmp/"); }), "");
+    EXPECT_TRUE(theRun().sMM->scenario.empty());
 }
 
 TEST_F(Scenarios, AnEmptyFileHoldsNoEvents) {
     EXPECT_EQ(load(""), "");
-    EXPECT_TRUE(sMM->scenario.empty());
+    EXPECT_TRUE(theRun().sMM->scenario.empty());
 }
 
 TEST_F(Scenarios, ABlankLineIsToldAndSkipped) {
@@ -116,7 +117,7 @@ TEST_F(Scenarios, ABlankLineIsToldAndSkipped) {
                         "regular token : valve.cmd=open\n"
                         "Scheduler receives a command: valve.cmd=open\n");
     EXPECT_EQ(eventAt(1.0), "C open");
-    EXPECT_EQ(sMM->scenario.size(), 1u);
+    EXPECT_EQ(theRun().sMM->scenario.size(), 1u);
 }
 
 TEST_F(Scenarios, ADateWithoutAKindIsToldAndSkipped) {
@@ -141,7 +142,7 @@ TEST_F(Scenarios, AnUnknownAtomEndsTheReadingAndDropsItsEvent) {
     EXPECT_EQ(eventAt(2.0), "-");
     EXPECT_EQ(eventAt(3.0), "-");
     // The word did not enter the registry.
-    EXPECT_EQ(DataManager::active_atoms.count("valve.cmd=shut"), 0u);
+    EXPECT_EQ(thePlant().active_atoms.count("valve.cmd=shut"), 0u);
 }
 
 TEST_F(Scenarios, ALineEndOfAnotherSystemBelongsToTheAtom) {
@@ -175,7 +176,7 @@ TEST_F(Scenarios, AWordOfAMegabyteIsNoAtom) {
     // The first piece of the line holds 1023 characters, 10 of them before the word.
     std::string const piece(1013, 'x');
     EXPECT_EQ(text, "event date: 1\nregular token : " + piece + "\n" + badAtom + piece + "\n");
-    EXPECT_TRUE(sMM->scenario.empty());
+    EXPECT_TRUE(theRun().sMM->scenario.empty());
 }
 
 TEST_F(Scenarios, BytesWithoutAMeaningDoNoHarm) {
@@ -190,31 +191,31 @@ TEST_F(Scenarios, BytesWithoutAMeaningDoNoHarm) {
 
 TEST_F(Scenarios, UndatedLinesComeOneAtATime) {
     TextFile const file("Command valve.cmd=open\nObs valve.mode=open valve.cmd=none\nObs\n");
-    ASSERT_TRUE(sMM->openScenario(file.path));
+    ASSERT_TRUE(theRun().sMM->openScenario(file.path));
     std::unique_ptr<scenarEvent> event;
-    EXPECT_EQ(complaint([&] { event = sMM->readFromScenario(); }),
+    EXPECT_EQ(complaint([&] { event = theRun().sMM->readFromScenario(); }),
               "Scheduler receives a command: valve.cmd=open\n");
     ASSERT_NE(event, nullptr);
     EXPECT_TRUE(event->isCommand);
     EXPECT_EQ(event->atoms, std::vector<Atom*>{model.open});
     // Here a command does not stick.
-    EXPECT_EQ(complaint([&] { event = sMM->readFromScenario(); }),
+    EXPECT_EQ(complaint([&] { event = theRun().sMM->readFromScenario(); }),
               "Scheduler receives an observation: valve.mode=open\n"
               "Scheduler receives an observation: valve.cmd=none\n");
     EXPECT_FALSE(event->isCommand);
     EXPECT_EQ(event->atoms, (std::vector<Atom*>{model.isOpen, model.none}));
-    EXPECT_EQ(complaint([&] { event = sMM->readFromScenario(); }), "");
+    EXPECT_EQ(complaint([&] { event = theRun().sMM->readFromScenario(); }), "");
     ASSERT_NE(event, nullptr);
     EXPECT_TRUE(event->atoms.empty());
-    EXPECT_EQ(complaint([&] { event = sMM->readFromScenario(); }), "end of the scenario !\n");
+    EXPECT_EQ(complaint([&] { event = theRun().sMM->readFromScenario(); }), "end of the scenario !\n");
     EXPECT_EQ(event, nullptr);
 }
 
 TEST_F(Scenarios, AnUnknownAtomOfAnUndatedLineGivesNoEvent) {
     TextFile const file("Command valve.cmd=open valve.cmd=shut\nObs valve.mode=open\n");
-    ASSERT_TRUE(sMM->openScenario(file.path));
+    ASSERT_TRUE(theRun().sMM->openScenario(file.path));
     std::unique_ptr<scenarEvent> event;
-    EXPECT_EQ(complaint([&] { event = sMM->readFromScenario(); }),
+    EXPECT_EQ(complaint([&] { event = theRun().sMM->readFromScenario(); }),
               "Scheduler receives a command: valve.cmd=open\n" + std::string(badAtom) +
                   "valve.cmd=shut\n");
     EXPECT_EQ(event, nullptr);
@@ -223,18 +224,18 @@ TEST_F(Scenarios, AnUnknownAtomOfAnUndatedLineGivesNoEvent) {
 TEST_F(Scenarios, ABlankUndatedLineIsToldAndSkipped) {
     TextFile const file("\nObs valve.mode=open\n");
     path = file.path;
-    ASSERT_TRUE(sMM->openScenario(file.path));
+    ASSERT_TRUE(theRun().sMM->openScenario(file.path));
     std::unique_ptr<scenarEvent> event;
-    EXPECT_EQ(complaint([&] { event = sMM->readFromScenario(); }),
+    EXPECT_EQ(complaint([&] { event = theRun().sMM->readFromScenario(); }),
               noKind(1) + "Scheduler receives an observation: valve.mode=open\n");
     EXPECT_NE(event, nullptr);
 }
 
 TEST_F(Scenarios, WithoutAnOpenFileTheScenarioIsAtItsEnd) {
     std::unique_ptr<scenarEvent> event;
-    EXPECT_EQ(complaint([&] { event = sMM->readFromScenario(); }), "end of the scenario !\n");
+    EXPECT_EQ(complaint([&] { event = theRun().sMM->readFromScenario(); }), "end of the scenario !\n");
     EXPECT_EQ(event, nullptr);
-    EXPECT_EQ(complaint([] { EXPECT_FALSE(sMM->openScenario("/nonexistent/x")); }),
+    EXPECT_EQ(complaint([] { EXPECT_FALSE(theRun().sMM->openScenario("/nonexistent/x")); }),
               "can't open scenario file: /nonexistent/x\n");
 }
 
@@ -248,11 +249,11 @@ TEST_F(Scenarios, ADateThatIsNoNumberIsZero) {
 TEST_F(Scenarios, AfterAnUnknownAtomTheFileStaysOpen) {
     load("1 Obs nothing\nObs valve.mode=open\n");
     std::unique_ptr<scenarEvent> event;
-    complaint([&] { event = sMM->readFromScenario(); });
+    complaint([&] { event = theRun().sMM->readFromScenario(); });
     ASSERT_NE(event, nullptr);
     EXPECT_EQ(event->atoms, std::vector<Atom*>{model.isOpen});
     load("1 Obs valve.mode=open\n");
-    EXPECT_EQ(complaint([&] { event = sMM->readFromScenario(); }), "end of the scenario !\n");
+    EXPECT_EQ(complaint([&] { event = theRun().sMM->readFromScenario(); }), "end of the scenario !\n");
 }
 
 }  // namespace

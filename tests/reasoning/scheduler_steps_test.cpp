@@ -1,5 +1,6 @@
 // One nominal step of a trajectory: what is asserted, what fires, and what a step without a valid
 // state leaves.
+#include "fixtures/the_run.h"
 #include "reasoning/scheduler_fixture.h"
 
 using namespace scheduler_fixture;
@@ -25,7 +26,7 @@ protected:
     // Builds the next state from *commands*; answers both streams.
     Streams step(std::vector<Atom*> commands, bool keepUnlocked = false) {
         return streamsOf([&] {
-            sMM->constructNextNominalStateLarge(model.traj.get(), commands, keepUnlocked, pending);
+            theRun().sMM->constructNextNominalStateLarge(model.traj.get(), commands, keepUnlocked, pending);
         });
     }
     void startValve() {
@@ -58,7 +59,7 @@ TEST_F(NominalStep, AModeBesideTheOneMovedIsReachedByNothing) {
 
 TEST_F(NominalStep, ACommandFiresTheTransitionThatItGuards) {
     startValve();
-    sMM->simTime = 12.5;
+    theRun().sMM->simTime = 12.5;
     Streams const told = step({model.open});
     EXPECT_EQ(told.err, "");
     EXPECT_EQ(model.traj->getCurrentTime(), 1);
@@ -118,15 +119,15 @@ TEST_F(NominalStep, WithoutAMoveTheTrajectoryStaysAtItsTime) {
     EXPECT_EQ(model.label("valve.cmd=close", 0), "true");
     EXPECT_TRUE(model.rt.bridgeTrans.empty());
     EXPECT_EQ(model.traj->timeCorr.size(), 1u);  // of step 0
-    EXPECT_EQ(DataManager::states_cover.count(1), 1u);
-    EXPECT_EQ(DataManager::states_cover[1], 0.0);
+    EXPECT_EQ(theRun().scheduler.states_cover.count(1), 1u);
+    EXPECT_EQ(theRun().scheduler.states_cover[1], 0.0);
 }
 
 TEST_F(NominalStep, TheCoverOfTheNextStepStartsAgain) {
     startValve();
-    DataManager::states_cover[1] = 0.75;
+    theRun().scheduler.states_cover[1] = 0.75;
     step({model.open});
-    EXPECT_EQ(DataManager::states_cover[1], 0.0);
+    EXPECT_EQ(theRun().scheduler.states_cover[1], 0.0);
 }
 
 TEST_F(NominalStep, NeitherFailuresNorIdleTransitionsFire) {
@@ -179,7 +180,7 @@ TEST_F(NominalStep, WhatTheCommandChangedFiresToo) {
 TEST_F(NominalStep, OneOfSeveralStatesStands) {
     Comp* third = model.comp("third");
     auto const& links = model.variable<CommandVar>(third, "cmd", {"none", "go"})->getAtomLinks();
-    Clause* clause = DataManager::addClause(std::make_unique<Clause>(third));
+    Clause* clause = thePlant().addClause(std::make_unique<Clause>(third));
     for (Atom* atom : {model.open, pumpNone, links[0]})
         clause->addAtomRef(atom, true);
     model.start();
@@ -263,9 +264,9 @@ TEST_F(NominalStep, ACommandAmongTheEffectsBecomesAnEvent) {
     EXPECT_EQ(model.traj->getCurrentTime(), 1);
     EXPECT_EQ(model.label("valve.mode=open", 1), "true");
     EXPECT_EQ(model.label("pump.cmd=go", 1), "false");
-    ASSERT_EQ(sMM->scenario.count(1.0), 1u);
-    EXPECT_TRUE(sMM->scenario[1.0]->isCommand);
-    EXPECT_EQ(sMM->scenario[1.0]->atoms, std::vector<Atom*>{go});
+    ASSERT_EQ(theRun().sMM->scenario.count(1.0), 1u);
+    EXPECT_TRUE(theRun().sMM->scenario[1.0]->isCommand);
+    EXPECT_EQ(theRun().sMM->scenario[1.0]->atoms, std::vector<Atom*>{go});
 }
 
 // The next state holds the component of every atom of the effect, a command's too.
@@ -276,7 +277,7 @@ TEST_F(NominalStep, AnEffectOfCommandsAloneMakesAStep) {
     EXPECT_EQ(model.traj->getCurrentTime(), 1);
     ASSERT_NE(model.traj->getState(1)->getElt("pump.cmd=go"), nullptr);
     EXPECT_EQ(model.label("pump.cmd=go", 1), "false");
-    EXPECT_EQ(sMM->scenario[1.0]->atoms, std::vector<Atom*>{go});
+    EXPECT_EQ(theRun().sMM->scenario[1.0]->atoms, std::vector<Atom*>{go});
 }
 
 // ---- The bridge ----
@@ -295,8 +296,8 @@ TEST_F(NominalStep, SettledAtomsWithTheMarkCrossTheBridge) {
 TEST_F(NominalStep, ADiscreteRunCrossesNoBridge) {
     model.isOpen->bridged = true;
     startValve();
-    discretemdl = true;
-    sMM->runtime = nullptr;
+    theRun().scheduler.discretemdl = true;
+    theRun().sMM->runtime = nullptr;
     step({model.open});
     EXPECT_EQ(model.label("valve.mode=open"), "true");
     EXPECT_TRUE(model.rt.bridgeTrans.empty());
@@ -310,7 +311,7 @@ TEST_F(NominalStep, TheGuardsComponentIsPulledIntoTheCurrentState) {
     HandModel::transition(pump, {{true, model.open}, {true, off}}, {{true, on}});
     HandModel::idle(pump, off);
     model.start();
-    streamsOf([&] { sMM->syncPreviousState(model.traj.get()); });
+    streamsOf([&] { theRun().sMM->syncPreviousState(model.traj.get()); });
     step({model.open});
     ASSERT_EQ(model.traj->getCurrentTime(), 2);
     TrajEl const* guard = model.traj->getState(1)->getElt("pump.mode=off");
@@ -327,7 +328,7 @@ TEST_F(NominalStep, AWindowOfStatesMovesOn) {
         EXPECT_EQ(model.traj->getCurrentTime(), i + 1);
         EXPECT_EQ(model.label(i % 2 == 0 ? "valve.mode=open" : "valve.mode=closed"), "true");
     }
-    EXPECT_EQ(model.traj->states.size(), static_cast<std::size_t>(Trajectory::twd));
+    EXPECT_EQ(model.traj->states.size(), static_cast<std::size_t>(theRun().scheduler.book.twd));
     EXPECT_EQ(model.rt.bridgeTrans.size(), 10u);
 }
 
@@ -335,20 +336,20 @@ TEST_F(NominalStep, AWindowOfStatesMovesOn) {
 
 TEST_F(NominalStep, ALockedStateGetsAnEmptySuccessor) {
     startValve();
-    sMM->simTime = 3.0;
-    EXPECT_EQ(sMM->syncPreviousState(model.traj.get()), 1);
+    theRun().sMM->simTime = 3.0;
+    EXPECT_EQ(theRun().sMM->syncPreviousState(model.traj.get()), 1);
     EXPECT_EQ(model.traj->getCurrentTime(), 1);
     EXPECT_TRUE(model.traj->getLastState()->elts.empty());
     EXPECT_EQ(model.traj->getTimeCorr(1), 3.0);
     // The empty one gets none.
-    EXPECT_EQ(sMM->syncPreviousState(model.traj.get()), 0);
+    EXPECT_EQ(theRun().sMM->syncPreviousState(model.traj.get()), 0);
     EXPECT_EQ(model.traj->getCurrentTime(), 1);
 }
 
 TEST_F(NominalStep, AnUnlockedStateIsUsedAgain) {
     startValve();
     model.traj->getState(0)->locked = false;
-    EXPECT_EQ(sMM->syncPreviousState(model.traj.get()), 0);
+    EXPECT_EQ(theRun().sMM->syncPreviousState(model.traj.get()), 0);
     EXPECT_EQ(model.traj->getCurrentTime(), 0);
 }
 

@@ -1,4 +1,5 @@
 // The circuit as components, transitions and clauses, in the form of a compiled model.
+#include "fixtures/the_run.h"
 #include "search/c17_fixture.h"
 
 #include <map>
@@ -25,7 +26,7 @@ Signal makeSignal(Comp* comp, std::string const& symbol, std::string const& name
 }
 
 void addClauseOf(Comp* comp, Atom* conclusion, std::vector<Atom*> const& premises) {
-    Clause* clause = DataManager::addClause(std::make_unique<Clause>(comp));
+    Clause* clause = thePlant().addClause(std::make_unique<Clause>(comp));
     clause->addAtomRef(conclusion, false);
     for (Atom* atom : premises)
         clause->addAtomRef(atom, true);
@@ -76,13 +77,13 @@ void Circuit::build() {
     std::map<int, bool> const values = nominalValues(inputs);
     feed = engine.scheduler->addComp(std::make_unique<source>("inputs", inputs));
     for (Signal const& input : feed->inputs)
-        addExclusiveChoice(input.variable);
+        addExclusiveChoice(thePlant(), input.variable);
     for (std::size_t i = 0; i < gates.size(); ++i) {
         int const number = wiring[i].number;
         gates[i] = engine.scheduler->addComp(
             std::make_unique<gate>("gate" + std::to_string(number), values.at(number)));
-        addExclusiveChoice(gates[i]->mode);
-        addExclusiveChoice(gates[i]->out.variable);
+        addExclusiveChoice(thePlant(), gates[i]->mode);
+        addExclusiveChoice(thePlant(), gates[i]->out.variable);
     }
     for (std::size_t i = 0; i < gates.size(); ++i)
         addClauses(gates[i], wiring[i]);
@@ -132,7 +133,7 @@ void Circuit::observe(bool out22, bool out23, bool namesInputs) {
 
 std::vector<std::set<int>> Circuit::candidates() const {
     std::vector<std::set<int>> found;
-    for (auto const& entry : DataManager::tracked_traj) {
+    for (auto const& entry : theRun().scheduler.tracked_traj) {
         Trajectory const* history = entry.second.get();
         found.emplace_back();
         for (std::size_t i = 0; i < gates.size(); ++i)

@@ -1,4 +1,5 @@
 // The engine's form of a case, its runs, and the histories that it tells.
+#include "fixtures/the_run.h"
 #include "search/engine_model_fixture.h"
 
 #include <gtest/gtest.h>
@@ -126,7 +127,7 @@ void EngineModel::command() {
 }
 
 Trajectory* EngineModel::followed() {
-    return DataManager::tracked_traj.begin()->second.get();
+    return theRun().scheduler.tracked_traj.begin()->second.get();
 }
 
 int EngineModel::windowStart() const {
@@ -269,7 +270,7 @@ ModeHistory EngineModel::read(Trajectory const* trajectory,
 
 std::vector<std::string> EngineModel::histories(int first, std::vector<std::string>& errors) const {
     std::vector<std::string> texts;
-    for (auto const& entry : DataManager::tracked_traj)
+    for (auto const& entry : theRun().scheduler.tracked_traj)
         texts.push_back(read(entry.second.get(), errors).text(at(example.steps() - first)));
     return texts;
 }

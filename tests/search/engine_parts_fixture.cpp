@@ -1,14 +1,15 @@
 // Clauses by number, and labels read back.
 #include <algorithm>
 
-#include "model/DataManagerrt.h"
+#include "fixtures/the_run.h"
+#include "trajectory/DataManagerrt.h"
 #include "model/labels.h"
 #include "search/engine_parts_fixture.h"
 
 namespace random_models {
 
 void addRule(Comp* comp, Atom* conclusion, std::vector<Atom*> const& premises) {
-    Clause* clause = DataManager::addClause(std::make_unique<Clause>(comp));
+    Clause* clause = thePlant().addClause(std::make_unique<Clause>(comp));
     clause->addAtomRef(conclusion, false);
     for (Atom* premise : premises)
         clause->addAtomRef(premise, true);
@@ -34,7 +35,7 @@ int valueOf(Trajectory const* trajectory, StateVar const* variable, int step,
 }
 
 void checkClauses(Trajectory const* trajectory, int step, std::vector<std::string>& errors) {
-    for (auto const& clause : DataManager::cls) {
+    for (auto const& clause : thePlant().cls) {
         bool const satisfied =
             std::any_of(clause->atoms.begin(), clause->atoms.end(), [&](auto const& literal) {
                 TrajEl const* element = trajectory->getElt(literal.second->getId(), step, 0);

@@ -6,6 +6,7 @@
 #include <string>
 #include <vector>
 
+#include "fixtures/the_run.h"
 #include "model/Comprt.h"
 #include "trajectory/Trajectoryrt.h"
 
@@ -45,6 +46,6 @@ Variable* random_models::makeVariable(Comp* comp, std::string const& name,
         comp->name + "." + name, std::set<std::string>(values, values + count), values[0], comp));
     for (int i = 0; i < count; ++i)
         comp->newAtom((name + values[i]).c_str(), made, values[i]);
-    addExclusiveChoice(made);
+    addExclusiveChoice(thePlant(), made);
     return made;
 }

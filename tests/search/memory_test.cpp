@@ -10,6 +10,7 @@
 #include <string>
 #include <vector>
 
+#include "fixtures/the_run.h"
 #include "generated/line/line.h"
 #include "search/search_fixture.h"
 
@@ -57,7 +58,7 @@ std::ostream& operator<<(std::ostream& out, Live const& live) {
 
 std::size_t countLinks() {
     std::size_t links = 0;
-    for (auto const& tracked : DataManager::tracked_traj)
+    for (auto const& tracked : theRun().scheduler.tracked_traj)
         for (auto const& state : tracked.second->states)
             for (auto const& element : state.second->elts)
                 links += element.second->consequences.size() + element.second->nextTrans.size() +
@@ -66,8 +67,8 @@ std::size_t countLinks() {
 }
 
 Live countLive() {
-    return {State::state_created - State::state_del, TrajEl::trajel_created - TrajEl::trajel_del,
-            Trajectory::traj_created - Trajectory::traj_del, countLinks()};
+    return {theRun().scheduler.book.state_created - theRun().scheduler.book.state_del, theRun().scheduler.book.trajel_created - theRun().scheduler.book.trajel_del,
+            theRun().scheduler.book.traj_created - theRun().scheduler.book.traj_del, countLinks()};
 }
 
 // The error stream of a run. Keeps of it the lines that tell of errors and searches, and what lives
@@ -104,7 +105,7 @@ protected:
         buildLine(engine.scheduler.get(), 2);
         engine.start();
         engine.run(lines);
-        for (auto const& tracked : DataManager::tracked_traj)
+        for (auto const& tracked : theRun().scheduler.tracked_traj)
             checkWindow(*tracked.second);
         waiting = engine.scheduler->scenario.size();
         engine.scheduler->raz();
@@ -113,8 +114,8 @@ protected:
     // Every other line was a command, which made a step of the history.
     void checkWindow(Trajectory const& history) {
         EXPECT_EQ(history.currentTime, static_cast<int>(sampler.atStep.size()) / 2);
-        EXPECT_EQ(history.states.size(), static_cast<std::size_t>(Trajectory::twd));
-        EXPECT_EQ(history.timeCorr.size(), static_cast<std::size_t>(Trajectory::twd));
+        EXPECT_EQ(history.states.size(), static_cast<std::size_t>(theRun().scheduler.book.twd));
+        EXPECT_EQ(history.timeCorr.size(), static_cast<std::size_t>(theRun().scheduler.book.twd));
     }
     // From *settled* on, what lives is what lived a day before.
     void expectFlatFrom(std::size_t settled) {

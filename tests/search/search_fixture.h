@@ -7,6 +7,7 @@
 #include <streambuf>
 #include <string>
 
+#include "fixtures/the_run.h"
 #include "reasoning/Scheduler.h"
 #include "reasoning/scheduler_fixture.h"
 
@@ -41,24 +42,24 @@ private:
 class Engine {
 public:
     explicit Engine(char const* model) : scheduler(std::make_unique<Scheduler>(model)) {
-        sMM = scheduler.get();
-        DataManager::states_cover.clear();
-        DataManager::traj_cover = 0.0;
+        theRun().sMM = scheduler.get();
+        theRun().scheduler.states_cover.clear();
+        theRun().scheduler.traj_cover = 0.0;
     }
     ~Engine() {
-        sMM = nullptr;
+        theRun().sMM = nullptr;
         scheduler.reset();
-        discretemdl = false;
+        theRun().scheduler.discretemdl = false;
     }
     Engine(Engine const&) = delete;
 
     // Once the model is built: tracks one history, of the model's start.
     void start() {
         scheduler->rtInit();
-        auto first = std::make_unique<Trajectory>(&DataManager::active_atoms);
-        for (auto const& entry : DataManager::active_comps)
+        auto first = std::make_unique<Trajectory>(theRun().scheduler.book, &thePlant().active_atoms);
+        for (auto const& entry : thePlant().active_comps)
             first->getState(0)->comps[entry.second->getName()] = entry.second;
-        DataManager::tracked_traj.emplace(1.0, std::move(first));
+        theRun().scheduler.tracked_traj.emplace(1.0, std::move(first));
     }
     void run(std::string const& lines) {
         scheduler->runSchD(scheduler_fixture::TextFile(lines).path);

@@ -3,6 +3,7 @@
 // The order within a state is that of a table of 193 places, h = 5 h + c over the characters of an
 // id: p.mode=off 25, t.mode=low 65, p.mode=on 147, p.mode=dead 151; the names p and t are in 112
 // and 116.
+#include "fixtures/the_run.h"
 #include "trajectory/model_tools.h"
 
 #include "fixtures/graph_files.h"
@@ -40,7 +41,7 @@ protected:
         element->addToNextTrans(transition);
     }
     std::string graph() {
-        printed([&] { toDot(&path, "g"); });
+        printed([&] { toDot(theRun().host, &path, "g"); });
         return GraphFiles::text("g.dot");
     }
 
@@ -56,7 +57,7 @@ TEST_F(GraphTest, NamesOfNodes) {
 
 // 0.125 is a tie, which rounds to the even digit.
 TEST_F(GraphTest, AnEdgeForEachTransition) {
-    EXPECT_EQ(printed([&] { toDot(&pump.comp); }), "[model_tools] --> graphing component p\n");
+    EXPECT_EQ(printed([&] { toDot(theRun().host, &pump.comp); }), "[model_tools] --> graphing component p\n");
     EXPECT_EQ(GraphFiles::text("p.dot"), "digraph p" + componentHead +
                                              "off -> off [  label = \" (0.50)\" ];\n\t"
                                              "on -> on [  label = \" (0.25)\" ];\n\t"
@@ -67,7 +68,7 @@ TEST_F(GraphTest, AnEdgeForEachTransition) {
 
 TEST_F(GraphTest, AComponentWithoutTransitions) {
     Unit empty("e");
-    printed([&] { toDot(&empty.comp); });
+    printed([&] { toDot(theRun().host, &empty.comp); });
     EXPECT_EQ(GraphFiles::text("e.dot"), "digraph e" + componentHead + "}");
 }
 
@@ -81,7 +82,7 @@ TEST_F(GraphTest, TheTriggeringCommandIsTheLabel) {
     valve.move(1, "mode=on", "mode=off", 1, transNominal, false, {{valve["cmd=go"], false}});
     valve.move(2, "mode=on", "mode=off", 1, transNominal, false, {{valve["c=low"], true}});
     valve.move(3, "mode=on", "mode=off", 1, transNominal, false, {{valve["mode=off"], false}});
-    printed([&] { toDot(&valve.comp); });
+    printed([&] { toDot(theRun().host, &valve.comp); });
     EXPECT_EQ(GraphFiles::text("v.dot"), "digraph v" + componentHead +
                                              "off -> on [  label = \"go (1.00)\" ];\n\t"
                                              "on -> off [  label = \" (1.00)\" ];\n\t"
@@ -169,8 +170,8 @@ TEST_F(GraphTest, AWindowThatHasMoved) {
 }
 
 TEST_F(GraphTest, TheMovesAreShownFirst) {
-    EXPECT_EQ(printed([&] { toDot(&path, "g"); }),
-              printed([&] { path.showTrajectoryTransitions(); }));
+    EXPECT_EQ(printed([&] { toDot(theRun().host, &path, "g"); }),
+              printed([&] { path.showTrajectoryTransitions(std::cout); }));
 }
 
 TEST_F(GraphTest, AnEarlierFileIsReplaced) {
@@ -181,7 +182,7 @@ TEST_F(GraphTest, AnEarlierFileIsReplaced) {
 
 TEST_F(GraphTest, AFileThatCannotBeMadeIsNotTold) {
     testing::internal::CaptureStderr();
-    printed([&] { toDot(&path, "missing/g"); });
+    printed([&] { toDot(theRun().host, &path, "missing/g"); });
     EXPECT_EQ(testing::internal::GetCapturedStderr(), "");
     EXPECT_FALSE(std::filesystem::exists("missing"));
 }
@@ -197,7 +198,7 @@ TEST_F(GraphTest, TheyCanBeDrawn) {
     graph();
     EXPECT_NE(GraphFiles::drawing("g.dot").find("<title>p_off0&#45;&gt;p_on1</title>"),
               std::string::npos);
-    printed([&] { toDot(&pump.comp); });
+    printed([&] { toDot(theRun().host, &pump.comp); });
     EXPECT_NE(GraphFiles::drawing("p.dot").find("<title>on&#45;&gt;dead</title>"),
               std::string::npos);
 }

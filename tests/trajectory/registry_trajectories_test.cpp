@@ -1,6 +1,7 @@
 // What the registry does with histories and states: comparing, printing, and its end.
 #include <cstdio>
 
+#include "fixtures/the_run.h"
 #include "trajectory/trajectory_fixture.h"
 
 using trajectory_fixture::History;
@@ -45,17 +46,17 @@ class CompareHistoriesTest : public testing::Test, protected Plant {
 protected:
     // A history in the map whose step 1 is a copy of step 0, with the pump switched on if told.
     Trajectory* enter(double probability, bool switchedOn) {
-        auto path = std::make_unique<Trajectory>(&atoms);
+        auto path = std::make_unique<Trajectory>(theRun().scheduler.book, &atoms);
         path->addCopyState(1, path->getState(0), true);
         if (switchedOn)
             path->getState(1)->getElt(pump.id("mode=on"))->setLabel(labelTrue);
         return paths.emplace(probability, std::move(path))->second.get();
     }
     static std::string transitionsOf(Trajectory const* path) {
-        return printed([path] { path->showTrajectoryTransitions(); });
+        return printed([path] { path->showTrajectoryTransitions(std::cout); });
     }
     std::string comparison() const {
-        return printed([this] { DataManager::compareTrajs(&paths); });
+        return printed([this] { theRun().scheduler.compareTrajs(&paths); });
     }
 
     TrajectoryMap paths;
@@ -113,7 +114,7 @@ TEST_F(CompareHistoriesTest, ViewsEveryHistoryInTheOrderOfTheMap) {
     Trajectory* first = enter(0.5, false);
     second->proba = 0.25;
     first->proba = 0.5;
-    EXPECT_EQ(printed([&] { DataManager::viewTrajectoriesTransitionsMultimap(&paths); }),
+    EXPECT_EQ(printed([&] { theRun().scheduler.viewTrajectoriesTransitionsMultimap(&paths); }),
               transitionsOf(first) + transitionsOf(second));
 }
 
@@ -166,8 +167,8 @@ TEST_F(PrintModesTest, NoStreamNoText) {
 // ---- The end of the registry ----
 
 TEST(RegistryEnd, DestroysTheModelAndTheTrackedHistories) {
-    unsigned const paths = Trajectory::traj_del;
-    unsigned const states = State::state_del;
+    unsigned const paths = theRun().scheduler.book.traj_del;
+    unsigned const states = theRun().scheduler.book.state_del;
     auto registry = std::make_unique<DataManager>();
     auto unit = std::make_unique<Comp>("u");
     auto const values = std::set<std::string>{"x"};
@@ -175,26 +176,26 @@ TEST(RegistryEnd, DestroysTheModelAndTheTrackedHistories) {
     Atom* atom = unit->newAtom("u_mode_x", mode, "x");
     registry->addComp(std::move(unit));
     registry->addAtom(atom);
-    DataManager::addClause(std::make_unique<Clause>(atom, false, nullptr));
-    DataManager::tracked_traj.emplace(0.5,
-                                      std::make_unique<Trajectory>(&DataManager::active_atoms));
+    thePlant().addClause(std::make_unique<Clause>(atom, false, nullptr));
+    theRun().scheduler.tracked_traj.emplace(0.5,
+                                      std::make_unique<Trajectory>(theRun().scheduler.book, &thePlant().active_atoms));
     EXPECT_EQ(printed([&] { registry.reset(); }),
               "calling destructor of DataManager\n"
               "tracked_traj deleted\n");
-    EXPECT_TRUE(DataManager::active_comps.empty());
-    EXPECT_TRUE(DataManager::active_atoms.empty());
-    EXPECT_TRUE(DataManager::active_trans.empty());
-    EXPECT_TRUE(DataManager::cls.empty());
-    EXPECT_TRUE(DataManager::tracked_traj.empty());
-    EXPECT_EQ(Trajectory::traj_del, paths + 1);
-    EXPECT_EQ(State::state_del, states + 1);
+    EXPECT_TRUE(thePlant().active_comps.empty());
+    EXPECT_TRUE(thePlant().active_atoms.empty());
+    EXPECT_TRUE(thePlant().active_trans.empty());
+    EXPECT_TRUE(thePlant().cls.empty());
+    EXPECT_TRUE(theRun().scheduler.tracked_traj.empty());
+    EXPECT_EQ(theRun().scheduler.book.traj_del, paths + 1);
+    EXPECT_EQ(theRun().scheduler.book.state_del, states + 1);
 }
 
 TEST(RegistryEnd, TrackedHistoriesAreBestFirstAndEqualOnesInTheOrderOfEntry) {
     TrajectoryMap paths;
     int number = 0;
     for (double const probability : {0.25, 0.5, 0.25, 0.75, 0.5})
-        paths.emplace(probability, std::make_unique<Trajectory>())->second->stepCount = number++;
+        paths.emplace(probability, std::make_unique<Trajectory>(theRun().scheduler.book))->second->stepCount = number++;
     std::vector<int> order;
     for (auto const& entry : paths)
         order.push_back(entry.second->stepCount);

@@ -10,6 +10,7 @@
 #include <list>
 #include <map>
 
+#include "fixtures/the_run.h"
 #include "fixtures/reference_model.h"
 #include "trajectory/trajectory_fixture.h"
 
@@ -131,10 +132,10 @@ Ids roomOrder(bool unknownFirst) {
 TEST(StateOrder, OfTheRoomsInitialStateAndItsCopies) {
     ReferenceModel const model;
     Ids registered;
-    for (auto const& entry : DataManager::active_atoms)
+    for (auto const& entry : thePlant().active_atoms)
         registered.emplace_back(entry.first);
     EXPECT_EQ(registered, roomOrder(false));
-    State const initial(&DataManager::active_atoms);
+    State const initial(&thePlant().active_atoms);
     EXPECT_EQ(walk(initial), roomOrder(true));
     State const copy(&initial, true);
     EXPECT_EQ(walk(copy), roomOrder(false));
@@ -146,13 +147,13 @@ TEST(StateOrder, OfTheRoomsInitialStateAndItsCopies) {
 TEST(StateOrder, OfTheRoomFollowsTheRule) {
     ReferenceModel const model;
     Ids named;
-    for (auto const& clause : DataManager::cls)
+    for (auto const& clause : thePlant().cls)
         for (auto const& literal : clause->atoms)
             if (std::find(named.begin(), named.end(), literal.second->id) == named.end())
                 named.push_back(literal.second->id);
     ASSERT_EQ(named.size(), 14u);
     Ids const registered = walkOfTable(named);
-    State const initial(&DataManager::active_atoms);
+    State const initial(&thePlant().active_atoms);
     EXPECT_EQ(walk(initial), walkOfTable(registered));
     EXPECT_EQ(walk(State(&initial, true)), walkOfTable(walkOfTable(registered)));
 }

@@ -1,4 +1,5 @@
 // A state: the initial one, its lookups, locks, formulas, probabilities and text.
+#include "fixtures/the_run.h"
 #include "model/Clause.h"
 #include "trajectory/trajectory_fixture.h"
 
@@ -149,7 +150,7 @@ TEST_F(StateTest, AddEltEntersACopyThatKeepsItsLockAndTransitionOnlyWhenTold) {
 // What was replaced may still be the consequence of another element, so it lives as long as the
 // state.
 TEST_F(StateTest, AReplacedElementIsNotDestroyedBeforeTheState) {
-    unsigned const deleted = TrajEl::trajel_del;
+    unsigned const deleted = theRun().scheduler.book.trajel_del;
     TrajEl const source(pump["mode=off"], nullptr, nullptr, labelTrue);
     {
         State state;
@@ -158,10 +159,10 @@ TEST_F(StateTest, AReplacedElementIsNotDestroyedBeforeTheState) {
         TrajEl* second = state.addElt(&source, false);
         EXPECT_NE(first, second);
         EXPECT_EQ(state.getElt(pump.id("mode=off")), second);
-        EXPECT_EQ(TrajEl::trajel_del, deleted);
+        EXPECT_EQ(theRun().scheduler.book.trajel_del, deleted);
         EXPECT_EQ(first->propagationNumber, 9);
     }
-    EXPECT_EQ(TrajEl::trajel_del, deleted + 2);
+    EXPECT_EQ(theRun().scheduler.book.trajel_del, deleted + 2);
 }
 
 TEST_F(StateTest, RemovingAnElementTakesItOutOfAllConsequences) {
@@ -173,15 +174,15 @@ TEST_F(StateTest, RemovingAnElementTakesItOutOfAllConsequences) {
     TrajEl* replaced = off;
     off = state->addElt(off, false);
     off->consequences = {dead, on};
-    unsigned const deleted = TrajEl::trajel_del;
+    unsigned const deleted = theRun().scheduler.book.trajel_del;
     state->removeElt(pump.id("mode=on"));
-    EXPECT_EQ(TrajEl::trajel_del, deleted + 1);
+    EXPECT_EQ(theRun().scheduler.book.trajel_del, deleted + 1);
     EXPECT_EQ(state->getElt(pump.id("mode=on")), nullptr);
     EXPECT_EQ(state->elts.size(), 2u);
     EXPECT_EQ(off->consequences, (std::vector<TrajEl*>{dead}));
     EXPECT_EQ(replaced->consequences, (std::vector<TrajEl*>{dead}));
     state->removeElt(pump.id("mode=on"));
-    EXPECT_EQ(TrajEl::trajel_del, deleted + 1) << "what is not there is not removed";
+    EXPECT_EQ(theRun().scheduler.book.trajel_del, deleted + 1) << "what is not there is not removed";
 }
 
 TEST_F(StateTest, SetsThePreviousTransitionByIdOrByElement) {
@@ -196,11 +197,11 @@ TEST_F(StateTest, SetsThePreviousTransitionByIdOrByElement) {
 }
 
 TEST_F(StateTest, ClearDestroysTheElements) {
-    unsigned const deleted = TrajEl::trajel_del;
+    unsigned const deleted = theRun().scheduler.book.trajel_del;
     State state(&atoms);
     state.clear();
     EXPECT_TRUE(state.elts.empty());
-    EXPECT_EQ(TrajEl::trajel_del, deleted + 5);
+    EXPECT_EQ(theRun().scheduler.book.trajel_del, deleted + 5);
 }
 
 TEST_F(StateTest, SetUnknownMarksTheState) {
@@ -210,24 +211,24 @@ TEST_F(StateTest, SetUnknownMarksTheState) {
 }
 
 TEST_F(StateTest, StatesAndElementsAreCountedInAndOut) {
-    unsigned const states = State::state_created;
-    unsigned const statesGone = State::state_del;
-    unsigned const elements = TrajEl::trajel_created;
-    unsigned const elementsGone = TrajEl::trajel_del;
+    unsigned const states = theRun().scheduler.book.state_created;
+    unsigned const statesGone = theRun().scheduler.book.state_del;
+    unsigned const elements = theRun().scheduler.book.trajel_created;
+    unsigned const elementsGone = theRun().scheduler.book.trajel_del;
     {
         State const empty;
-        EXPECT_EQ(State::state_created, states + 1);
+        EXPECT_EQ(theRun().scheduler.book.state_created, states + 1);
         State const initial(&atoms);
-        EXPECT_EQ(State::state_created, states + 2);
+        EXPECT_EQ(theRun().scheduler.book.state_created, states + 2);
         State const copy(&initial, true);
-        EXPECT_EQ(State::state_created, states + 3);
-        EXPECT_EQ(TrajEl::trajel_created, elements + 10);
-        EXPECT_EQ(State::state_del, statesGone);
+        EXPECT_EQ(theRun().scheduler.book.state_created, states + 3);
+        EXPECT_EQ(theRun().scheduler.book.trajel_created, elements + 10);
+        EXPECT_EQ(theRun().scheduler.book.state_del, statesGone);
     }
-    EXPECT_EQ(State::state_created, states + 3);
-    EXPECT_EQ(State::state_del, statesGone + 3);
-    EXPECT_EQ(TrajEl::trajel_created, elements + 10);
-    EXPECT_EQ(TrajEl::trajel_del, elementsGone + 10);
+    EXPECT_EQ(theRun().scheduler.book.state_created, states + 3);
+    EXPECT_EQ(theRun().scheduler.book.state_del, statesGone + 3);
+    EXPECT_EQ(theRun().scheduler.book.trajel_created, elements + 10);
+    EXPECT_EQ(theRun().scheduler.book.trajel_del, elementsGone + 10);
 }
 
 // ---- Locks ----
@@ -420,7 +421,7 @@ TEST_F(StateTest, ShowsItsElementsInOneLineEach) {
     state.cover = 0.125;
     state.getElt(unit.id("mode=only"))->propagationNumber = 4;
     state.getElt(unit.id("mode=only"))->lock = LOCK_TRUE_PERM;
-    EXPECT_EQ(printed([&] { state.showState(); }),
+    EXPECT_EQ(printed([&] { state.showState(std::cout); }),
               "proba : 0.25\n"
               "cover : 0.125\n"
               "u.mode=only --true (4)  -- 3\n");
@@ -430,11 +431,11 @@ TEST_F(StateTest, ShowsItselfInFullAsItsElementsInFull) {
     State const state(&atoms);
     std::string expected;
     for (auto const& entry : state.elts)
-        expected += printed([&] { entry.second->showTrajEl(true); });
-    EXPECT_EQ(printed([&] { state.showFullState(); }), expected);
+        expected += printed([&] { entry.second->showTrajEl(std::cout, true); });
+    EXPECT_EQ(printed([&] { state.showFullState(std::cout); }), expected);
     EXPECT_NE(expected.find("p.mode=off --> [1]\n"), std::string::npos);
-    EXPECT_EQ(printed([] { State().showFullState(); }), "");
-    EXPECT_EQ(printed([] { State().showState(); }), "proba : 0\ncover : 0\n");
+    EXPECT_EQ(printed([] { State().showFullState(std::cout); }), "");
+    EXPECT_EQ(printed([] { State().showState(std::cout); }), "proba : 0\ncover : 0\n");
 }
 
 }  // namespace

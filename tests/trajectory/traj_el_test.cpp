@@ -1,4 +1,5 @@
 // One element: its construction and copy, its transitions, and its text.
+#include "fixtures/the_run.h"
 #include "model/Clause.h"
 #include "trajectory/trajectory_fixture.h"
 
@@ -76,19 +77,19 @@ TEST_F(TrajElTest, CopyTakesEverythingButTheConsequences) {
 }
 
 TEST_F(TrajElTest, EveryConstructionAndDestructionIsCounted) {
-    unsigned const created = TrajEl::trajel_created;
-    unsigned const deleted = TrajEl::trajel_del;
+    unsigned const created = theRun().scheduler.book.trajel_created;
+    unsigned const deleted = theRun().scheduler.book.trajel_del;
     {
         TrajEl const empty;
-        EXPECT_EQ(TrajEl::trajel_created, created + 1);
+        EXPECT_EQ(theRun().scheduler.book.trajel_created, created + 1);
         TrajEl const copy(&off);
-        EXPECT_EQ(TrajEl::trajel_created, created + 2);
+        EXPECT_EQ(theRun().scheduler.book.trajel_created, created + 2);
         TrajEl const made(off.atom, nullptr, &none, labelTrue);
-        EXPECT_EQ(TrajEl::trajel_created, created + 3);
-        EXPECT_EQ(TrajEl::trajel_del, deleted);
+        EXPECT_EQ(theRun().scheduler.book.trajel_created, created + 3);
+        EXPECT_EQ(theRun().scheduler.book.trajel_del, deleted);
     }
-    EXPECT_EQ(TrajEl::trajel_created, created + 3);
-    EXPECT_EQ(TrajEl::trajel_del, deleted + 3);
+    EXPECT_EQ(theRun().scheduler.book.trajel_created, created + 3);
+    EXPECT_EQ(theRun().scheduler.book.trajel_del, deleted + 3);
 }
 
 TEST_F(TrajElTest, AnswersThroughItsAtom) {
@@ -188,15 +189,15 @@ TEST_F(TrajElTest, ANegativeSuccessorOfAnotherVariableDropsNothing) {
 TEST_F(TrajElTest, ShowsTheIdOrTheWholeAtomOfThisStep) {
     off.propagationNumber = 12;
     off.lock = LOCK_TRUE_PERM;
-    EXPECT_EQ(printed([&] { off.showAtom(false); }), "p.mode=off");
-    EXPECT_EQ(printed([&] { off.showAtom(true); }),
+    EXPECT_EQ(printed([&] { off.showAtom(std::cout, false); }), "p.mode=off");
+    EXPECT_EQ(printed([&] { off.showAtom(std::cout, true); }),
               "--- Atom n\xb0# ---\n"
               "p.mode=off --> [1]\n"
               "label : true\n"
               "propagation number : 12\n"
               "lock : 3\n");
     TrajEl const on(pump["mode=on"], nullptr, nullptr, labelUnknown);
-    EXPECT_EQ(printed([&] { on.showAtom(true); }),
+    EXPECT_EQ(printed([&] { on.showAtom(std::cout, true); }),
               "--- Atom n\xb0# ---\n"
               "p.mode=on --> [0]\n"
               "label : unknown\n"
@@ -205,7 +206,7 @@ TEST_F(TrajElTest, ShowsTheIdOrTheWholeAtomOfThisStep) {
 }
 
 TEST_F(TrajElTest, ShowsItselfWithoutTransitionsAndSupport) {
-    EXPECT_EQ(printed([&] { off.showTrajEl(false); }),
+    EXPECT_EQ(printed([&] { off.showTrajEl(std::cout, false); }),
               "p.mode=offprevTrans(0) :\n"
               "support: 0\n");
 }
@@ -219,8 +220,8 @@ TEST_F(TrajElTest, ShowsItsTransitionsInAndOutAndItsSupport) {
     off.nextTransNeg = {{1, stayOn}};
     off.support = &clause;
     std::string const address = printed([&] { std::cout << &clause; });
-    EXPECT_EQ(printed([&] { off.showTrajEl(true); }),
-              printed([&] { off.showAtom(true); }) +
+    EXPECT_EQ(printed([&] { off.showTrajEl(std::cout, true); }),
+              printed([&] { off.showAtom(std::cout, true); }) +
                   "prevTrans(7) :\n"
                   "Nominal (0.5) (idle) : (p.mode=off  ) =>O  and (p.mode=off  ) -- 0\n"
                   "Nominal (0.5) : (p.mode=off  ) =>O  and (p.mode=on  ) -- 2\n"

@@ -1,4 +1,5 @@
 // Giving components and elements to the states of a history, and taking them away.
+#include "fixtures/the_run.h"
 #include "trajectory/trajectory_fixture.h"
 
 using trajectory_fixture::atomsOf;
@@ -144,7 +145,7 @@ protected:
         // No model makes a command or an observation the effect of a transition that idles.
         unit["seen=yes"]->idleTrans = unit["cmd=none"]->idleTrans = unit["mode=rest"]->idleTrans;
         atoms = atomsOf({&unit});
-        path = std::make_unique<Trajectory>(&atoms);
+        path = std::make_unique<Trajectory>(theRun().scheduler.book, &atoms);
         path->addState(1, emptyState());
         for (auto const& entry : path->getState(0)->elts)
             entry.second->lock = LOCK_TRUE_PERM;
@@ -189,9 +190,9 @@ TEST_F(CompTest, RemovesTheElementsOfOneComponent) {
     pump.comp.compSize = 3;
     add(pump.comp, 1);
     add(tank.comp, 1);
-    unsigned const deleted = TrajEl::trajel_del;
+    unsigned const deleted = theRun().scheduler.book.trajel_del;
     path.removeComp(&pump.comp, 1);
-    EXPECT_EQ(TrajEl::trajel_del, deleted + 3);
+    EXPECT_EQ(theRun().scheduler.book.trajel_del, deleted + 3);
     EXPECT_EQ(path.getState(1)->elts.size(), 2u);
     EXPECT_EQ(elt(1, pump, "mode=off"), nullptr);
     EXPECT_NE(elt(1, tank, "mode=low"), nullptr);

@@ -1,4 +1,5 @@
 // Building of the components and histories of the tests.
+#include "fixtures/the_run.h"
 #include "trajectory/trajectory_fixture.h"
 
 namespace trajectory_fixture {
@@ -51,7 +52,7 @@ std::vector<std::string> walk(State const& state) {
 }
 
 std::unique_ptr<State> emptyState() {
-    return std::make_unique<State>();
+    return std::make_unique<State>(theRun().scheduler.book);
 }
 
 std::unique_ptr<State> stateOf(std::initializer_list<Unit const*> units) {

@@ -17,7 +17,7 @@
 #include "model/CommandVar.h"
 #include "model/Comprt.h"
 #include "model/CondVarrt.h"
-#include "model/DataManagerrt.h"
+#include "trajectory/DataManagerrt.h"
 #include "model/ModeVarrt.h"
 #include "model/labels.h"
 #include "trajectory/Trajectoryrt.h"

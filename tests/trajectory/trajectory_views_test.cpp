@@ -19,43 +19,43 @@ std::string const initialElements =
     "p.mode=dead --false (0)  -- 2\n";
 
 TEST_F(ViewTest, OneStep) {
-    EXPECT_EQ(printed([&] { path.showTrajectory(0); }),
+    EXPECT_EQ(printed([&] { path.showTrajectory(std::cout, 0); }),
               "******** trajectory->timestep 0 *********\n"
               "proba : 0.375\n"
               "cover : 0\n" +
                   initialElements);
     addEmpty();
-    EXPECT_EQ(printed([&] { path.showTrajectory(1); }),
+    EXPECT_EQ(printed([&] { path.showTrajectory(std::cout, 1); }),
               "******** trajectory->timestep 1 *********\n"
               "proba : 0\n"
               "cover : 0\n");
 }
 
 TEST_F(ViewTest, OneStepInFull) {
-    EXPECT_EQ(printed([&] { path.showTrajectoryFull(0); }),
+    EXPECT_EQ(printed([&] { path.showTrajectoryFull(std::cout, 0); }),
               "******** trajectory->timestep 0 *********\n" +
-                  printed([&] { path.getState(0)->showFullState(); }));
-    EXPECT_NE(printed([&] { path.showTrajectoryFull(0); }).find("prevTrans(0) :\n"),
+                  printed([&] { path.getState(0)->showFullState(std::cout); }));
+    EXPECT_NE(printed([&] { path.showTrajectoryFull(std::cout, 0); }).find("prevTrans(0) :\n"),
               std::string::npos);
 }
 
 TEST_F(ViewTest, AStepOutsideTheWindowIsItsBannerAlone) {
-    EXPECT_EQ(printed([&] { path.showTrajectory(7); }),
+    EXPECT_EQ(printed([&] { path.showTrajectory(std::cout, 7); }),
               "******** trajectory->timestep 7 *********\n");
-    EXPECT_EQ(printed([&] { path.showTrajectoryFull(7); }),
+    EXPECT_EQ(printed([&] { path.showTrajectoryFull(std::cout, 7); }),
               "******** trajectory->timestep 7 *********\n");
     EXPECT_EQ(path.states.size(), 1u);
 }
 
 TEST_F(ViewTest, AllStepsFromZeroToTheNumberOfStates) {
     addEmpty();
-    EXPECT_EQ(printed([&] { path.showTrajectoryLight(); }),
-              printed([&] { path.showTrajectory(0); }) + printed([&] { path.showTrajectory(1); }));
+    EXPECT_EQ(printed([&] { path.showTrajectoryLight(std::cout); }),
+              printed([&] { path.showTrajectory(std::cout, 0); }) + printed([&] { path.showTrajectory(std::cout, 1); }));
     addEmpty(5);
     std::string expected;
     for (int t = 0; t <= 4; ++t)
-        expected += printed([&] { path.showTrajectory(t); });
-    EXPECT_EQ(printed([&] { path.showTrajectoryLight(); }), expected)
+        expected += printed([&] { path.showTrajectory(std::cout, t); });
+    EXPECT_EQ(printed([&] { path.showTrajectoryLight(std::cout); }), expected)
         << "the window is 2 to 6, and five states are shown from 0 on";
 }
 
@@ -67,7 +67,7 @@ TEST_F(ViewTest, TheTransitionsOfEveryStep) {
     path.getState(2)->cover = 0.25;
     printed([&] { path.addComp(&pump.comp, path.getState(2), 2, false, false); });
     path.getState(2)->setPrevTrans(pump.id("mode=dead"), die);
-    EXPECT_EQ(printed([&] { path.showTrajectoryTransitions(); }),
+    EXPECT_EQ(printed([&] { path.showTrajectoryTransitions(std::cout); }),
               ">>>>>>>>>>> viewing Trajectory (2)<<<<<<<<<<<\n"
               "current time: 2\n"
               "proba : 0.0625\n"
@@ -83,7 +83,7 @@ TEST_F(ViewTest, TheTransitionsOfEveryStep) {
 // A step is its own place in the table of 193 places, so that step 193 comes before step 191.
 TEST_F(ViewTest, TheStepsOfTheTransitionsAreInTheOrderOfTheTable) {
     addEmpty(194);
-    std::string const text = printed([&] { path.showTrajectoryTransitions(); });
+    std::string const text = printed([&] { path.showTrajectoryTransitions(std::cout); });
     std::vector<int> steps;
     std::string const word = "timestep ";
     for (std::size_t at = text.find(word); at != std::string::npos; at = text.find(word, at + 1))
@@ -92,12 +92,12 @@ TEST_F(ViewTest, TheStepsOfTheTransitionsAreInTheOrderOfTheTable) {
 }
 
 TEST_F(ViewTest, AHistoryWithoutStates) {
-    EXPECT_EQ(printed([] { Trajectory().showTrajectoryTransitions(); }),
+    EXPECT_EQ(printed([] { Trajectory().showTrajectoryTransitions(std::cout); }),
               ">>>>>>>>>>> viewing Trajectory (0)<<<<<<<<<<<\n"
               "current time: 0\n"
               "proba : 0\n"
               "\n");
-    EXPECT_EQ(printed([] { Trajectory().showTrajectoryLight(); }), "");
+    EXPECT_EQ(printed([] { Trajectory().showTrajectoryLight(std::cout); }), "");
 }
 
 }  // namespace

@@ -1,4 +1,5 @@
 // The window of states: adding, replacing, taking away, folding and copying.
+#include "fixtures/the_run.h"
 #include "trajectory/trajectory_fixture.h"
 
 using trajectory_fixture::emptyState;
@@ -33,11 +34,11 @@ protected:
 // ---- Making ----
 
 TEST(TrajectoryStart, AnEmptyHistoryHasItsDefaults) {
-    unsigned const created = Trajectory::traj_created;
-    unsigned const deleted = Trajectory::traj_del;
+    unsigned const created = theRun().scheduler.book.traj_created;
+    unsigned const deleted = theRun().scheduler.book.traj_del;
     {
         Trajectory const path;
-        EXPECT_EQ(Trajectory::traj_created, created + 1);
+        EXPECT_EQ(theRun().scheduler.book.traj_created, created + 1);
         EXPECT_TRUE(path.states.empty());
         EXPECT_EQ(path.currentTime, 0);
         EXPECT_EQ(path.firstTime, 0);
@@ -48,9 +49,9 @@ TEST(TrajectoryStart, AnEmptyHistoryHasItsDefaults) {
         EXPECT_TRUE(path.timeCorr.empty());
         EXPECT_FALSE(path.isUnknown());
     }
-    EXPECT_EQ(Trajectory::traj_del, deleted + 1);
-    EXPECT_EQ(Trajectory::traj_created, created + 1);
-    EXPECT_EQ(Trajectory::twd, 5);
+    EXPECT_EQ(theRun().scheduler.book.traj_del, deleted + 1);
+    EXPECT_EQ(theRun().scheduler.book.traj_created, created + 1);
+    EXPECT_EQ(theRun().scheduler.book.twd, 5);
 }
 
 TEST_F(WindowTest, AHistoryFromAtomsBeginsWithTheInitialState) {
@@ -74,23 +75,23 @@ TEST_F(WindowTest, AStateOutsideTheWindowIsNullAndIsNotCreated) {
 }
 
 TEST_F(WindowTest, HistoriesAndTheirStatesAreCountedInAndOut) {
-    unsigned const created = Trajectory::traj_created;
-    unsigned const deleted = Trajectory::traj_del;
-    unsigned const states = State::state_created;
-    unsigned const statesGone = State::state_del;
-    unsigned const elements = TrajEl::trajel_created;
-    unsigned const elementsGone = TrajEl::trajel_del;
+    unsigned const created = theRun().scheduler.book.traj_created;
+    unsigned const deleted = theRun().scheduler.book.traj_del;
+    unsigned const states = theRun().scheduler.book.state_created;
+    unsigned const statesGone = theRun().scheduler.book.state_del;
+    unsigned const elements = theRun().scheduler.book.trajel_created;
+    unsigned const elementsGone = theRun().scheduler.book.trajel_del;
     {
         Trajectory other(&atoms);
         other.addState(1, failure());
         other.addCopyState(2, other.getState(1), true);
         Trajectory const copy(&other, 2);
-        EXPECT_EQ(Trajectory::traj_created, created + 2);
-        EXPECT_EQ(State::state_created, states + 5) << "three states, two of them copied";
+        EXPECT_EQ(theRun().scheduler.book.traj_created, created + 2);
+        EXPECT_EQ(theRun().scheduler.book.state_created, states + 5) << "three states, two of them copied";
     }
-    EXPECT_EQ(Trajectory::traj_del, deleted + 2);
-    EXPECT_EQ(State::state_del, statesGone + 5);
-    EXPECT_EQ(TrajEl::trajel_del - elementsGone, TrajEl::trajel_created - elements);
+    EXPECT_EQ(theRun().scheduler.book.traj_del, deleted + 2);
+    EXPECT_EQ(theRun().scheduler.book.state_del, statesGone + 5);
+    EXPECT_EQ(theRun().scheduler.book.trajel_del - elementsGone, theRun().scheduler.book.trajel_created - elements);
 }
 
 // ---- The truncated copy ----
@@ -150,12 +151,12 @@ TEST_F(WindowTest, AddStateAtTheNextStepAdvances) {
 
 TEST_F(WindowTest, AddStateAtTheCurrentStepReplacesAndHandsTheOldStateOut) {
     State const* before = addEmpty();
-    unsigned const deleted = State::state_del;
+    unsigned const deleted = theRun().scheduler.book.state_del;
     auto state = emptyState();
     State* added = state.get();
     std::unique_ptr<State> const handedOut = path.addState(1, std::move(state));
     EXPECT_EQ(handedOut.get(), before);
-    EXPECT_EQ(State::state_del, deleted);
+    EXPECT_EQ(theRun().scheduler.book.state_del, deleted);
     EXPECT_EQ(path.getState(1), added);
     EXPECT_EQ(path.currentTime, 1);
     EXPECT_EQ(path.stepCount, 1);
@@ -197,9 +198,9 @@ TEST_F(WindowTest, AddCopyStateCopiesInFullOrNot) {
 
 TEST_F(WindowTest, AddCopyStateDestroysTheStateThatStoodThere) {
     addEmpty();
-    unsigned const deleted = State::state_del;
+    unsigned const deleted = theRun().scheduler.book.state_del;
     path.addCopyState(1, path.getState(0), true);
-    EXPECT_EQ(State::state_del, deleted + 1);
+    EXPECT_EQ(theRun().scheduler.book.state_del, deleted + 1);
     EXPECT_EQ(path.getState(1)->elts.size(), 5u);
     EXPECT_EQ(path.currentTime, 1);
     EXPECT_EQ(path.stepCount, 1);
@@ -249,7 +250,7 @@ TEST_F(WindowTest, TheRankCountsTheFailuresOfAllStatesAdded) {
 // With a window of one state the state added is the one that the old one is folded into: the fold
 // gives it the pump with its idle transition, here a failure.
 TEST_F(WindowTest, TheFoldComesBeforeTheRankInOneAdditionAndAfterItInTheOther) {
-    Trajectory::twd = 1;
+    theRun().scheduler.book.twd = 1;
     stayOff->type = transFail;
     printed([&] {
         Trajectory added(&atoms);
@@ -260,16 +261,16 @@ TEST_F(WindowTest, TheFoldComesBeforeTheRankInOneAdditionAndAfterItInTheOther) {
         EXPECT_EQ(copied.rank, 0.0);
         EXPECT_EQ(copied.getState(1)->getElt(pump.id("mode=off"))->prevTrans, stayOff);
     });
-    Trajectory::twd = 5;
+    theRun().scheduler.book.twd = 5;
 }
 
 // ---- Taking away ----
 
 TEST_F(WindowTest, RemovingTheLastStateDestroysIt) {
     addEmpty(2);
-    unsigned const deleted = State::state_del;
+    unsigned const deleted = theRun().scheduler.book.state_del;
     path.removeLastState();
-    EXPECT_EQ(State::state_del, deleted + 1);
+    EXPECT_EQ(theRun().scheduler.book.state_del, deleted + 1);
     EXPECT_EQ(steps(), (std::vector<int>{0, 1}));
     EXPECT_EQ(path.currentTime, 1);
     EXPECT_EQ(path.stepCount, 2);
@@ -309,14 +310,14 @@ TEST_F(WindowTest, FiveStatesFitTheWindow) {
 // The names "p" and "t" have their character codes as places in the table, so "p" comes first.
 TEST_F(WindowTest, TheSixthStateMovesTheWindow) {
     addEmpty(4);
-    unsigned const deleted = State::state_del;
+    unsigned const deleted = theRun().scheduler.book.state_del;
     auto state = emptyState();
     EXPECT_EQ(printed([&] { path.addState(5, std::move(state)); }),
               "[addComp] --> timestep : 1 -- p\n"
               "[addComp] --> timestep : 1 -- t\n");
     EXPECT_EQ(steps(), (std::vector<int>{1, 2, 3, 4, 5}));
     EXPECT_EQ(path.states.count(0), 0u);
-    EXPECT_EQ(State::state_del, deleted + 1);
+    EXPECT_EQ(theRun().scheduler.book.state_del, deleted + 1);
     EXPECT_EQ(path.firstTime, 1);
     EXPECT_EQ(path.currentTime, 5);
     EXPECT_EQ(path.stepCount, 5);

@@ -4,21 +4,9 @@
 #include "support/run_stopped.h"
 #include "trajectory/model_tools.h"
 
-namespace {
-
-void requireReady(int result) {
-    if (result != 1)
-        throw RunStopped(RunStopped::initialisation, "the scheduler could not be made ready");
-}
-
-}  // namespace
-
 Scheduler::Scheduler(Plant const& plant, Host& host) : Diagnoser(plant, host) {
-    requireReady(initSchD());
-}
-
-Scheduler::Scheduler(Plant& plant, Host& host) : Diagnoser(plant, host) {
-    requireReady(initSchD());
+    if (initSchD() != 1)
+        throw RunStopped(RunStopped::initialisation, "the scheduler could not be made ready");
 }
 
 Scheduler::~Scheduler() = default;
