@@ -3,7 +3,7 @@
 #include "generated/vat/vat.h"
 
 #include "plants/plant_run.h"
-#include "plants/vat_truth.h"
+#include "plants/vat/vat_truth.h"
 
 namespace plants {
 namespace {
