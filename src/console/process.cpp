@@ -2,6 +2,7 @@
 #include "support/process.h"
 
 #include <fcntl.h>
+#include <malloc.h>
 #include <sys/resource.h>
 #include <unistd.h>
 
@@ -76,4 +77,8 @@ double leftInAddressSpace() {
 
 double availableMemory() {
     return std::min({freeInMachine(), leftInControlGroup(), leftInAddressSpace()});
+}
+
+double heldFree() {
+    return static_cast<double>(mallinfo2().fordblks);
 }

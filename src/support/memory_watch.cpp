@@ -26,7 +26,9 @@ bool systemMemoryRunsShort() {
     if (now - lastLook < timeBetweenLooks)
         return false;
     lastLook = now;
-    return availableMemory() < memoryReserve;
+    double const available = availableMemory();
+    // What an ended run has given back serves the next one.
+    return available < memoryReserve && available + heldFree() < memoryReserve;
 }
 
 bool (*memoryRunsShort)() = &systemMemoryRunsShort;
