@@ -3,7 +3,9 @@
 #   tavro_library(DEPENDS ...)    the library of the current folder of src/
 #   tavro_model()                 the library of a compiled model, a folder of src/generated/
 #   tavro_executive(name model)   a console executable around one compiled model
-#   tavro_tests(LINK ...)         the test executable of the current folder of tests/
+#   tavro_tests(MODEL model LINK ...)
+#                                 the test executable of the current folder of tests/; its tests of a
+#                                 compiled model take this one, the reference model unless told
 #   tavro_benchmarks(LINK ...)    the benchmark executable of the current folder of bench/, with the
 #                                 reference model unless told otherwise
 #
@@ -56,7 +58,10 @@ endfunction()
 
 # One executable per folder of tests/, from every *_test.cpp in it: a test file cannot be left out.
 function(tavro_tests)
-  cmake_parse_arguments(ARG "" "" "LINK" ${ARGN})
+  cmake_parse_arguments(ARG "" "MODEL" "LINK" ${ARGN})
+  if(NOT ARG_MODEL)
+    set(ARG_MODEL therm)
+  endif()
   tavro_folder_name(folder)
   file(GLOB sources CONFIGURE_DEPENDS ${CMAKE_CURRENT_SOURCE_DIR}/*_test.cpp
        ${CMAKE_CURRENT_SOURCE_DIR}/*_fixture.cpp)
@@ -65,6 +70,7 @@ function(tavro_tests)
   endif()
   add_executable(tests_${folder} ${sources})
   target_include_directories(tests_${folder} PRIVATE ${CMAKE_SOURCE_DIR}/tests)
+  target_compile_definitions(tests_${folder} PRIVATE TAVRO_TESTED_MODEL=${ARG_MODEL}_model)
   target_link_libraries(tests_${folder} PRIVATE ${ARG_LINK})
   target_link_libraries(tests_${folder} PRIVATE GTest::gtest_main)
   target_precompile_headers(tests_${folder} PRIVATE <gtest/gtest.h>)

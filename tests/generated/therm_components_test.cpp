@@ -25,7 +25,6 @@ TEST_F(ComponentsTest, TheRoomAndTheThermostatAreRegistered) {
     EXPECT_STREQ(T1->getName(), "thermostat");
     EXPECT_EQ(T1->className, "therm");
     EXPECT_EQ(T1->symbol, "T1");
-    EXPECT_EQ(model_name, "therm");
     EXPECT_EQ(thePlant().name, "therm");
 }
 
@@ -210,7 +209,7 @@ TEST_F(ComponentsTest, TheConditionOfAnAtomNamesIt) {
 
 TEST(ThermStart, TheInitialStateHoldsTheDefaults) {
     StartedModel const model;
-    State const state(&thePlant().active_atoms);
+    State const state(theRun().scheduler.book, &thePlant().active_atoms);
     Texts holding;
     for (auto const& entry : state.elts)
         if (entry.second->evalTrajEl())

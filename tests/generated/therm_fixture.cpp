@@ -23,16 +23,17 @@ therm* findTherm() {
     return find<therm>("thermostat");
 }
 
-BuiltModel::BuiltModel() : scheduler(std::make_unique<Scheduler>(model_name)) {
-    startinit(scheduler.get());
+BuiltModel::BuiltModel() {
+    newPlant(therm_model.model_name);
+    therm_model.startinit(theRun().sMM);
     R1 = findRoom();
     T1 = findTherm();
-    rt = theRun().tavro_rt;
+    rt = thePlant().tavro_rt.get();
 }
 
 BuiltModel::~BuiltModel() {
     testing::internal::CaptureStdout();
-    scheduler.reset();
+    endPlant();
     testing::internal::GetCapturedStdout();
 }
 

@@ -25,7 +25,6 @@ public:
     s_runtime* rt;
 
 private:
-    std::unique_ptr<Scheduler> scheduler;
 };
 
 // The same after start-up.

@@ -14,13 +14,13 @@ TEST(Candidate, StartsWithoutAHistoryAndWithoutARuntime) {
 
 TEST(Candidate, OfTheAtomsCopiesTheTemplate) {
     ReferenceModel model;
-    hybTrajectory const candidate(&thePlant().active_atoms, theRun().tavro_rt);
+    hybTrajectory const candidate(theRun().scheduler.book, &thePlant().active_atoms, theRun().tavro_rt);
     ASSERT_NE(candidate.rt, nullptr);
     EXPECT_NE(candidate.rt.get(), theRun().tavro_rt);
     EXPECT_EQ(candidate.rt->num, 0);  // the first copy of all
     EXPECT_EQ(candidate.traj->getCurrentTime(), 0);
     EXPECT_EQ(label(candidate.traj.get(), "thermostat.mode=off"), "true");
-    hybTrajectory const discrete(&thePlant().active_atoms, nullptr);
+    hybTrajectory const discrete(theRun().scheduler.book, &thePlant().active_atoms, nullptr);
     EXPECT_EQ(discrete.rt, nullptr);
 }
 
@@ -53,7 +53,7 @@ TEST(Candidate, OfACandidateCopiesBothSidesUpToAStep) {
 
 TEST(Candidate, OfADiscreteCandidateHasNoRuntime) {
     ReferenceModel model;
-    hybTrajectory const discrete(&thePlant().active_atoms, nullptr);
+    hybTrajectory const discrete(theRun().scheduler.book, &thePlant().active_atoms, nullptr);
     hybTrajectory const copy(&discrete, 1);
     EXPECT_EQ(copy.rt, nullptr);
     EXPECT_NE(copy.traj, nullptr);

@@ -4,7 +4,7 @@
 #include <cmath>
 
 #include "continuous/records.h"
-#include "model/influencePrinter.h"
+#include "continuous/sorn-runt.h"
 #include "model/model_fixture.h"
 
 using model_fixture::complaint;
@@ -260,7 +260,7 @@ std::string const dashes(51, '-');
 
 TEST(Comp, ShowsItselfEmpty) {
     Comp const comp("room");
-    EXPECT_EQ(printed([&] { comp.showComp(); }), stars + "\nComp : room\n" +            //
+    EXPECT_EQ(printed([&] { comp.showComp(std::cout, [](s_Influence const* i) { printInfluence(std::cout, i); }); }), stars + "\nComp : room\n" +            //
                                                      stars + "\nnominal cover : 0\n" +  //
                                                      "States : \n" +                    //
                                                      dashes + "\nConstraints : \n" +    //
@@ -274,7 +274,7 @@ TEST_F(CompTest, ShowsVariablesConstraintsAndTransitions) {
     comp.addFormulaToCS(
         std::make_unique<Formula>(formulaOf({{true, on}}), formulaOf({{true, go}}), nullptr));
     add({{true, on}}, off, 0.5)->setID(3);
-    EXPECT_EQ(printed([&] { comp.showComp(); }),
+    EXPECT_EQ(printed([&] { comp.showComp(std::cout, [](s_Influence const* i) { printInfluence(std::cout, i); }); }),
               stars + "\nComp : t\n" + stars + "\nnominal cover : 0.25\n" +
                   "States : \n"
                   "t.mode - Mode -\n"
@@ -302,10 +302,10 @@ TEST_F(CompTest, ShowsEachInfluenceThroughItsPrinter) {
     comp.addInfluence(&second);
     comp.addInfluence(&first);
     std::string const both = printed([&] {
-        printInfluence(&second);
-        printInfluence(&first);
+        printInfluence(std::cout, &second);
+        printInfluence(std::cout, &first);
     });
-    std::string const text = printed([&] { comp.showComp(); });
+    std::string const text = printed([&] { comp.showComp(std::cout, [](s_Influence const* i) { printInfluence(std::cout, i); }); });
     EXPECT_NE(text.find("\nInfluences : \n" + both + dashes + "\n"), std::string::npos) << text;
 }
 

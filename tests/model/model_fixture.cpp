@@ -33,29 +33,17 @@ std::unique_ptr<Transition> move(Atom* from, Atom* to, std::string const& type, 
 
 namespace {
 
-void emptyRegistry() {
-    thePlant().active_comps.clear();
-    thePlant().active_atoms.clear();
-    thePlant().active_trans.clear();
-    thePlant().cls.clear();
-    theRun().scheduler.states_cover.clear();
-    theRun().scheduler.traj_cover = 0.0;
-    theRun().scheduler.itms_calls = 0;
-}
-
-DataManager& onlyRegistry() {
-    static auto* const registry = new DataManager;
-    return *registry;
+DataManager& emptyRegistry() {
+    printed([] { newPlant(""); });
+    return theRun().scheduler;
 }
 
 }  // namespace
 
-RegistryTest::RegistryTest() : registry(onlyRegistry()) {
-    emptyRegistry();
-}
+RegistryTest::RegistryTest() : registry(emptyRegistry()) {}
 
 RegistryTest::~RegistryTest() {
-    emptyRegistry();
+    printed([] { endPlant(); });
 }
 
 Comp* RegistryTest::component(std::string const& name, std::vector<double> const& guardProbas) {

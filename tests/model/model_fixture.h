@@ -77,8 +77,7 @@ std::unique_ptr<StateFormula> formulaOf(std::vector<Literal> const& literals);
 std::unique_ptr<Transition> move(Atom* from, Atom* to, std::string const& type, double proba,
                                  bool idle = false);
 
-// A registry that is empty before and after each test. The components given to it are freed when
-// the process ends.
+// A registry that is empty before and after each test.
 class RegistryTest : public testing::Test {
 protected:
     RegistryTest();
@@ -87,8 +86,7 @@ protected:
     // A component in the registry, with one mode and a transition for each guard probability.
     Comp* component(std::string const& name, std::vector<double> const& guardProbas);
 
-    // Made once and never destroyed: freeing the model is not the subject of these tests.
-    DataManager& registry;
+    DataManager& registry;  // of the plant and the run that the test works on
 };
 
 }  // namespace model_fixture

@@ -35,9 +35,7 @@ TEST_F(RegistryTest, InitStartsTheCoverOfStepZero) {
 }
 
 TEST_F(RegistryTest, ConstructionStartsTheCoverOfStepZero) {
-    theRun().scheduler.states_cover[0] = 0.5;
-    static auto const* const kept = new DataManager;
-    ASSERT_NE(kept, nullptr);
+    EXPECT_EQ(theRun().scheduler.states_cover.size(), 1u);
     EXPECT_EQ(theRun().scheduler.states_cover[0], 0.0);
 }
 
@@ -197,52 +195,39 @@ std::string contentOf(std::filesystem::path const& path) {
     return {std::istreambuf_iterator<char>(file), {}};
 }
 
-// Points a benchmark log at a file of this test, and back when it ends.
-class Redirected {
+// A host that keeps the lines of the logs.
+class KeepingHost : public Host {
 public:
-    Redirected(std::ofstream& stream, char const* usual)
-        : path(testing::TempDir() + "redirected-" + std::to_string(getpid()) + "-" + usual),
-          stream(stream),
-          usual(usual) {
-        stream.close();
-        stream.open(path, std::ios::trunc);
-    }
-    ~Redirected() {
-        stream.close();
-        stream.open(usual, std::ios::app);
-        std::filesystem::remove(path);
-    }
-    std::string content() {
-        stream.flush();
-        return contentOf(path);
-    }
+    std::ostream& propagationLog() override { return propagations; }
+    std::ostream& stepLog() override { return steps; }
 
-private:
-    std::string path;
-    std::ofstream& stream;
-    char const* usual;
+    std::ostringstream propagations, steps;
 };
 
-TEST_F(RegistryTest, LineOfTheRunLog) {
-    Redirected log(DataManager::benchmk_stream, "bench1.bmk");
-    theRun().scheduler.addBmkEntry(3, 0.25, false, 12);
-    theRun().scheduler.addBmkEntry(-1, 1.23456789, true, 0);
-    theRun().scheduler.addBmkEntry(4, 0.000001, false, 1);
-    EXPECT_EQ(log.content(), "3 0.25 0 12\n-1 1.23457 1 0\n4 1e-06 0 1\n");
+TEST(Logs, LineOfAStep) {
+    KeepingHost host;
+    Plant const plant("logged");
+    DataManager run(plant, host);
+    run.addBmkEntry(3, 0.25, false, 12);
+    run.addBmkEntry(-1, 1.23456789, true, 0);
+    run.addBmkEntry(4, 0.000001, false, 1);
+    EXPECT_EQ(host.steps.str(), "3 0.25 0 12\n-1 1.23457 1 0\n4 1e-06 0 1\n");
 }
 
-TEST_F(RegistryTest, LineOfTheTruthMaintenanceLogIsNumbered) {
-    Redirected log(DataManager::itms_stream, "itmsbench.bmk");
+TEST(Logs, LineOfAPropagationIsNumbered) {
+    KeepingHost host;
+    Plant const plant("logged");
+    DataManager run(plant, host);
     std::vector<char const*> const ids = {"m=on", "n=off"};
     std::vector<char const*> const none;
-    theRun().scheduler.addItmsBmkEntry(0.5, 3, &ids);
-    theRun().scheduler.addItmsBmkEntry(2.0, 0, &none);
-    EXPECT_EQ(log.content(), "0 0.5 3 m=on n=off \n1 2 0 \n");
-    EXPECT_EQ(theRun().scheduler.itms_calls, 2u);
+    run.addItmsBmkEntry(0.5, 3, &ids);
+    run.addItmsBmkEntry(2.0, 0, &none);
+    EXPECT_EQ(host.propagations.str(), "0 0.5 3 m=on n=off \n1 2 0 \n");
+    EXPECT_EQ(run.itms_calls, 2u);
 }
 
-// Starts this very program in *folder*, only to list its tests, with no standard output when told.
-// Returns its exit status.
+// Makes the console's host in *folder*, in a process of its own, with no standard output when told;
+// then a message is written there. Returns the exit status.
 int startIn(std::filesystem::path const& folder, bool withOutput) {
     pid_t const child = fork();
     if (child == 0) {
@@ -251,8 +236,11 @@ int startIn(std::filesystem::path const& folder, bool withOutput) {
         close(STDOUT_FILENO);
         if (withOutput)
             open("/dev/null", O_WRONLY);
-        execl("/proc/self/exe", "tests", "--gtest_list_tests", static_cast<char*>(nullptr));
-        _exit(127);
+        {
+            ConsoleHost host;
+            host.out() << "a message\n" << std::flush;
+        }
+        _exit(0);
     }
     int status = 0;
     waitpid(child, &status, 0);

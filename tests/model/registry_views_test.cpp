@@ -41,15 +41,15 @@ TEST_F(ViewsTest, ComponentsAsKeyAndName) {
 
 TEST_F(ViewsTest, OneComponentByName) {
     Comp* comp = component("T", {0.5});
-    std::string const expected = printed([&] { comp->showComp(); });
-    EXPECT_EQ(printed([] { theRun().scheduler.showComp("T"); }), expected);
+    std::string const expected = printed([&] { comp->showComp(std::cout, {}); });
+    EXPECT_EQ(printed([] { theRun().scheduler.showComp("T", {}); }), expected);
     EXPECT_NE(expected, "");
 }
 
 TEST_F(ViewsTest, UnknownComponentIsAWarningAndEntersNothing) {
     std::string const warning = "Warning.\n  ...component doesn't exist.\n";
     std::string output;
-    auto const ask = [&] { output = printed([] { theRun().scheduler.showComp("T"); }); };
+    auto const ask = [&] { output = printed([] { theRun().scheduler.showComp("T", {}); }); };
     EXPECT_EQ(complaint(ask), warning);
     EXPECT_EQ(output, "");
     EXPECT_EQ(thePlant().active_comps.size(), 0u);

@@ -9,6 +9,7 @@
 #include <string>
 #include <vector>
 
+#include "fixtures/the_run.h"
 #include "console/exchange.h"
 #include "fixtures/reference_model.h"
 #include "reasoning/scheduler_fixture.h"
@@ -30,34 +31,34 @@ inline std::string line(std::vector<double> const& values) {
 class PlantRun {
 public:
     // *search*: whether the bound search is on; a plant may ask for it in its influences.
-    explicit PlantRun(int search = 0) : before(env_opti) { env_opti = search; }
-    ~PlantRun() { env_opti = before; }
+    explicit PlantRun(int search = 0) : before(theRun().engine.env_opti) { theRun().engine.env_opti = search; }
+    ~PlantRun() { theRun().engine.env_opti = before; }
 
     void start(std::vector<double> const& inputs, std::vector<double> const& measures) {
         TextFile const inputFile(line(inputs)), measureFile(line(measures));
         dataIn = std::fopen(inputFile.path.c_str(), "r");
         measIn = std::fopen(measureFile.path.c_str(), "r");
-        streamsOf([] { tavro_initialize(1, 0.01, "", 0); });
+        streamsOf([] { tavro_initialize(theRun(), 1, 0.01, "", 0); });
         for (std::FILE** file : {&dataIn, &measIn}) {
             std::fclose(*file);
             *file = nullptr;
         }
-        initDispAll(hybNT->rt.get(), 250.0);
+        initDispAll(theRun().hybNT->rt.get(), 250.0);
     }
 
     // Answers whether a candidate agrees with the measures; in a simulation that means nothing.
     bool cycle(RunOptions const& options, double time, std::vector<double> const& inputs,
                std::vector<double> const& measures) {
         bool nominal = false;
-        inps = inputs;
-        meas = measures;
-        streamsOf([&] { tavro_doCycle(options, 0.0, time, nominal); });
+        theRun().engine.inps = inputs;
+        theRun().engine.meas = measures;
+        streamsOf([&] { tavro_doCycle(theRun(), options, 0.0, time, nominal); });
         return nominal;
     }
 
     static std::vector<s_runtime*> candidates() {
         std::vector<s_runtime*> runtimes;
-        for (auto const& entry : tracked_trajs)
+        for (auto const& entry : theRun().tracked_trajs)
             runtimes.push_back(entry.second->rt.get());
         return runtimes;
     }

@@ -105,8 +105,8 @@ protected:
 
     reasoning_fixture::Trace quiet;
     ErrorTrace errors;
-    Diagnoser diagnoser;
     SmallModel model;
+    Diagnoser& diagnoser = theRun().scheduler;
 
 private:
     std::map<Transition const*, std::string> names;

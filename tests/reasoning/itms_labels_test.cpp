@@ -92,7 +92,7 @@ TEST_F(ItmsElements, AValueThatItsVariableRefusedStopsNothing) {
     Atom refused(model.atom("m=on")->var, "purple", "c.m=purple");
     Clause odd(model.comps.at("c"));
     odd.addAtom(&refused, true);
-    TrajEl element(&refused, nullptr, nullptr, labelTrue);
+    TrajEl element(theRun().scheduler.book, &refused, nullptr, nullptr, labelTrue);
     TrajEl* entered = model.state()->addElt(&element, true);
     EXPECT_EQ(model.engine.getElt("c.m=purple", siteAt1()), nullptr);
     EXPECT_EQ(model.engine.checkForInternalConflicts(entered, model.site()), nullptr);

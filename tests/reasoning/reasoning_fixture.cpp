@@ -27,9 +27,16 @@ int count(std::string const& text, std::string const& part) {
     return found;
 }
 
-SmallModel::SmallModel() {
-    theRun().scheduler.states_cover.clear();
-    theRun().scheduler.itms_calls = 0;
+namespace {
+
+itms& newEngine() {
+    newPlant("small");
+    return theRun().scheduler;
+}
+
+}  // namespace
+
+SmallModel::SmallModel() : engine(newEngine()) {
     comp("c");
 }
 

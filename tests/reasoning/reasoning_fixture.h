@@ -129,7 +129,7 @@ public:
     static std::vector<std::string> words(std::string const& text);
 
     Trace trace;
-    itms engine;
+    itms& engine;
     std::unique_ptr<Trajectory> history;
     std::map<std::string, Comp*> comps;
     std::unique_ptr<State> refused;

@@ -76,15 +76,12 @@ inline std::unique_ptr<StateFormula> formulaOf(std::vector<Literal> const& liter
 class HandModel {
 public:
     HandModel() {
-        streamsOf([this] { scheduler = std::make_unique<Scheduler>("hand"); });
-        theRun().sMM = scheduler.get();
-        theRun().scheduler.discretemdl = false;
+        streamsOf([] { newPlant("hand"); });
+        scheduler = &theRun().scheduler;
     }
     ~HandModel() {
-        theRun().sMM = nullptr;
         traj.reset();
-        streamsOf([this] { scheduler.reset(); });
-        theRun().scheduler.discretemdl = false;
+        streamsOf([] { endPlant(); });
     }
     HandModel(HandModel const&) = delete;
 
@@ -161,7 +158,7 @@ public:
         return element != nullptr ? element->lock : -1;
     }
 
-    std::unique_ptr<Scheduler> scheduler;
+    Scheduler* scheduler;
     std::unique_ptr<Trajectory> traj;
     s_runtime rt;
 };

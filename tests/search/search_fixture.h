@@ -41,16 +41,11 @@ private:
 // registry of the model is one for the process.
 class Engine {
 public:
-    explicit Engine(char const* model) : scheduler(std::make_unique<Scheduler>(model)) {
-        theRun().sMM = scheduler.get();
-        theRun().scheduler.states_cover.clear();
-        theRun().scheduler.traj_cover = 0.0;
+    explicit Engine(char const* model) {
+        newPlant(model);
+        scheduler = &theRun().scheduler;
     }
-    ~Engine() {
-        theRun().sMM = nullptr;
-        scheduler.reset();
-        theRun().scheduler.discretemdl = false;
-    }
+    ~Engine() { endPlant(); }
     Engine(Engine const&) = delete;
 
     // Once the model is built: tracks one history, of the model's start.
@@ -65,7 +60,7 @@ public:
         scheduler->runSchD(scheduler_fixture::TextFile(lines).path);
     }
 
-    std::unique_ptr<Scheduler> scheduler;
+    Scheduler* scheduler;
 };
 
 }  // namespace search_fixture

@@ -10,7 +10,7 @@
 #include "trajectory/trajectory_fixture.h"
 
 using trajectory_fixture::formulaOf;
-using trajectory_fixture::History;
+using trajectory_fixture::PumpHistory;
 using trajectory_fixture::printed;
 using trajectory_fixture::Unit;
 
@@ -24,7 +24,7 @@ std::string const historyHead =
     "{\n\t\tnode [shape=plaintext];\n\t";
 std::string const endOfTimeLine = "}\n\tnode [ shape=ellipse, style=filled ];\n\t";
 
-class GraphTest : public testing::Test, protected History {
+class GraphTest : public testing::Test, protected PumpHistory {
 protected:
     // The modes of a component in the state of a step are as at the step before, but for the one
     // that ends and the one that begins.

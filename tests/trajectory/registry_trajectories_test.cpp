@@ -1,11 +1,11 @@
 // What the registry does with histories and states: comparing, printing, and its end.
-#include <cstdio>
+#include <sstream>
 
 #include "fixtures/the_run.h"
 #include "trajectory/trajectory_fixture.h"
 
-using trajectory_fixture::History;
-using trajectory_fixture::Plant;
+using trajectory_fixture::PumpHistory;
+using trajectory_fixture::PumpAndTank;
 using trajectory_fixture::printed;
 using trajectory_fixture::stateOf;
 using trajectory_fixture::Unit;
@@ -14,19 +14,19 @@ namespace {
 
 // ---- Comparing states ----
 
-class CompareStatesTest : public testing::Test, protected Plant {};
+class CompareStatesTest : public testing::Test, protected PumpAndTank {};
 
 TEST_F(CompareStatesTest, StatesAreEqualByIdsAndLabels) {
-    State const a(&atoms);
+    State const a(theRun().scheduler.book, &atoms);
     State const b(&a, false);
     EXPECT_TRUE(DataManager::compareTrajsStates(&a, &b)) << "locks and transitions play no part";
     EXPECT_TRUE(DataManager::compareTrajsStates(&a, &a));
-    State const none;
+    State const none{theRun().scheduler.book};
     EXPECT_TRUE(DataManager::compareTrajsStates(&none, &none));
 }
 
 TEST_F(CompareStatesTest, ADifferentLabelIsADifference) {
-    State const a(&atoms);
+    State const a(theRun().scheduler.book, &atoms);
     State const b(&a, true);
     b.getElt(pump.id("mode=on"))->setLabel(labelUnknown);
     EXPECT_FALSE(DataManager::compareTrajsStates(&a, &b));
@@ -34,7 +34,7 @@ TEST_F(CompareStatesTest, ADifferentLabelIsADifference) {
 }
 
 TEST_F(CompareStatesTest, AnElementMoreOnEitherSideIsADifference) {
-    State const a(&atoms);
+    State const a(theRun().scheduler.book, &atoms);
     auto const part = stateOf({&tank});
     EXPECT_FALSE(DataManager::compareTrajsStates(&a, part.get()));
     EXPECT_FALSE(DataManager::compareTrajsStates(part.get(), &a));
@@ -42,7 +42,7 @@ TEST_F(CompareStatesTest, AnElementMoreOnEitherSideIsADifference) {
 
 // ---- Comparing and viewing histories ----
 
-class CompareHistoriesTest : public testing::Test, protected Plant {
+class CompareHistoriesTest : public testing::Test, protected PumpAndTank {
 protected:
     // A history in the map whose step 1 is a copy of step 0, with the pump switched on if told.
     Trajectory* enter(double probability, bool switchedOn) {
@@ -120,24 +120,19 @@ TEST_F(CompareHistoriesTest, ViewsEveryHistoryInTheOrderOfTheMap) {
 
 // ---- Modes ----
 
-class PrintModesTest : public testing::Test, protected Plant {
+class PrintModesTest : public testing::Test, protected PumpAndTank {
 protected:
     static std::string modes(State const& state) {
-        std::FILE* stream = std::tmpfile();
-        DataManager::printModes(stream, &state);
-        std::rewind(stream);
-        std::string text;
-        for (int c = std::fgetc(stream); c != EOF; c = std::fgetc(stream))
-            text += static_cast<char>(c);
-        std::fclose(stream);
-        return text;
+        std::ostringstream stream;
+        DataManager::printModes(&stream, &state);
+        return stream.str();
     }
 };
 
 // Places of the ids: t.mode=high 85, p.mode=on 147, p.mode=dead 151. The numbers are the positions
 // of the values in their variables.
 TEST_F(PrintModesTest, TheNumbersOfTheModesThatHoldInTheOrderOfTheElements) {
-    State const state(&atoms);
+    State const state(theRun().scheduler.book, &atoms);
     EXPECT_EQ(modes(state), "0 0 \n");
     state.getElt(pump.id("mode=off"))->setLabel(labelFalse);
     state.getElt(pump.id("mode=dead"))->setLabel(labelTrue);
@@ -147,7 +142,7 @@ TEST_F(PrintModesTest, TheNumbersOfTheModesThatHoldInTheOrderOfTheElements) {
     state.getElt(tank.id("mode=low"))->setLabel(labelUnknown);
     state.getElt(tank.id("mode=high"))->setLabel(labelTrue);
     EXPECT_EQ(modes(state), "1 1 2 \n");
-    EXPECT_EQ(modes(State()), "\n");
+    EXPECT_EQ(modes(State(theRun().scheduler.book)), "\n");
 }
 
 TEST_F(PrintModesTest, OnlyModesAreNumbered) {
@@ -160,7 +155,7 @@ TEST_F(PrintModesTest, OnlyModesAreNumbered) {
 }
 
 TEST_F(PrintModesTest, NoStreamNoText) {
-    State const state(&atoms);
+    State const state(theRun().scheduler.book, &atoms);
     EXPECT_EQ(printed([&] { DataManager::printModes(nullptr, &state); }), "");
 }
 

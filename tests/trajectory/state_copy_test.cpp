@@ -1,15 +1,16 @@
 // Copies of states: what a full one takes over, what the other one starts anew.
+#include "fixtures/the_run.h"
 #include "model/Clause.h"
 #include "trajectory/trajectory_fixture.h"
 
-using trajectory_fixture::Plant;
+using trajectory_fixture::PumpAndTank;
 using trajectory_fixture::Unit;
 
 namespace {
 
-class StateCopyTest : public testing::Test, protected Plant {
+class StateCopyTest : public testing::Test, protected PumpAndTank {
 protected:
-    StateCopyTest() : clause(&pump.comp), source(&atoms) {
+    StateCopyTest() : clause(&pump.comp), source(theRun().scheduler.book, &atoms) {
         source.failCount = 2.0;
         source.cover = 0.5;
         source.proba = 0.25;
@@ -29,7 +30,7 @@ protected:
     TrajEl* elt(State const& state, char const* atom) const { return state.getElt(pump.id(atom)); }
 
     Clause clause;
-    State source;
+    State source{theRun().scheduler.book};
 };
 
 TEST_F(StateCopyTest, AFullCopyTakesTheFieldsOver) {

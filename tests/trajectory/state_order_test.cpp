@@ -47,12 +47,12 @@ protected:
     OneBucket() {
         unit.variable("v", {"bf", "ca", "d\\"});
         for (char const* value : {"v=bf", "v=ca", "v=d\\"})
-            entered.addElt(std::make_unique<TrajEl>(unit[value], nullptr, nullptr, "").get(),
+            entered.addElt(std::make_unique<TrajEl>(theRun().scheduler.book, unit[value], nullptr, nullptr, "").get(),
                            false);
     }
 
     Unit unit{"u"};
-    State entered;
+    State entered{theRun().scheduler.book};
 };
 
 TEST_F(OneBucket, TheLastOneEnteredIsWalkedFirst) {
@@ -72,7 +72,7 @@ TEST_F(OneBucket, EveryCopyTurnsTheOrderAround) {
 
 TEST_F(OneBucket, ATruncatedHistoryTurnsItAroundToo) {
     string_map<Atom*> const none;
-    Trajectory path(&none);
+    Trajectory path(theRun().scheduler.book, &none);
     path.addState(0, std::make_unique<State>(&entered, true));
     Trajectory const copy(&path, 1);
     EXPECT_EQ(walk(*copy.getState(0)), (Ids{"u.v=d\\", "u.v=ca", "u.v=bf"})) << "turned twice";
@@ -90,9 +90,9 @@ TEST(StateOrder, FollowsTheRuleWhenManyShareBuckets) {
     for (int i = 0; i < 150; ++i)
         values.push_back("value" + std::to_string(i * i));
     unit.variable("v", values);
-    State state;
+    State state{theRun().scheduler.book};
     for (std::string const& value : values) {
-        TrajEl const element(unit["v=" + value], nullptr, nullptr, "");
+        TrajEl const element(theRun().scheduler.book, unit["v=" + value], nullptr, nullptr, "");
         state.addElt(&element, false);
         ids.push_back("wide.v=" + value);
     }
@@ -135,7 +135,7 @@ TEST(StateOrder, OfTheRoomsInitialStateAndItsCopies) {
     for (auto const& entry : thePlant().active_atoms)
         registered.emplace_back(entry.first);
     EXPECT_EQ(registered, roomOrder(false));
-    State const initial(&thePlant().active_atoms);
+    State const initial(theRun().scheduler.book, &thePlant().active_atoms);
     EXPECT_EQ(walk(initial), roomOrder(true));
     State const copy(&initial, true);
     EXPECT_EQ(walk(copy), roomOrder(false));
@@ -153,7 +153,7 @@ TEST(StateOrder, OfTheRoomFollowsTheRule) {
                 named.push_back(literal.second->id);
     ASSERT_EQ(named.size(), 14u);
     Ids const registered = walkOfTable(named);
-    State const initial(&thePlant().active_atoms);
+    State const initial(theRun().scheduler.book, &thePlant().active_atoms);
     EXPECT_EQ(walk(initial), walkOfTable(registered));
     EXPECT_EQ(walk(State(&initial, true)), walkOfTable(walkOfTable(registered)));
 }

@@ -6,7 +6,7 @@
 using trajectory_fixture::emptyState;
 using trajectory_fixture::formulaOf;
 using trajectory_fixture::Literals;
-using trajectory_fixture::Plant;
+using trajectory_fixture::PumpAndTank;
 using trajectory_fixture::printed;
 using trajectory_fixture::stateOf;
 using trajectory_fixture::Unit;
@@ -14,7 +14,7 @@ using trajectory_fixture::Unit;
 namespace {
 
 TEST(StateStart, AnEmptyStateHasItsDefaults) {
-    State const state;
+    State const state{theRun().scheduler.book};
     EXPECT_TRUE(state.elts.empty());
     EXPECT_EQ(state.failCount, 0.0);
     EXPECT_EQ(state.cover, 0.0);
@@ -32,7 +32,7 @@ TEST(StateStart, AnEmptyStateHasItsDefaults) {
     EXPECT_TRUE(state.observations.empty());
 }
 
-class StateTest : public testing::Test, protected Plant {
+class StateTest : public testing::Test, protected PumpAndTank {
 protected:
     TrajEl* elt(State const& state, Unit const& unit, char const* atom) const {
         return state.getElt(unit.id(atom));
@@ -45,7 +45,7 @@ TEST_F(StateTest, TheInitialStateTakesLabelsAndSupportsOfTheAtoms) {
     Clause clause(&pump.comp);
     pump["mode=on"]->support = &clause;
     pump["mode=dead"]->setLabel(labelUnknown);
-    State const state(&atoms);
+    State const state(theRun().scheduler.book, &atoms);
     EXPECT_EQ(state.elts.size(), 5u);
     EXPECT_EQ(elt(state, pump, "mode=off")->label, "true");
     EXPECT_EQ(elt(state, pump, "mode=on")->label, "false");
@@ -61,7 +61,7 @@ TEST_F(StateTest, TheInitialStateTakesLabelsAndSupportsOfTheAtoms) {
 
 // Idle transitions have off, on, low and high; the guards of on and high do not hold.
 TEST_F(StateTest, TheInitialStateIsReachedByTheIdleTransitionsWhoseGuardsHold) {
-    State const state(&atoms);
+    State const state(theRun().scheduler.book, &atoms);
     EXPECT_EQ(elt(state, pump, "mode=off")->prevTrans, stayOff);
     EXPECT_EQ(elt(state, tank, "mode=low")->prevTrans, stayLow);
     EXPECT_EQ(elt(state, pump, "mode=on")->prevTrans, nullptr);
@@ -75,7 +75,7 @@ TEST_F(StateTest, TheInitialStateIsReachedByTheIdleTransitionsWhoseGuardsHold) {
 
 // 0.5 of the pump times 0.75 of the tank.
 TEST_F(StateTest, TheInitialStateIsAsProbableAsItsTransitions) {
-    State const state(&atoms);
+    State const state(theRun().scheduler.book, &atoms);
     EXPECT_EQ(state.prevTransProb, 0.375);
     EXPECT_EQ(state.proba, 0.375);
     EXPECT_EQ(state.cover, 0.0);
@@ -91,7 +91,7 @@ TEST_F(StateTest, TheInitialStateIsAsProbableAsItsTransitions) {
 // No transition keeps the pump dead, so its component is none that the state was given.
 TEST_F(StateTest, AComponentWithoutAnIdleTransitionThatHoldsIsNotEntered) {
     pump["mode=dead"]->set();
-    State const state(&atoms);
+    State const state(theRun().scheduler.book, &atoms);
     EXPECT_EQ(state.comps.count("p"), 0u);
     EXPECT_EQ(state.comps.count("t"), 1u);
     EXPECT_EQ(state.prevTransCount, 1);
@@ -102,7 +102,7 @@ TEST_F(StateTest, AComponentWithoutAnIdleTransitionThatHoldsIsNotEntered) {
 TEST_F(StateTest, AnIdleTransitionIsTakenOnlyWhenItsWholeGuardHolds) {
     pump["mode=off"]->idleTrans->pre->addAtom(tank["mode=high"], true);
     pump["mode=off"]->idleTrans->pre->setOperat("and");
-    State const state(&atoms);
+    State const state(theRun().scheduler.book, &atoms);
     EXPECT_EQ(elt(state, pump, "mode=off")->prevTrans, nullptr);
     EXPECT_EQ(state.prevTransCount, 1);
 }
@@ -111,7 +111,7 @@ TEST_F(StateTest, AnIdleTransitionIsTakenOnlyWhenItsWholeGuardHolds) {
 TEST_F(StateTest, AnIdleTransitionWithoutAGuardIsToldAndLeftOut) {
     pump["mode=off"]->idleTrans->pre = nullptr;
     testing::internal::CaptureStderr();
-    State const state(&atoms);
+    State const state(theRun().scheduler.book, &atoms);
     EXPECT_EQ(testing::internal::GetCapturedStderr(), std::string("the idle transition of ") +
                                                           pump["mode=off"]->getId() +
                                                           " has no guard or no component\n");
@@ -122,7 +122,7 @@ TEST_F(StateTest, AnIdleTransitionWithoutAGuardIsToldAndLeftOut) {
 // ---- Lookups and entries ----
 
 TEST_F(StateTest, LooksUpByTextAndEntersNothing) {
-    State const state(&atoms);
+    State const state(theRun().scheduler.book, &atoms);
     std::string const text = "p.mode=on";
     ASSERT_NE(state.getElt(text.c_str()), nullptr);
     EXPECT_EQ(state.getElt(text.c_str())->atom, pump["mode=on"]);
@@ -131,8 +131,8 @@ TEST_F(StateTest, LooksUpByTextAndEntersNothing) {
 }
 
 TEST_F(StateTest, AddEltEntersACopyThatKeepsItsLockAndTransitionOnlyWhenTold) {
-    State state;
-    TrajEl source(pump["mode=off"], stayOff, nullptr, labelTrue);
+    State state{theRun().scheduler.book};
+    TrajEl source(theRun().scheduler.book, pump["mode=off"], stayOff, nullptr, labelTrue);
     source.lock = LOCK_TRUE_PERM;
     source.propagationNumber = 5;
     TrajEl* free = state.addElt(&source, false);
@@ -151,9 +151,9 @@ TEST_F(StateTest, AddEltEntersACopyThatKeepsItsLockAndTransitionOnlyWhenTold) {
 // state.
 TEST_F(StateTest, AReplacedElementIsNotDestroyedBeforeTheState) {
     unsigned const deleted = theRun().scheduler.book.trajel_del;
-    TrajEl const source(pump["mode=off"], nullptr, nullptr, labelTrue);
+    TrajEl const source(theRun().scheduler.book, pump["mode=off"], nullptr, nullptr, labelTrue);
     {
-        State state;
+        State state{theRun().scheduler.book};
         TrajEl* first = state.addElt(&source, false);
         first->propagationNumber = 9;
         TrajEl* second = state.addElt(&source, false);
@@ -186,7 +186,7 @@ TEST_F(StateTest, RemovingAnElementTakesItOutOfAllConsequences) {
 }
 
 TEST_F(StateTest, SetsThePreviousTransitionByIdOrByElement) {
-    State const initial(&atoms);
+    State const initial(theRun().scheduler.book, &atoms);
     State state(&initial, false);
     state.setPrevTrans(pump.id("mode=on"), start);
     EXPECT_EQ(elt(state, pump, "mode=on")->prevTrans, start);
@@ -198,14 +198,14 @@ TEST_F(StateTest, SetsThePreviousTransitionByIdOrByElement) {
 
 TEST_F(StateTest, ClearDestroysTheElements) {
     unsigned const deleted = theRun().scheduler.book.trajel_del;
-    State state(&atoms);
+    State state(theRun().scheduler.book, &atoms);
     state.clear();
     EXPECT_TRUE(state.elts.empty());
     EXPECT_EQ(theRun().scheduler.book.trajel_del, deleted + 5);
 }
 
 TEST_F(StateTest, SetUnknownMarksTheState) {
-    State state;
+    State state{theRun().scheduler.book};
     state.setUnknown();
     EXPECT_TRUE(state.unknown);
 }
@@ -216,9 +216,9 @@ TEST_F(StateTest, StatesAndElementsAreCountedInAndOut) {
     unsigned const elements = theRun().scheduler.book.trajel_created;
     unsigned const elementsGone = theRun().scheduler.book.trajel_del;
     {
-        State const empty;
+        State const empty{theRun().scheduler.book};
         EXPECT_EQ(theRun().scheduler.book.state_created, states + 1);
-        State const initial(&atoms);
+        State const initial(theRun().scheduler.book, &atoms);
         EXPECT_EQ(theRun().scheduler.book.state_created, states + 2);
         State const copy(&initial, true);
         EXPECT_EQ(theRun().scheduler.book.state_created, states + 3);
@@ -234,7 +234,7 @@ TEST_F(StateTest, StatesAndElementsAreCountedInAndOut) {
 // ---- Locks ----
 
 TEST_F(StateTest, PermanentLocksFixWhatIsTrueAndItsSiblings) {
-    State const initial(&atoms);
+    State const initial(theRun().scheduler.book, &atoms);
     State state(&initial, false);
     EXPECT_FALSE(state.locked);
     state.lockStatePerm();
@@ -248,7 +248,7 @@ TEST_F(StateTest, PermanentLocksFixWhatIsTrueAndItsSiblings) {
 
 TEST_F(StateTest, PermanentLocksSkipElementsThatAreLockedAlready) {
     for (int const lock : {0, 1, 3, 4}) {
-        State const initial(&atoms);
+        State const initial(theRun().scheduler.book, &atoms);
         State state(&initial, false);
         elt(state, pump, "mode=off")->lock = lock;
         state.lockStatePerm();
@@ -259,7 +259,7 @@ TEST_F(StateTest, PermanentLocksSkipElementsThatAreLockedAlready) {
 }
 
 TEST_F(StateTest, PermanentLocksLeaveAVariableWithoutATrueElementFree) {
-    State const initial(&atoms);
+    State const initial(theRun().scheduler.book, &atoms);
     State state(&initial, false);
     elt(state, pump, "mode=off")->setLabel(labelUnknown);
     state.lockStatePerm();
@@ -271,7 +271,7 @@ TEST_F(StateTest, PermanentLocksLeaveAVariableWithoutATrueElementFree) {
 
 // A temporary lock of a sibling gives way to the permanent one.
 TEST_F(StateTest, PermanentLocksReplaceTheLocksOfSiblings) {
-    State const initial(&atoms);
+    State const initial(theRun().scheduler.book, &atoms);
     State state(&initial, false);
     elt(state, pump, "mode=on")->lock = LOCK_FALSE;
     state.lockStatePerm();
@@ -284,14 +284,14 @@ class FormulaTest : public StateTest {
 protected:
     // Whether a formula of these literals holds; the pump is off, the tank is low.
     bool holds(Literals const& literals, char const* operat) const {
-        State const ignored;
+        State const ignored{theRun().scheduler.book};
         return ignored.evalStateFormula(formulaOf(literals, operat).get(), &state);
     }
     std::pair<Atom*, bool> off(bool sign) const { return {pump["mode=off"], sign}; }
     std::pair<Atom*, bool> on(bool sign) const { return {pump["mode=on"], sign}; }
     std::pair<Atom*, bool> low(bool sign) const { return {tank["mode=low"], sign}; }
 
-    State const state{&atoms};
+    State const state{theRun().scheduler.book, &atoms};
 };
 
 TEST_F(FormulaTest, AConjunctionNeedsAllLiteralsAndADisjunctionOne) {
@@ -353,7 +353,7 @@ TEST_F(FormulaTest, ReadsTheStateGivenAndNotTheOneAsked) {
 // ---- Probabilities ----
 
 TEST_F(StateTest, ThePostProbabilityOfAnAbsentTransitionIsZeroAndEntersNothing) {
-    State state;
+    State state{theRun().scheduler.book};
     state.postProbs[start->id] = 0.25;
     EXPECT_EQ(state.getTransitionPostProb(start), 0.25);
     EXPECT_EQ(state.getTransitionPostProb(fill), 0.0);
@@ -361,7 +361,7 @@ TEST_F(StateTest, ThePostProbabilityOfAnAbsentTransitionIsZeroAndEntersNothing) 
 }
 
 TEST_F(StateTest, EqualPostProbabilitiesStandInFrontOfOneAnother) {
-    State state;
+    State state{theRun().scheduler.book};
     int id = 0;
     for (double const probability : {0.5, 0.25, 0.5, 0.75, 0.25})
         state.sortedPostProbs.insert({probability, id++});
@@ -372,7 +372,7 @@ TEST_F(StateTest, EqualPostProbabilitiesStandInFrontOfOneAnother) {
 }
 
 TEST_F(StateTest, TheProbabilityOfTheTransitionsInIsTheirProduct) {
-    State const initial(&atoms);
+    State const initial(theRun().scheduler.book, &atoms);
     State state(&initial, false);
     state.computePrevTransProb();
     EXPECT_EQ(state.prevTransProb, 1.0) << "without transitions";
@@ -385,7 +385,7 @@ TEST_F(StateTest, TheProbabilityOfTheTransitionsInIsTheirProduct) {
 }
 
 TEST_F(StateTest, TheGuardOfTheTransitionsInIsTheProductOfTheirPostProbabilities) {
-    State const initial(&atoms);
+    State const initial(theRun().scheduler.book, &atoms);
     State state(&initial, false);
     state.prevTransProb = 0.625;
     EXPECT_EQ(state.computePrevTransGuard(), 1.0);
@@ -400,7 +400,7 @@ TEST_F(StateTest, TheGuardOfTheTransitionsInIsTheProductOfTheirPostProbabilities
 
 // Transition 2 leaves two elements and counts once; null entries count nothing.
 TEST_F(StateTest, TheGuardOfTheTransitionsOutCountsEachOnce) {
-    State const initial(&atoms);
+    State const initial(theRun().scheduler.book, &atoms);
     State state(&initial, false);
     EXPECT_EQ(state.computeNextTransGuard(), 1.0);
     start->guardProba = 0.5;
@@ -416,7 +416,7 @@ TEST_F(StateTest, ShowsItsElementsInOneLineEach) {
     Unit unit("u");
     unit.variable("mode", {"only"});
     string_map<Atom*> const only = trajectory_fixture::atomsOf({&unit});
-    State state(&only);
+    State state(theRun().scheduler.book, &only);
     state.proba = 0.25;
     state.cover = 0.125;
     state.getElt(unit.id("mode=only"))->propagationNumber = 4;
@@ -428,14 +428,14 @@ TEST_F(StateTest, ShowsItsElementsInOneLineEach) {
 }
 
 TEST_F(StateTest, ShowsItselfInFullAsItsElementsInFull) {
-    State const state(&atoms);
+    State const state(theRun().scheduler.book, &atoms);
     std::string expected;
     for (auto const& entry : state.elts)
         expected += printed([&] { entry.second->showTrajEl(std::cout, true); });
     EXPECT_EQ(printed([&] { state.showFullState(std::cout); }), expected);
     EXPECT_NE(expected.find("p.mode=off --> [1]\n"), std::string::npos);
-    EXPECT_EQ(printed([] { State().showFullState(std::cout); }), "");
-    EXPECT_EQ(printed([] { State().showState(std::cout); }), "proba : 0\ncover : 0\n");
+    EXPECT_EQ(printed([] { State(theRun().scheduler.book).showFullState(std::cout); }), "");
+    EXPECT_EQ(printed([] { State(theRun().scheduler.book).showState(std::cout); }), "proba : 0\ncover : 0\n");
 }
 
 }  // namespace

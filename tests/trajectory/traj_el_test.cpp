@@ -3,20 +3,20 @@
 #include "model/Clause.h"
 #include "trajectory/trajectory_fixture.h"
 
-using trajectory_fixture::Plant;
+using trajectory_fixture::PumpAndTank;
 using trajectory_fixture::printed;
 
 namespace {
 
 TrajEl::Transitions const none;
 
-class TrajElTest : public testing::Test, protected Plant {
+class TrajElTest : public testing::Test, protected PumpAndTank {
 protected:
-    TrajEl off{pump["mode=off"], nullptr, nullptr, labelTrue};
+    TrajEl off{theRun().scheduler.book, pump["mode=off"], nullptr, nullptr, labelTrue};
 };
 
 TEST(TrajElStart, IsEmptyFreeAndUnbound) {
-    TrajEl const element;
+    TrajEl const element{theRun().scheduler.book};
     EXPECT_EQ(element.atom, nullptr);
     EXPECT_EQ(element.prevTime, 0);
     EXPECT_EQ(element.prevTrans, nullptr);
@@ -33,7 +33,7 @@ TEST(TrajElStart, IsEmptyFreeAndUnbound) {
 
 TEST_F(TrajElTest, TakesAtomTransitionLabelAndTheNextTransitionsThatAreThere) {
     TrajEl::Transitions const next{{0, nullptr}, {2, start}, {7, nullptr}};
-    TrajEl const element(pump["mode=off"], stayOff, &next, labelUnknown);
+    TrajEl const element(theRun().scheduler.book, pump["mode=off"], stayOff, &next, labelUnknown);
     EXPECT_EQ(element.atom, pump["mode=off"]);
     EXPECT_EQ(element.prevTrans, stayOff);
     EXPECT_EQ(element.nextTrans, (TrajEl::Transitions{{2, start}}));
@@ -49,7 +49,7 @@ TEST_F(TrajElTest, TakesAtomTransitionLabelAndTheNextTransitionsThatAreThere) {
 
 TEST_F(TrajElTest, CopyTakesEverythingButTheConsequences) {
     Clause clause(&pump.comp);
-    TrajEl other;
+    TrajEl other{theRun().scheduler.book};
     off.prevTime = 3;
     off.prevTrans = stayOff;
     off.index = 8;
@@ -80,11 +80,11 @@ TEST_F(TrajElTest, EveryConstructionAndDestructionIsCounted) {
     unsigned const created = theRun().scheduler.book.trajel_created;
     unsigned const deleted = theRun().scheduler.book.trajel_del;
     {
-        TrajEl const empty;
+        TrajEl const empty{theRun().scheduler.book};
         EXPECT_EQ(theRun().scheduler.book.trajel_created, created + 1);
         TrajEl const copy(&off);
         EXPECT_EQ(theRun().scheduler.book.trajel_created, created + 2);
-        TrajEl const made(off.atom, nullptr, &none, labelTrue);
+        TrajEl const made(theRun().scheduler.book, off.atom, nullptr, &none, labelTrue);
         EXPECT_EQ(theRun().scheduler.book.trajel_created, created + 3);
         EXPECT_EQ(theRun().scheduler.book.trajel_del, deleted);
     }
@@ -103,8 +103,8 @@ TEST_F(TrajElTest, AnswersThroughItsAtom) {
 }
 
 TEST_F(TrajElTest, IsEqualByAtomAlone) {
-    TrajEl const same(pump["mode=off"], stayOff, nullptr, labelFalse);
-    TrajEl const sibling(pump["mode=on"], nullptr, nullptr, labelTrue);
+    TrajEl const same(theRun().scheduler.book, pump["mode=off"], stayOff, nullptr, labelFalse);
+    TrajEl const sibling(theRun().scheduler.book, pump["mode=on"], nullptr, nullptr, labelTrue);
     EXPECT_TRUE(off.eq(same));
     EXPECT_FALSE(off.eq(sibling));
 }
@@ -116,7 +116,7 @@ TEST_F(TrajElTest, HoldsOnlyWithTheLabelTrue) {
     EXPECT_FALSE(off.evalTrajEl());
     off.setLabel(labelFalse);
     EXPECT_FALSE(off.evalTrajEl());
-    EXPECT_FALSE(TrajEl().evalTrajEl());
+    EXPECT_FALSE(TrajEl(theRun().scheduler.book).evalTrajEl());
 }
 
 TEST_F(TrajElTest, LocksHoldAtTrueOrAtFalse) {
@@ -196,7 +196,7 @@ TEST_F(TrajElTest, ShowsTheIdOrTheWholeAtomOfThisStep) {
               "label : true\n"
               "propagation number : 12\n"
               "lock : 3\n");
-    TrajEl const on(pump["mode=on"], nullptr, nullptr, labelUnknown);
+    TrajEl const on(theRun().scheduler.book, pump["mode=on"], nullptr, nullptr, labelUnknown);
     EXPECT_EQ(printed([&] { on.showAtom(std::cout, true); }),
               "--- Atom n\xb0# ---\n"
               "p.mode=on --> [0]\n"

@@ -4,13 +4,13 @@
 
 using trajectory_fixture::atomsOf;
 using trajectory_fixture::emptyState;
-using trajectory_fixture::History;
+using trajectory_fixture::PumpHistory;
 using trajectory_fixture::printed;
 using trajectory_fixture::Unit;
 
 namespace {
 
-class CompTest : public testing::Test, protected History {
+class CompTest : public testing::Test, protected PumpHistory {
 protected:
     CompTest() { addEmpty(2); }
 
@@ -53,7 +53,7 @@ TEST_F(CompTest, TakesTheNewestElementsFromBeforeTheStep) {
 }
 
 TEST_F(CompTest, TheStateNeedNotBelongToTheHistory) {
-    State loose;
+    State loose{theRun().scheduler.book};
     printed([&] { path.addComp(&pump.comp, &loose, 2, false, false); });
     EXPECT_EQ(loose.elts.size(), 3u);
     EXPECT_TRUE(path.getState(2)->elts.empty());
@@ -237,7 +237,7 @@ TEST_F(CompTest, OnlyAModeThatHoldsTakesTheIdleTransition) {
     Unit unit("u");
     unit.variable<CommandVar>("cmd", {"none", "go"});
     unit["cmd=none"]->idleTrans = stayOff;
-    TrajEl none(unit["cmd=none"], nullptr, nullptr, labelTrue);
+    TrajEl none(theRun().scheduler.book, unit["cmd=none"], nullptr, nullptr, labelTrue);
     path.insertElt(&none, 2, false);
     EXPECT_EQ(none.prevTrans, nullptr) << "a command is no mode";
     path.getState(2)->removeElt(unit.id("cmd=none"));

@@ -57,11 +57,11 @@ std::unique_ptr<State> emptyState() {
 
 std::unique_ptr<State> stateOf(std::initializer_list<Unit const*> units) {
     string_map<Atom*> const atoms = atomsOf(units);
-    State const initial(&atoms);
+    State const initial(theRun().scheduler.book, &atoms);
     return std::make_unique<State>(&initial, false);
 }
 
-Plant::Plant() {
+PumpAndTank::PumpAndTank() {
     pump.variable("mode", {"off", "on", "dead"});
     tank.variable("mode", {"low", "high"});
     stayOff = pump.stay(0, "mode=off", 0.5);
@@ -74,7 +74,7 @@ Plant::Plant() {
     atoms = atomsOf({&pump, &tank});
 }
 
-State* History::addEmpty() {
+State* PumpHistory::addEmpty() {
     auto state = emptyState();
     State* added = state.get();
     testing::internal::CaptureStdout();
@@ -84,7 +84,7 @@ State* History::addEmpty() {
     return added;
 }
 
-void History::addEmpty(int count) {
+void PumpHistory::addEmpty(int count) {
     for (int i = 0; i < count; ++i)
         addEmpty();
 }

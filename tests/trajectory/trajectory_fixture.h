@@ -14,6 +14,7 @@
 #include <utility>
 #include <vector>
 
+#include "fixtures/the_run.h"
 #include "model/CommandVar.h"
 #include "model/Comprt.h"
 #include "model/CondVarrt.h"
@@ -85,8 +86,8 @@ std::unique_ptr<State> stateOf(std::initializer_list<Unit const*> units);
 
 // Two components of one mode each: a pump "p" with the modes off, on, dead, and a tank "t" with the
 // modes low, high. The pump's off and on and the tank's low and high have idle transitions.
-struct Plant {
-    Plant();
+struct PumpAndTank {
+    PumpAndTank();
 
     Unit pump{"p"};
     Unit tank{"t"};
@@ -96,9 +97,9 @@ struct Plant {
 };
 
 // A history of the plant from its initial state, without the trace of what is added to it.
-class History : public Plant {
+class PumpHistory : public PumpAndTank {
 public:
-    History() : path(&atoms) {}
+    PumpHistory() : path(theRun().scheduler.book, &atoms) {}
 
     // Adds a state without elements at the next step, with the time 10 * step.
     State* addEmpty();

@@ -1,13 +1,13 @@
 // Times, probabilities and covers of a history.
 #include "trajectory/trajectory_fixture.h"
 
-using trajectory_fixture::History;
-using trajectory_fixture::Plant;
+using trajectory_fixture::PumpHistory;
+using trajectory_fixture::PumpAndTank;
 using trajectory_fixture::printed;
 
 namespace {
 
-class ProbabilityTest : public testing::Test, protected History {
+class ProbabilityTest : public testing::Test, protected PumpHistory {
 protected:
     // Puts the elements of a component into the state of a step.
     void extend(Comp& comp, int t) {

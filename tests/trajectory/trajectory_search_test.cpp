@@ -1,13 +1,13 @@
 // Searching a history for the newest truth of an atom.
 #include "trajectory/trajectory_fixture.h"
 
-using trajectory_fixture::History;
+using trajectory_fixture::PumpHistory;
 using trajectory_fixture::printed;
 
 namespace {
 
 // Both components at step 0; the pump again at steps 2 and 5; seven steps in all when *moved*.
-class SearchTest : public testing::Test, protected History {
+class SearchTest : public testing::Test, protected PumpHistory {
 protected:
     SearchTest() {
         addEmpty(2);

@@ -4,12 +4,12 @@
 // t.mode=low 65, t.mode=high 85, p.mode=on 147, p.mode=dead 151.
 #include "trajectory/trajectory_fixture.h"
 
-using trajectory_fixture::History;
+using trajectory_fixture::PumpHistory;
 using trajectory_fixture::printed;
 
 namespace {
 
-class ViewTest : public testing::Test, protected History {};
+class ViewTest : public testing::Test, protected PumpHistory {};
 
 std::string const initialElements =
     "p.mode=off --true (0)  -- 2\n"

@@ -3,19 +3,19 @@
 #include "trajectory/trajectory_fixture.h"
 
 using trajectory_fixture::emptyState;
-using trajectory_fixture::History;
-using trajectory_fixture::Plant;
+using trajectory_fixture::PumpHistory;
+using trajectory_fixture::PumpAndTank;
 using trajectory_fixture::printed;
 using trajectory_fixture::Unit;
 
 namespace {
 
-class WindowTest : public testing::Test, protected History {
+class WindowTest : public testing::Test, protected PumpHistory {
 protected:
     // A state in which the pump has just died.
     std::unique_ptr<State> failure() const {
         auto state = emptyState();
-        TrajEl const dead(pump["mode=dead"], nullptr, nullptr, labelTrue);
+        TrajEl const dead(theRun().scheduler.book, pump["mode=dead"], nullptr, nullptr, labelTrue);
         state->addElt(&dead, false)->prevTrans = die;
         return state;
     }
@@ -82,7 +82,7 @@ TEST_F(WindowTest, HistoriesAndTheirStatesAreCountedInAndOut) {
     unsigned const elements = theRun().scheduler.book.trajel_created;
     unsigned const elementsGone = theRun().scheduler.book.trajel_del;
     {
-        Trajectory other(&atoms);
+        Trajectory other(theRun().scheduler.book, &atoms);
         other.addState(1, failure());
         other.addCopyState(2, other.getState(1), true);
         Trajectory const copy(&other, 2);
@@ -215,7 +215,7 @@ TEST_F(WindowTest, AStateMayBeReplacedByACopyOfItself) {
 TEST_F(WindowTest, ACopyOfAnUnknownStateMakesTheHistoryUnknown) {
     path.addCopyState(1, path.getState(0), true);
     EXPECT_FALSE(path.isUnknown());
-    State source;
+    State source{theRun().scheduler.book};
     source.setUnknown();
     path.addCopyState(2, &source, false);
     EXPECT_TRUE(path.isUnknown());
@@ -227,7 +227,7 @@ TEST_F(WindowTest, TheRankOfAStateIsTheNumberOfItsFailures) {
     EXPECT_EQ(path.getStateRank(path.getState(0)), 0.0) << "two nominal transitions";
     EXPECT_EQ(path.getStateRank(failure().get()), 1.0);
     auto const twice = failure();
-    TrajEl const off(pump["mode=off"], nullptr, nullptr, labelFalse);
+    TrajEl const off(theRun().scheduler.book, pump["mode=off"], nullptr, nullptr, labelFalse);
     twice->addElt(&off, false)->prevTrans = die;
     EXPECT_EQ(path.getStateRank(twice.get()), 2.0);
     EXPECT_EQ(path.getStateRank(emptyState().get()), 0.0);
@@ -253,10 +253,10 @@ TEST_F(WindowTest, TheFoldComesBeforeTheRankInOneAdditionAndAfterItInTheOther) {
     theRun().scheduler.book.twd = 1;
     stayOff->type = transFail;
     printed([&] {
-        Trajectory added(&atoms);
+        Trajectory added(theRun().scheduler.book, &atoms);
         added.addState(1, emptyState());
         EXPECT_EQ(added.rank, 1.0);
-        Trajectory copied(&atoms);
+        Trajectory copied(theRun().scheduler.book, &atoms);
         copied.addCopyState(1, emptyState().get(), false);
         EXPECT_EQ(copied.rank, 0.0);
         EXPECT_EQ(copied.getState(1)->getElt(pump.id("mode=off"))->prevTrans, stayOff);

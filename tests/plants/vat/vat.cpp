@@ -18,7 +18,6 @@
 
 #include "continuous/model_parts.h"
 #include "continuous/sorn-runt.h"
-#include "hybrid/tavro-runt.h"
 #include "model/CommandVar.h"
 #include "model/Comprt.h"
 #include "model/CondVarrt.h"
@@ -27,15 +26,11 @@
 #include "model/labels.h"
 #include "model/transitionParts.h"
 #include "reasoning/Scheduler.h"
-#include "reasoning/compiled_model.h"
-
-std::string model_name = "vat";
+#include "run/compiled_model.h"
 
 namespace {
 
 constexpr int window = 40;
-
-std::unique_ptr<s_runtime> runtime;
 
 s_Objet closed(double inf, double sup) {
     return makeRange(inf, sup, 1, 1);
@@ -66,7 +61,7 @@ s_Expr* combined(s_runtime& rt, expressionOp op, s_Expr* left, s_Expr* right) {
 
 class Vat {
 public:
-    Vat(Comp* comp, s_runtime& rt) : comp(comp), rt(rt) {
+    Vat(Plant& plant, Comp* comp, s_runtime& rt) : plant(plant), comp(comp), rt(rt) {
         addDiscreteSide();
         addVariables();
         addConditions();
@@ -109,6 +104,7 @@ private:
     void map(Transition* transition, s_Condition* guard, s_Variable* target, s_Expr* value);
     void addMappings();
 
+    Plant& plant;
     Comp* comp;
     s_runtime& rt;
     Atom *filling, *draining, *low, *mid, *high;
@@ -150,9 +146,9 @@ void Vat::addDiscreteSide() {
     toDraining = add({{filling, true}, {high, true}}, draining, false);
     toFilling = add({{draining, true}, {low, true}}, filling, false);
     byCommand = add({{dump, true}, {filling, true}}, draining, false);
-    addExclusiveChoice(command);
-    addExclusiveChoice(space);
-    addExclusiveChoice(mode);
+    addExclusiveChoice(plant, command);
+    addExclusiveChoice(plant, space);
+    addExclusiveChoice(plant, mode);
 }
 
 void Vat::addVariables() {
@@ -385,10 +381,12 @@ void Vat::addMappings() {
     map(toFilling, nullptr, x, leaf(rt, gx));
 }
 
+void startinit(Scheduler* scheduler) {
+    auto runtime = std::make_shared<s_runtime>();
+    Vat(scheduler->building(), scheduler->addComp(std::make_unique<Comp>("vat")), *runtime);
+    scheduler->building().tavro_rt = std::move(runtime);
+}
+
 }  // namespace
 
-void startinit(Scheduler* scheduler) {
-    runtime = std::make_unique<s_runtime>();
-    Vat(scheduler->addComp(std::make_unique<Comp>("vat")), *runtime);
-    tavro_rt = runtime.get();
-}
+extern CompiledModel const vat_model{"vat", startinit};

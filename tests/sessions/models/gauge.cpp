@@ -2,27 +2,22 @@
 // is open. Nothing moves its modes, and the two are asked for together: a misbehaviour accuses no
 // atom, so there is no diagnosis.
 #include "continuous/model_parts.h"
-#include "hybrid/tavro-runt.h"
 #include "model/Comprt.h"
 #include "model/ModeVarrt.h"
 #include "model/exclusiveChoice.h"
 #include "reasoning/Scheduler.h"
-#include "reasoning/compiled_model.h"
-
-std::string model_name = "gauge";
+#include "run/compiled_model.h"
 
 namespace {
 
-std::unique_ptr<s_runtime> runtime;
-
 // A mode of the plant that holds from the start. *key* and *otherKey* are string literals.
-Atom* holdingMode(Comp* plant, char const* variable, char const* value, char const* key,
+Atom* holdingMode(Plant& model, Comp* plant, char const* variable, char const* value, char const* key,
                   char const* otherKey) {
     ModeVar* mode = plant->addStateVar(
         std::make_unique<ModeVar>(variable, std::set<std::string>{value, "lost"}, value, plant));
     Atom* atom = plant->newAtom(key, mode, value);
     plant->newAtom(otherKey, mode, "lost");
-    addExclusiveChoice(mode);
+    addExclusiveChoice(model, mode);
     return atom;
 }
 
@@ -47,13 +42,16 @@ void buildContinuousSide(s_runtime& rt, Atom* powered, Atom* open) {
     rt.twc = 20;
 }
 
+void startinit(Scheduler* scheduler) {
+    auto runtime = std::make_shared<s_runtime>();
+    Plant& model = scheduler->building();
+    Comp* plant = scheduler->addComp(std::make_unique<Comp>("plant"));
+    Atom* powered = holdingMode(model, plant, "plant.power", "on", "plant_power_on", "plant_power_lost");
+    Atom* open = holdingMode(model, plant, "plant.valve", "open", "plant_valve_open", "plant_valve_lost");
+    buildContinuousSide(*runtime, powered, open);
+    scheduler->building().tavro_rt = std::move(runtime);
+}
+
 }  // namespace
 
-void startinit(Scheduler* scheduler) {
-    runtime = std::make_unique<s_runtime>();
-    Comp* plant = scheduler->addComp(std::make_unique<Comp>("plant"));
-    Atom* powered = holdingMode(plant, "plant.power", "on", "plant_power_on", "plant_power_lost");
-    Atom* open = holdingMode(plant, "plant.valve", "open", "plant_valve_open", "plant_valve_lost");
-    buildContinuousSide(*runtime, powered, open);
-    tavro_rt = runtime.get();
-}
+extern CompiledModel const gauge_model{"gauge", startinit};

@@ -1,6 +1,5 @@
 // A lamp with a button: the smallest model with no continuous side. It is for the roads that the
 // console takes without a runtime.
-#include "hybrid/tavro-runt.h"
 #include "model/CommandVar.h"
 #include "model/Comprt.h"
 #include "model/ModeVarrt.h"
@@ -8,14 +7,12 @@
 #include "model/labels.h"
 #include "model/transitionParts.h"
 #include "reasoning/Scheduler.h"
-#include "reasoning/compiled_model.h"
-
-std::string model_name = "lamp";
+#include "run/compiled_model.h"
 
 namespace {
 
 // The button turns the lamp on, and it stays on.
-void buildLamp(Comp* lamp) {
+void buildLamp(Plant& plant, Comp* lamp) {
     CommandVar* button = lamp->addStateVar(std::make_unique<CommandVar>(
         "lamp.button", std::set<std::string>{"none", "press"}, "none", lamp));
     lamp->newAtom("lamp_button_none", button, "none");
@@ -27,13 +24,14 @@ void buildLamp(Comp* lamp) {
     lamp->commands = {button};
     lamp->addTransitionToC(
         mkTransition({{press, true}, {off, true}}, "and", on, transNominal, 1.0, false));
-    addExclusiveChoice(button);
-    addExclusiveChoice(mode);
+    addExclusiveChoice(plant, button);
+    addExclusiveChoice(plant, mode);
+}
+
+void startinit(Scheduler* scheduler) {
+    buildLamp(scheduler->building(), scheduler->addComp(std::make_unique<Comp>("lamp")));
 }
 
 }  // namespace
 
-void startinit(Scheduler* scheduler) {
-    buildLamp(scheduler->addComp(std::make_unique<Comp>("lamp")));
-    tavro_rt = nullptr;
-}
+extern CompiledModel const lamp_model{"lamp", startinit};

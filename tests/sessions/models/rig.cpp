@@ -16,7 +16,6 @@
 #include <cfloat>
 
 #include "continuous/model_parts.h"
-#include "hybrid/tavro-runt.h"
 #include "model/CommandVar.h"
 #include "model/Comprt.h"
 #include "model/ModeVarrt.h"
@@ -24,16 +23,12 @@
 #include "model/labels.h"
 #include "model/transitionParts.h"
 #include "reasoning/Scheduler.h"
-#include "reasoning/compiled_model.h"
-
-std::string model_name = "rig";
+#include "run/compiled_model.h"
 
 namespace {
 
 constexpr int window = 20;
 constexpr double pi = 3.14159265358979323846;
-
-std::unique_ptr<s_runtime> runtime;
 
 s_Objet number(double value) {
     return makeReal(value);
@@ -45,7 +40,7 @@ s_Objet between(double inf, double sup) {
 
 // The drive is free, or held by its brake.
 struct Drive {
-    explicit Drive(Comp* rig) {
+    Drive(Plant& plant, Comp* rig) {
         command = rig->addStateVar(std::make_unique<CommandVar>(
             "rig.cmd", std::set<std::string>{"none", "hold", "let"}, "none", rig));
         rig->newAtom("rig_cmd_none", command, "none");
@@ -60,8 +55,8 @@ struct Drive {
         addMove(rig, {{held, true}}, held, true);
         addMove(rig, {{hold, true}, {free, true}}, held, false);
         addMove(rig, {{let, true}, {held, true}}, free, false);
-        addExclusiveChoice(command);
-        addExclusiveChoice(mode);
+        addExclusiveChoice(plant, command);
+        addExclusiveChoice(plant, mode);
     }
 
     static void addMove(Comp* rig, std::vector<std::pair<Atom*, bool>> const& guard, Atom* to,
@@ -220,15 +215,17 @@ void Builder::lists() {
     rt.twc = window;
 }
 
-}  // namespace
-
 void startinit(Scheduler* scheduler) {
-    runtime = std::make_unique<s_runtime>();
-    Drive const drive(scheduler->addComp(std::make_unique<Comp>("rig")));
+    auto runtime = std::make_shared<s_runtime>();
+    Drive const drive(scheduler->building(), scheduler->addComp(std::make_unique<Comp>("rig")));
     Builder builder(*runtime, drive);
     builder.inputs();
     builder.numbers();
     builder.intervals();
     builder.lists();
-    tavro_rt = runtime.get();
+    scheduler->building().tavro_rt = std::move(runtime);
 }
+
+}  // namespace
+
+extern CompiledModel const rig_model{"rig", startinit};

@@ -1,16 +1,11 @@
 // A mixing tap: out of it comes twice what goes in hot, and three times what goes in cold. A model
 // with inputs, one display and no measure, for the roads that the reference model does not take.
 #include "continuous/model_parts.h"
-#include "hybrid/tavro-runt.h"
 #include "model/Comprt.h"
 #include "reasoning/Scheduler.h"
-#include "reasoning/compiled_model.h"
-
-std::string model_name = "tap";
+#include "run/compiled_model.h"
 
 namespace {
-
-std::unique_ptr<s_runtime> runtime;
 
 void buildContinuousSide(s_runtime& rt) {
     s_Variable* hot = mkVariable(rt, "tap.hot", 300);
@@ -32,11 +27,13 @@ void buildContinuousSide(s_runtime& rt) {
     rt.twc = 300;
 }
 
-}  // namespace
-
 void startinit(Scheduler* scheduler) {
-    runtime = std::make_unique<s_runtime>();
+    auto runtime = std::make_shared<s_runtime>();
     scheduler->addComp(std::make_unique<Comp>("tap"));
     buildContinuousSide(*runtime);
-    tavro_rt = runtime.get();
+    scheduler->building().tavro_rt = std::move(runtime);
 }
+
+}  // namespace
+
+extern CompiledModel const tap_model{"tap", startinit};

@@ -29,7 +29,6 @@
 #include <cfloat>
 
 #include "continuous/model_parts.h"
-#include "hybrid/tavro-runt.h"
 #include "model/Comprt.h"
 #include "model/CondVarrt.h"
 #include "model/ModeVarrt.h"
@@ -37,16 +36,12 @@
 #include "model/labels.h"
 #include "model/transitionParts.h"
 #include "reasoning/Scheduler.h"
-#include "reasoning/compiled_model.h"
-
-std::string model_name = "works";
+#include "run/compiled_model.h"
 
 namespace {
 
 constexpr int window = 40;     // cycles that the runtime can be moved back by
 constexpr int condWindow = 8;  // more than the longest delay of a suspect
-
-std::unique_ptr<s_runtime> runtime;
 
 // A component with one mode that works, by an idle move or for good, until it fails.
 struct Device {
@@ -62,7 +57,7 @@ Device makeDevice(Scheduler* scheduler, s_runtime& rt, std::string const& name,
         name + ".mode", std::set<std::string>{value, "failed"}, value, comp));
     Device device{comp->newAtom(key, mode, value), comp->newAtom(failedKey, mode, "failed"),
                   nullptr, nullptr};
-    addExclusiveChoice(mode);
+    addExclusiveChoice(scheduler->building(), mode);
     auto const add = [comp](Atom* from, Atom* to, char const* type, double proba, bool idle) {
         comp->addTransitionToC(mkTransition({{from, true}}, "", to, type, proba, idle));
     };
@@ -142,14 +137,14 @@ struct Ranges {
     Atom *low, *middle, *high;
 };
 
-Ranges makeRanges(Comp* tank, s_runtime& rt, s_Variable* level) {
+Ranges makeRanges(Plant& plant, Comp* tank, s_runtime& rt, s_Variable* level) {
     s_Objet const below = makeRange(-DBL_MAX, 0.0, 1, 0), from = makeRange(0.0, DBL_MAX, 1, 1);
     CondVar* range = tank->addStateVar(std::make_unique<CondVar>(
         "tank.range", std::set<std::string>{"low", "middle", "high"}, "middle", tank));
     Ranges const atoms{tank->newAtom("tank_low", range, "low"),
                        tank->newAtom("tank_middle", range, "middle"),
                        tank->newAtom("tank_high", range, "high")};
-    addExclusiveChoice(range);
+    addExclusiveChoice(plant, range);
     s_GVar* value = mkConstraintVar(rt, level, makeReal(0.0));
     rt.gV = {value};
     rt.aC = {mkSpace(rt, value, 2.0, below), mkSpace(rt, value, 2.0, from),
@@ -176,12 +171,12 @@ void buildTank(Scheduler* scheduler, s_runtime& rt) {
     s_Variable* level = mkVariable(rt, "tank.level", window);
     s_Variable* meter = mkVariable(rt, "tank.meter", window);
     s_Variable* supply = mkParameter(rt, "tank.supply", 1.0, window);
-    Ranges const range = makeRanges(tank, rt, level);
+    Ranges const range = makeRanges(scheduler->building(), tank, rt, level);
     ModeVar* mode = tank->addStateVar(std::make_unique<ModeVar>(
         "tank.valve", std::set<std::string>{"shut", "open"}, "shut", tank));
     Atom* shut = tank->newAtom("tank_shut", mode, "shut");
     Atom* open = tank->newAtom("tank_open", mode, "open");
-    addExclusiveChoice(mode);
+    addExclusiveChoice(scheduler->building(), mode);
     auto const add = [tank](std::vector<std::pair<Atom*, bool>> const& guard, Atom* to,
                             double proba, bool idle) {
         tank->addTransitionToC(mkTransition(guard, "and", to, transNominal, proba, idle));
@@ -207,15 +202,17 @@ void buildTank(Scheduler* scheduler, s_runtime& rt) {
     rt.init.push_back({level, makeReal(5.06)});
 }
 
-}  // namespace
-
 void startinit(Scheduler* scheduler) {
-    runtime = std::make_unique<s_runtime>();
+    auto runtime = std::make_shared<s_runtime>();
     buildWater(scheduler, *runtime);
     buildTank(scheduler, *runtime);
     sizeArrays(*runtime);
     runtime->name = "works";
     runtime->Ts = 1.0;
     runtime->twc = window;
-    tavro_rt = runtime.get();
+    scheduler->building().tavro_rt = std::move(runtime);
 }
+
+}  // namespace
+
+extern CompiledModel const works_model{"works", startinit};
