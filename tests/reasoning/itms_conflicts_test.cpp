@@ -25,7 +25,7 @@ public:
     }
 
 private:
-    static std::ios& stream() { return DataManager::itms_stream; }
+    static std::ios& stream() { return consoleHost().propagationLog(); }
 
     std::stringstream text;
     std::streambuf* file;

@@ -60,7 +60,7 @@ public:
     std::string lines() const { return masked(text.str()); }
 
 private:
-    static std::ios& stream() { return DataManager::benchmk_stream; }
+    static std::ios& stream() { return consoleHost().stepLog(); }
 
     std::ostringstream text;
     std::streambuf* file;

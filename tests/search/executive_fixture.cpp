@@ -1,4 +1,5 @@
 // The engine's form of a model with running transitions, its runs, and what its histories tell.
+#include "fixtures/the_run.h"
 #include "search/executive_fixture.h"
 
 #include <algorithm>
@@ -33,8 +34,8 @@ Executive::Executive(Model const& model) : model(model), built(model.components.
     }
     engine.start();
     for (int more = 1; more < model.histories; ++more)
-        DataManager::tracked_traj.emplace(
-            1.0, std::make_unique<Trajectory>(DataManager::tracked_traj.begin()->second.get(), 1));
+        theRun().scheduler.tracked_traj.emplace(
+            1.0, std::make_unique<Trajectory>(theRun().scheduler.tracked_traj.begin()->second.get(), 1));
 }
 
 void Executive::build(int index) {
@@ -168,14 +169,14 @@ Told Executive::tell(Trajectory const* trajectory, Errors& errors) const {
 
 std::vector<Told> Executive::histories(Errors& errors) const {
     std::vector<Told> all;
-    for (auto const& entry : DataManager::tracked_traj)
+    for (auto const& entry : theRun().scheduler.tracked_traj)
         all.push_back(tell(entry.second.get(), errors));
     return all;
 }
 
 int Executive::checkMoves(Errors& errors) const {
     int unled = 0;
-    for (auto const& entry : DataManager::tracked_traj) {
+    for (auto const& entry : theRun().scheduler.tracked_traj) {
         Trajectory const* trajectory = entry.second.get();
         Told const told = tell(trajectory, errors);
         for (int step = told.first + 1; step <= trajectory->getCurrentTime(); ++step)
@@ -187,7 +188,7 @@ int Executive::checkMoves(Errors& errors) const {
 
 // A step that failed is one that a history did not take.
 void Executive::checkScenario(Errors& errors) const {
-    for (auto const& entry : DataManager::tracked_traj) {
+    for (auto const& entry : theRun().scheduler.tracked_traj) {
         checkRank(entry.second.get(), errors);
         if (!said("no valid state found"))
             checkLines(entry.second.get(), errors);

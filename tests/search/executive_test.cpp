@@ -19,6 +19,7 @@
 #include <string>
 #include <vector>
 
+#include "fixtures/the_run.h"
 #include "search/executive_fixture.h"
 
 namespace {
@@ -75,7 +76,7 @@ void runWhole(Model const& model, bool checksMoves, Tally& tally) {
         tally.unled += executive.checkMoves(errors);
     EXPECT_EQ(errors, Strings{});
     tally.searched += executive.said(searching) ? 1 : 0;
-    tally.found += executive.said(searching) && !DataManager::tracked_traj.empty() ? 1 : 0;
+    tally.found += executive.said(searching) && !theRun().scheduler.tracked_traj.empty() ? 1 : 0;
 }
 
 class Executives : public testing::TestWithParam<unsigned> {

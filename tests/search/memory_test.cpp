@@ -102,7 +102,7 @@ protected:
     void run(std::string const& lines) {
         search_fixture::Redirected const redirected(&sampler);
         search_fixture::Engine engine("line");
-        buildLine(engine.scheduler.get(), 2);
+        buildLine(engine.scheduler, 2);
         engine.start();
         engine.run(lines);
         for (auto const& tracked : theRun().scheduler.tracked_traj)

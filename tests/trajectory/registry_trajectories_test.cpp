@@ -161,29 +161,34 @@ TEST_F(PrintModesTest, NoStreamNoText) {
 
 // ---- The end of the registry ----
 
-TEST(RegistryEnd, DestroysTheModelAndTheTrackedHistories) {
-    unsigned const paths = theRun().scheduler.book.traj_del;
-    unsigned const states = theRun().scheduler.book.state_del;
-    auto registry = std::make_unique<DataManager>();
+TEST(RegistryEnd, DestroysTheTrackedHistoriesAndTellsSo) {
+    Plant const plant("ending");
+    auto registry = std::make_unique<DataManager>(plant, consoleHost());
+    string_map<Atom*> const none;
+    TrajectoryBook book(std::cout, std::cerr);
+    registry->tracked_traj.emplace(0.5, std::make_unique<Trajectory>(book, &none));
+    EXPECT_EQ(printed([&] { registry.reset(); }),
+              "calling destructor of DataManager\n"
+              "tracked_traj deleted\n");
+    EXPECT_EQ(book.traj_del, 1u);
+    EXPECT_EQ(book.state_del, 1u);
+}
+
+// The keys of the tables live in what the plant destroys.
+TEST(RegistryEnd, APlantGoesWithItsModel) {
+    Plant plant("ending");
     auto unit = std::make_unique<Comp>("u");
     auto const values = std::set<std::string>{"x"};
     ModeVar* mode = unit->addStateVar(std::make_unique<ModeVar>("u.mode", values, "x", nullptr));
     Atom* atom = unit->newAtom("u_mode_x", mode, "x");
-    registry->addComp(std::move(unit));
-    registry->addAtom(atom);
-    thePlant().addClause(std::make_unique<Clause>(atom, false, nullptr));
-    theRun().scheduler.tracked_traj.emplace(0.5,
-                                      std::make_unique<Trajectory>(theRun().scheduler.book, &thePlant().active_atoms));
-    EXPECT_EQ(printed([&] { registry.reset(); }),
-              "calling destructor of DataManager\n"
-              "tracked_traj deleted\n");
-    EXPECT_TRUE(thePlant().active_comps.empty());
-    EXPECT_TRUE(thePlant().active_atoms.empty());
-    EXPECT_TRUE(thePlant().active_trans.empty());
-    EXPECT_TRUE(thePlant().cls.empty());
-    EXPECT_TRUE(theRun().scheduler.tracked_traj.empty());
-    EXPECT_EQ(theRun().scheduler.book.traj_del, paths + 1);
-    EXPECT_EQ(theRun().scheduler.book.state_del, states + 1);
+    plant.addComp(std::move(unit));
+    plant.active_atoms[atom->getId()] = atom;
+    plant.addClause(std::make_unique<Clause>(atom, false, nullptr));
+    plant.clear();
+    EXPECT_TRUE(plant.active_comps.empty());
+    EXPECT_TRUE(plant.active_atoms.empty());
+    EXPECT_TRUE(plant.active_trans.empty());
+    EXPECT_TRUE(plant.cls.empty());
 }
 
 TEST(RegistryEnd, TrackedHistoriesAreBestFirstAndEqualOnesInTheOrderOfEntry) {

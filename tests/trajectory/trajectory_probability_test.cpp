@@ -42,12 +42,12 @@ TEST_F(ProbabilityTest, WhatIsNotInTheTableAnswersNines) {
     EXPECT_EQ(path.getTimeCorr(3), 9999.0);
     EXPECT_EQ(path.getTimeCorr(-1), 9999.0);
     EXPECT_EQ(path.getDiscTimeCorr(10.0000001), 9999) << "times are compared exactly";
-    EXPECT_EQ(Trajectory().getTimeCorr(0), 9999.0);
-    EXPECT_EQ(Trajectory().getDiscTimeCorr(0.0), 9999);
+    EXPECT_EQ(Trajectory(theRun().scheduler.book).getTimeCorr(0), 9999.0);
+    EXPECT_EQ(Trajectory(theRun().scheduler.book).getDiscTimeCorr(0.0), 9999);
 }
 
 TEST_F(ProbabilityTest, AnEmptyHistoryCanBeGivenATime) {
-    Trajectory path;
+    Trajectory path{theRun().scheduler.book};
     path.setTimeCorr(3.0);
     EXPECT_EQ(path.getTimeCorr(0), 3.0);
 }

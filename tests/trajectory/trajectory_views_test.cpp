@@ -92,12 +92,12 @@ TEST_F(ViewTest, TheStepsOfTheTransitionsAreInTheOrderOfTheTable) {
 }
 
 TEST_F(ViewTest, AHistoryWithoutStates) {
-    EXPECT_EQ(printed([] { Trajectory().showTrajectoryTransitions(std::cout); }),
+    EXPECT_EQ(printed([] { Trajectory(theRun().scheduler.book).showTrajectoryTransitions(std::cout); }),
               ">>>>>>>>>>> viewing Trajectory (0)<<<<<<<<<<<\n"
               "current time: 0\n"
               "proba : 0\n"
               "\n");
-    EXPECT_EQ(printed([] { Trajectory().showTrajectoryLight(std::cout); }), "");
+    EXPECT_EQ(printed([] { Trajectory(theRun().scheduler.book).showTrajectoryLight(std::cout); }), "");
 }
 
 }  // namespace
