@@ -1,28 +1,14 @@
-// Exits, standard streams and memory, as Linux tells them.
-#include "support/process.h"
+// The memory that a process may still take, as Linux tells it.
+#include "support/available_memory.h"
 
-#include <fcntl.h>
 #include <sys/resource.h>
 #include <unistd.h>
 
 #include <algorithm>
-#include <cstdlib>
 #include <fstream>
 #include <limits>
 #include <optional>
 #include <string>
-
-void leaveProcess(int status) {
-    std::exit(status);
-}
-
-void keepStandardStreams() {
-    for (int descriptor = 0; descriptor <= 2; ++descriptor)
-        if (fcntl(descriptor, F_GETFD) == -1) {
-            // The lowest free descriptor is this one, since the lower ones are open by now.
-            [[maybe_unused]] int const opened = open("/dev/null", O_RDWR);
-        }
-}
 
 namespace {
 

@@ -1,0 +1,7 @@
+// What the machine and its limits leave to this process.
+#pragma once
+
+// Bytes that this process may still take before the system would end it: the least of what the
+// machine has free, what its control group leaves, and what its address space limit leaves.
+// A limit that cannot be read does not count.
+double availableMemory();
