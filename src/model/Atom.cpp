@@ -61,14 +61,14 @@ Atom* Atom::getAtomLink(std::string const& otherId) const {
     return nullptr;
 }
 
-void Atom::showAtom(bool full) const {
+void Atom::showAtom(std::ostream& out, bool full) const {
     if (!full) {
-        std::cout << id;
+        out << id;
         return;
     }
     // The degree sign is one Latin-1 byte.
-    std::cout << "--- Atom n\xb0# ---\n"
-              << id << " --> [" << evalAtom() << "]\n"
-              << "label : " << label << "\n"
-              << "propagation number : " << propagationNumber << "\n";
+    out << "--- Atom n\xb0# ---\n"
+        << id << " --> [" << evalAtom() << "]\n"
+        << "label : " << label << "\n"
+        << "propagation number : " << propagationNumber << "\n";
 }

@@ -57,7 +57,7 @@ public:
     void incTopoNumber() { ++topoNumber; }
     int getTopoNumber() const { return topoNumber; }
 
-    void showAtom(bool full) const;
+    void showAtom(std::ostream& out, bool full) const;
 
     StateVar* var = nullptr;
     std::string value;
