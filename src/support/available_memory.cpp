@@ -1,6 +1,7 @@
 // The memory that a process may still take, as Linux tells it.
 #include "support/available_memory.h"
 
+#include <malloc.h>
 #include <sys/resource.h>
 #include <unistd.h>
 
@@ -62,4 +63,8 @@ double leftInAddressSpace() {
 
 double availableMemory() {
     return std::min({freeInMachine(), leftInControlGroup(), leftInAddressSpace()});
+}
+
+double heldFree() {
+    return static_cast<double>(mallinfo2().fordblks);
 }

@@ -28,5 +28,7 @@ bool SystemMemoryWatch::runsShort() {
     if (now - lastLook < timeBetweenLooks)
         return false;
     lastLook = now;
-    return availableMemory() < memoryReserve;
+    double const available = availableMemory();
+    // What an ended run has given back serves the next one.
+    return available < memoryReserve && available + heldFree() < memoryReserve;
 }

@@ -335,6 +335,25 @@ TEST_F(Dynamic, ANumberBesideAnIntervalHasTwoEqualBounds) {
     EXPECT_EQ(text(*TMPSS), "[130, 133[");
 }
 
+// As the past of a parameter, which is never written. A product keeps its first factor then: with
+// numbers that is the cause, which adds nothing to 5 * 10; of a corner it is the coefficient, so
+// that the end of b2 itself is added to that of b1 times 10.
+TEST_F(Dynamic, ACauseWithoutAValueLeavesTheCoefficientInACorner) {
+    *TMP5 = s_Objet{};
+    coefs(INF_DYNAMIC2, "0", "0", "5", "7");
+    *TMP1 = obj("0");
+    *TMP2 = obj("10");
+    sn_addSecondOrder(influence);
+    EXPECT_EQ(text(*TMP1), "50");
+    coefs(INF_DYNAMIC2, "0", "0", "[5, 6]", "[7, 8]");
+    *TMP2 = obj("10");
+    sn_addSecondOrder(influence);
+    EXPECT_EQ(text(*TMPII), "57");  // 5 * 10 + 7
+    EXPECT_EQ(text(*TMPIS), "58");
+    EXPECT_EQ(text(*TMPSI), "67");
+    EXPECT_EQ(text(*TMPSS), "68");
+}
+
 TEST_F(Dynamic, TheLastIntervalInfluenceReplacesTheCorners) {
     coefs(INF_DYNAMIC2, "0", "0", "[2, 3]", "1");
     add("0", "10", "100");

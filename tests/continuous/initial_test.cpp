@@ -104,6 +104,25 @@ TEST_F(Initial, ASecondOrderCauseWithoutHistoryHasItsValueForBoth) {
     EXPECT_EQ(first(v), "2020 | 2020 2020 | 1");
 }
 
+// A coefficient times a value that is not there yet stays the coefficient. The first order has
+// (1 - 1) * 7 from its cause, and a1^10 = 1. The second order has 10 u = 20 and a1 = 2, and of its
+// past -1 * 3 = -3, or a2 = -1 where that is not there either.
+TEST_F(Initial, AnEffectWithoutAValueLeavesTheCoefficients) {
+    s_Variable *lag = add("lag"), *second = add("second"), *bare = add("bare");
+    plant.link(known("a", "7"), lag, INF_DYNAMIC)->a1 = obj("1");
+    EXPECT_EQ(first(lag), "1 | 1 1 | 1");
+    for (s_Variable* v : {second, bare}) {
+        s_Influence* i = plant.link(known("u", "2"), v, INF_DYNAMIC2, "10");
+        i->a1 = obj("2");
+        i->a2 = obj("-1");
+        i->b2 = obj("0");
+    }
+    second->histo.set(0, obj("3"));
+    bare->histo.set(0, s_Objet{});
+    EXPECT_EQ(first(second), "19 | 19 19 | 1");
+    EXPECT_EQ(first(bare), "21 | 21 21 | 1");
+}
+
 TEST_F(Initial, AnotherKindLeavesZero) {
     s_Variable* v = add("v");
     s_Influence* i = plant.link(known("a", "2"), v, INF_COUPLING, "10");

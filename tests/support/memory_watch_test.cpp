@@ -6,7 +6,9 @@
 #include <unistd.h>
 
 #include <fstream>
+#include <memory>
 #include <thread>
+#include <vector>
 
 #include "support/host.h"
 
@@ -84,6 +86,32 @@ TEST(Watch, LooksAtMostOnceAMillisecond) {
             return WIFEXITED(status) && (looks == 3 || looks == 7);
         },
         "");
+}
+
+// The allocator of the address sanitizer does not reuse what it was given back.
+#if defined(__SANITIZE_ADDRESS__)
+constexpr bool reusesMemory = false;
+#else
+constexpr bool reusesMemory = true;
+#endif
+
+// In a child, 40 megabytes in pieces with a last one behind them, so that they do not go back to
+// the system as they are freed.
+[[noreturn]] void lookWithHeap(bool freed) {
+    std::vector<std::unique_ptr<char[]>> pieces;
+    for (int i = 0; i < 40 * 16; ++i)
+        pieces.push_back(std::make_unique<char[]>(64 * 1024));
+    auto const last = std::make_unique<char[]>(64 * 1024);
+    if (freed)
+        pieces.clear();
+    lookWith(40.0 * megabyte);
+}
+
+TEST(Watch, CountsWhatTheAllocatorHoldsFree) {
+    if (!reusesMemory)
+        GTEST_SKIP() << "nothing is held free";
+    EXPECT_EXIT(lookWithHeap(false), testing::ExitedWithCode(1), "");
+    EXPECT_EXIT(lookWithHeap(true), testing::ExitedWithCode(0), "");
 }
 
 }  // namespace

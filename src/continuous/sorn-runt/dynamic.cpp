@@ -41,7 +41,8 @@ void keepSecond(Previous const& previous) {
         previous.history->set(0, previous.second);
 }
 
-// *product = a x.
+// *product = a x. Required: an x without a value leaves a, so that the first value of an effect
+// without an initial value has the bare coefficient in it.
 void putProduct(s_Objet const& a, s_Objet const& x, s_Objet* product) {
     sn_putObjet(&a, product);
     sn_mulObjet(product, &x);
