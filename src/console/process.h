@@ -1,4 +1,4 @@
-// What the program asks of the process it runs in: its exits, its standard streams, its memory.
+// What the program asks of the process it runs in: its exits, its standard streams.
 #pragma once
 
 // The one way out of the process for every state in which the system must stop: buffered files are
@@ -10,12 +10,3 @@
 // that no data file can take its descriptor and receive the program's messages. To be called
 // before the first file is opened.
 void keepStandardStreams();
-
-// Bytes that this process may still take before the system would end it: the least of what the
-// machine has free, what its control group leaves, and what its address space limit leaves.
-// A limit that cannot be read does not count.
-double availableMemory();
-
-// Bytes that this process has taken and the allocator holds free: given back by what has ended, and
-// not yet by the allocator to the system. Takes a while when they are in many pieces.
-double heldFree();

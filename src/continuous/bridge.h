@@ -1,6 +1,6 @@
-// What the continuous side and the discrete search expect of the bridge between them.
+// The continuous end of the bridge to the discrete side: what each half leaves for the other.
 //
-// The hybrid side implements these; they work on the four bridge members of a runtime alone.
+// All of it works on the conditions and the four bridge members of a runtime alone.
 #pragma once
 
 #include "continuous/records.h"

@@ -16,6 +16,8 @@
 
 #include "continuous/records.h"
 
+class Host;
+
 // One suspect. Borrows the influence.
 struct Conflict {
     std::string name;  // of the influence; "" for an anonymous one
@@ -63,7 +65,7 @@ struct MeasureConflicts {
 long numberUnionSubsets(int n);
 // Adds to each misbehaving measure the sets that the behaving ones sharing suspects with it give.
 // Returns the suspects that stand in these sets only.
-Suspects generateSoftConflictSets(std::vector<MeasureConflicts>& misbVars,
+Suspects generateSoftConflictSets(Host& host, std::vector<MeasureConflicts>& misbVars,
                                   std::vector<MeasureConflicts> const& normalVars);
 
 // ---- The hitting-set tree (isolation/tree.cpp) ----
@@ -79,7 +81,8 @@ struct Leaf {
 // Intelligence 32 (1987); the rule that closes branches is this engine's own, see tree.cpp.
 class HittingSetTree {
 public:
-    HittingSetTree();
+    // *host* is asked about the memory, and outlives the tree.
+    explicit HittingSetTree(Host& host);
     ~HittingSetTree();
     HittingSetTree(HittingSetTree&&) noexcept;
     HittingSetTree& operator=(HittingSetTree&&) noexcept;

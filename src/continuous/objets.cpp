@@ -1,7 +1,7 @@
-// Making, copying and bounds of the values, and the shared objects.
+// Making, copying and bounds of the values, and the constants.
 //
-// The constants and the scratch objects live here, for the whole run. All of them are initialised
-// at compile time, so that initialisers of other files may already use them.
+// The constants are initialised at compile time, so that initialisers of other files may already
+// use them.
 
 #include "continuous/objets.h"
 
@@ -12,24 +12,12 @@ constinit s_Objet const un = makeReal(1.0);
 constinit s_Objet const dix = makeReal(10.0);
 constinit s_Objet const whole = makeRange(-DBL_MAX, DBL_MAX, 0, 0);
 
-constinit s_Objet scratch[9];
-
 }  // namespace
 
 constinit s_Objet const* const objZero = &zero;
 constinit s_Objet const* const objUn = &un;
 constinit s_Objet const* const objDix = &dix;
 constinit s_Objet const* const objMax = &whole;
-
-constinit s_Objet* const TMP1 = &scratch[0];
-constinit s_Objet* const TMP2 = &scratch[1];
-constinit s_Objet* const TMP3 = &scratch[2];
-constinit s_Objet* const TMP4 = &scratch[3];
-constinit s_Objet* const TMP5 = &scratch[4];
-constinit s_Objet* const TMPII = &scratch[5];
-constinit s_Objet* const TMPIS = &scratch[6];
-constinit s_Objet* const TMPSI = &scratch[7];
-constinit s_Objet* const TMPSS = &scratch[8];
 
 s_Objet mkObjReal(double value) {
     return makeReal(value);

@@ -1,7 +1,7 @@
 // The values of the continuous engine: a number, or an interval with open or closed ends.
 //
 // This header owns the record s_Objet, its in-place arithmetic, its relations and set operations,
-// its text forms, and the constant and scratch objects that the whole engine shares. It is not
+// its text forms, and the constant objects that the whole engine shares. It is not
 // textbook interval arithmetic: several operations keep or lose bracket flags in their own way, and
 // these ways decide when an alarm fires and when a condition holds. What looks wrong and is wanted
 // is marked `Required:` where it is done.
@@ -20,10 +20,11 @@
 #pragma once
 
 #include <cfloat>
-#include <cstdio>
 #include <optional>
 
-#include "support/nelder.h"
+#include "continuous/printer.h"
+
+struct s_engine;
 
 // Truth of the continuous engine: 0 false, 1 true, nothing else.
 using boolVal = int;
@@ -159,9 +160,9 @@ void sn_logObjet(s_Objet* a);
 void sn_sqrtObjet(s_Objet* a);
 
 // The library function of a number (radians). The bounds over an interval are searched by the
-// optimiser, two whole searches each; the flags stay.
-void sn_sinObjet(s_Objet* a);
-void sn_cosObjet(s_Objet* a);
+// optimiser, two whole searches each, for the engine's host; the flags stay.
+void sn_sinObjet(s_engine& engine, s_Objet* a);
+void sn_cosObjet(s_engine& engine, s_Objet* a);
 
 // The costs of these searches: f(x[0]) when p[0] is 0.0, else -f(x[0]), so that a minimum found
 // is the minimum or the maximum of f. *status is set to 0; nothing else is written.
@@ -169,10 +170,6 @@ double sin_cost(int* n, double* x, double* lower, double* upper, double* p, int*
                 int* status);
 double cos_cost(int* n, double* x, double* lower, double* upper, double* p, int* q, int* constraint,
                 int* status);
-
-// The costs in use, set by each search over an interval; null before the first one.
-extern Nelder_cost sin_cost_ptr;
-extern Nelder_cost cos_cost_ptr;
 
 // ---- Sets ----
 
@@ -208,31 +205,16 @@ int sn_inObjet(s_Objet const* a, s_Objet const* b);
 
 // ---- Text ----
 //
-// On stderr the form for people, with "-oo" and "+oo" at the ends of the scale and brackets that
-// show the flags; on any other stream the bare data.
+// For people with "-oo" and "+oo" at the ends of the scale and brackets that show the flags; else
+// the bare data.
 
-void sn_printReal(FILE* stream, double value);
-void sn_printRange(FILE* stream, range const& r);
-void sn_printObjet(FILE* stream, s_Objet const* o);
+void sn_printReal(s_Printer const& to, double value);
+void sn_printRange(s_Printer const& to, range const& r);
+void sn_printObjet(s_Printer const& to, s_Objet const* o);
 
-// ---- Shared objects ----
+// ---- Constants, never written ----
 
-// Constants, never written.
 extern s_Objet const* const objZero;  // the number 0
 extern s_Objet const* const objUn;    // the number 1
 extern s_Objet const* const objDix;   // the number 10
 extern s_Objet const* const objMax;   // ]-DBL_MAX, DBL_MAX[
-
-// Scratch objects with fixed roles, unset at the start. They are not reentrant: a nested evaluation
-// that overwrites one still in use is a fault of the caller.
-extern s_Objet* const TMP1;  // the sum being formed for one variable
-extern s_Objet* const TMP2;  // the current cause value
-extern s_Objet* const TMP3;  // work object of the dynamic update
-extern s_Objet* const TMP4;  // the result of every expression evaluation
-extern s_Objet* const TMP5;  // the cause value one step older, for second-order influences
-
-// The corner sums of a second-order influence: bound of b1, then bound of b2; I lower, S upper.
-extern s_Objet* const TMPII;
-extern s_Objet* const TMPIS;
-extern s_Objet* const TMPSI;
-extern s_Objet* const TMPSS;

@@ -1,55 +1,52 @@
 // Text forms of numbers and intervals.
 //
-// The same value has two faces: on stderr the one for people, on any other stream the bare numbers
-// that display files and plots read. The stream itself decides, so a caller cannot mix them up.
+// The same value has two faces: the one for people, and the bare numbers that display files and
+// plots read. The printer itself tells which, so a caller cannot mix them up.
 
 #include "continuous/objets.h"
+#include "support/numbers.h"
 
 namespace {
 
-bool isForPeople(FILE* stream) {
-    return stream == stderr;
-}
-
-void printBound(FILE* stream, double value, double endOfScale, char const* textAtEnd) {
+void printBound(std::ostream& stream, double value, double endOfScale, char const* textAtEnd) {
     if (value == endOfScale)
-        fputs(textAtEnd, stream);
+        stream << textAtEnd;
     else
-        fprintf(stream, "%g", value);
+        stream << shortText(value);
 }
 
 }  // namespace
 
-void sn_printReal(FILE* stream, double value) {
-    if (isForPeople(stream) && value == -DBL_MAX)
-        fputs("-oo", stream);
-    else if (isForPeople(stream) && value == DBL_MAX)
-        fputs("+oo", stream);
+void sn_printReal(s_Printer const& to, double value) {
+    if (to.forPeople && value == -DBL_MAX)
+        to.stream << "-oo";
+    else if (to.forPeople && value == DBL_MAX)
+        to.stream << "+oo";
     else
-        fprintf(stream, "%g", value);
+        to.stream << shortText(value);
 }
 
-void sn_printRange(FILE* stream, range const& r) {
-    if (!isForPeople(stream)) {
-        fprintf(stream, "%g %g", r.inf, r.sup);
+void sn_printRange(s_Printer const& to, range const& r) {
+    if (!to.forPeople) {
+        to.stream << shortText(r.inf) << " " << shortText(r.sup);
         return;
     }
     // Only the closed bracket has a blank before it.
-    fputs(isInfClosed(r) ? " [" : "]", stream);
-    printBound(stream, r.inf, -DBL_MAX, "-oo");
-    fputs(", ", stream);
-    printBound(stream, r.sup, DBL_MAX, "+oo");
-    fputs(isSupClosed(r) ? "]" : "[", stream);
+    to.stream << (isInfClosed(r) ? " [" : "]");
+    printBound(to.stream, r.inf, -DBL_MAX, "-oo");
+    to.stream << ", ";
+    printBound(to.stream, r.sup, DBL_MAX, "+oo");
+    to.stream << (isSupClosed(r) ? "]" : "[");
 }
 
-void sn_printObjet(FILE* stream, s_Objet const* o) {
+void sn_printObjet(s_Printer const& to, s_Objet const* o) {
     if (isReal(*o)) {
-        fputs(isForPeople(stream) ? " =" : "", stream);
-        sn_printReal(stream, o->real);
+        to.stream << (to.forPeople ? " =" : "");
+        sn_printReal(to, o->real);
     } else if (isRange(*o)) {
-        fputs(isForPeople(stream) ? " in " : "", stream);
-        sn_printRange(stream, o->rng);
+        to.stream << (to.forPeople ? " in " : "");
+        sn_printRange(to, o->rng);
     } else {
-        fputs("type ?\n", stream);
+        to.stream << "type ?\n";
     }
 }

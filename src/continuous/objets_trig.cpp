@@ -10,10 +10,7 @@
 #include <algorithm>
 #include <cmath>
 
-#include "continuous/objets.h"
-
-Nelder_cost sin_cost_ptr = nullptr;
-Nelder_cost cos_cost_ptr = nullptr;
+#include "continuous/engine.h"
 
 namespace {
 
@@ -25,17 +22,18 @@ double costOf(double value, double const* p, int* status) {
 // The cost at the point where the search ends; side is what the cost reads as p[0]. How the search
 // ended does not matter: also at its limit it leaves its best point. Bounds in the wrong order are
 // handed on as they stand.
-double searchCost(Nelder_cost cost, range const& box, double side) {
+double searchCost(s_engine& engine, Nelder_cost cost, range const& box, double side) {
     int n = 1, constraint = 0, status = 0;
     double lower = box.inf, upper = box.sup;
     double x = 0.5 * (lower + upper);
-    opt_nelder(cost, &n, &x, &lower, &upper, &side, nullptr, &status);
+    Nelder_minimise(engine.host, engine.random, cost, &n, &x, &lower, &upper, &side, nullptr,
+                    &status);
     return cost(&n, &x, &lower, &upper, &side, nullptr, &constraint, &status);
 }
 
-void searchBounds(Nelder_cost cost, range* r) {
-    double const low = searchCost(cost, *r, 0.0);
-    double const high = -searchCost(cost, *r, 1.0);
+void searchBounds(s_engine& engine, Nelder_cost cost, range* r) {
+    double const low = searchCost(engine, cost, *r, 0.0);
+    double const high = -searchCost(engine, cost, *r, 1.0);
     r->inf = std::min(low, high);
     r->sup = std::max(low, high);
 }
@@ -50,20 +48,20 @@ double cos_cost(int*, double* x, double*, double*, double* p, int*, int*, int* s
     return costOf(std::cos(x[0]), p, status);
 }
 
-void sn_sinObjet(s_Objet* a) {
+void sn_sinObjet(s_engine& engine, s_Objet* a) {
     if (isReal(*a)) {
         a->real = std::sin(a->real);
     } else if (isRange(*a)) {
-        sin_cost_ptr = sin_cost;
-        searchBounds(sin_cost_ptr, &a->rng);
+        engine.sin_cost_ptr = sin_cost;
+        searchBounds(engine, engine.sin_cost_ptr, &a->rng);
     }
 }
 
-void sn_cosObjet(s_Objet* a) {
+void sn_cosObjet(s_engine& engine, s_Objet* a) {
     if (isReal(*a)) {
         a->real = std::cos(a->real);
     } else if (isRange(*a)) {
-        cos_cost_ptr = cos_cost;
-        searchBounds(cos_cost_ptr, &a->rng);
+        engine.cos_cost_ptr = cos_cost;
+        searchBounds(engine, engine.cos_cost_ptr, &a->rng);
     }
 }

@@ -28,6 +28,7 @@ struct s_CGraph;
 struct s_Condition;
 struct s_Expr;
 struct s_Variable;
+struct s_engine;
 
 enum influType {
     INF_DYNAMIC = 1,
@@ -173,8 +174,9 @@ struct s_Expr {
 using BridgeAtoms = SignedAtoms;
 
 struct s_runtime {
+    s_engine* engine = nullptr;  // of the run; borrowed; null only in a plant's template
     std::string name;
-    int num = 0;          // identity: every copy takes the next value of rt_num
+    int num = 0;          // identity: every copy takes the next value of its engine's rt_num
     double Ts = 1.0;      // sample period, in seconds
     double tStart = 0.0;  // the discrete step reached, written by the discrete cycle
     int twc = 0;          // continuous temporal window, in cycles

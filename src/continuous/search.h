@@ -70,19 +70,12 @@ double opti_integral_obs(int* n, double* x, double* lower, double* upper, double
 double opti_first_order_obs(int* n, double* x, double* lower, double* upper, double* p, int* q,
                             int* constraint, int* status);
 
-// The costs in use, set by init_nelder; null before it, and then no search may run.
-extern Nelder_cost opti_static_obs_ptr;
-extern Nelder_cost opti_integral_obs_ptr;
-extern Nelder_cost opti_first_order_obs_ptr;
-extern Nelder_cost opti_second_order_ptr;
-extern Nelder_cost opti_second_order_obs_ptr;
-
 // ---- Evaluations ----
 
 // The sum over the active ones of the first *count* causes of *graph*. Loads them through TMP2.
 s_Objet opti_static_eval(int count, s_CGraph const* graph, s_runtime* rt);
 
-// *previous* plus the first cause of *graph*, which must have one; the result is also printed on
-// standard output. *count* plays no part.
+// *previous* plus the first cause of *graph*, which must have one; the result is also told
+// on the engine's out. *count* plays no part.
 s_Objet opti_integral_eval(int count, s_CGraph const* graph, s_Objet const* previous,
                            s_runtime* rt);

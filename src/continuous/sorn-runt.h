@@ -5,27 +5,17 @@
 // value of a measured variable that is not in alarm is the measure, not the prediction.
 //
 // The functions are grouped by the file of sorn-runt/ that holds them. Integer results are 1 for
-// success or truth and 0 otherwise unless told. The engine is not reentrant: the scratch objects of
-// objets.h are in use throughout.
+// success or truth and 0 otherwise unless told. A function reaches the engine of its run, and with
+// it the host, through its runtime; one without a runtime is given the engine.
 #pragma once
 
-#include <cstdio>
-#include <functional>
-#include <map>
 #include <memory>
+#include <ostream>
 #include <vector>
 
+#include "continuous/engine.h"
+#include "continuous/printer.h"
 #include "continuous/records.h"
-
-// ---- Globals of the engine (globals.cpp) ----
-
-extern int env_opti;                    // not 0: the bound search is on, for the whole program
-extern int rt_num;                      // the identity that the next copy of a runtime takes
-extern std::vector<double> inps, meas;  // the current line of inputs and of measures
-
-// The runtimes of the current split, by identity. It owns every entry but the runtime that was
-// split, which stays its candidate's; the caller of the split empties it.
-extern std::multimap<long, s_runtime*, std::less<long>> nrt;
 
 // Codes of the cycle.
 enum cycleMode {
@@ -48,11 +38,12 @@ s_Expr* adoptExpr(s_runtime& rt, std::unique_ptr<s_Expr> expr);
 s_Influence* adoptInfluence(s_runtime& rt, std::unique_ptr<s_Influence> influence);
 s_CGraph* adoptGraph(s_runtime& rt, std::unique_ptr<s_CGraph> node);
 
-// A deep copy with a new identity; no pointer in common but inval and mesval.
-std::unique_ptr<s_runtime> sn_copyRuntime(s_runtime const* source);
+// A deep copy with a new identity; no pointer in common but inval, mesval and the engine. The copy
+// belongs to the run of *engine*, or of the source when that is null.
+std::unique_ptr<s_runtime> sn_copyRuntime(s_runtime const* source, s_engine* engine = nullptr);
 
-// A copy moved back to *contTime*. The process ends with status 1 when the fault lies outside the
-// discrete window (in steps, *window*) or outside the continuous one.
+// A copy moved back to *contTime*. The run stops when the fault lies outside the discrete window
+// (in steps, *window*) or outside the continuous one.
 std::unique_ptr<s_runtime> sn_copyPartialFaultyRt(s_runtime const* source, int faultCycle,
                                                   double contTime, double curTime, int window);
 // Moves the histories of *variable* back from time *to* to time *from*.
@@ -131,14 +122,15 @@ void sn_evalInfluCoefs(s_runtime* rt, double Ts);
 // coefficients, the corner sums in TMPII to TMPSS). Out: the new value in TMP1.
 void sn_evalDynInfl(s_runtime* rt, s_Influence* influence);
 // The same for the initial value.
-void sn_evalInitDynInfl(s_Influence* influence);
+void sn_evalInitDynInfl(s_engine& engine, s_Influence* influence);
 // Adds the contribution of one second-order influence to TMP1, from TMP2 and TMP5; with interval
 // coefficients, makes the corner sums instead.
-void sn_addSecondOrder(s_Influence* influence);
+void sn_addSecondOrder(s_engine& engine, s_Influence* influence);
 
 // ---- Bound search (search.cpp) ----
 
-void init_nelder();
+// Sets the costs that the engine searches with.
+void init_nelder(s_engine& engine);
 void call_nelder_second(s_Influence* influence, s_runtime* rt, s_Objet* prev1, s_Objet* prev2);
 void call_nelder_obs(s_Variable* variable, s_runtime* rt, s_Objet* prev1, s_Objet* prev2,
                      s_Objet* result, influType kind, bool useMeasure);
@@ -156,13 +148,14 @@ void sn_setOutOfValSpc(s_runtime* rt, s_Condition* condition);
 void sn_setInValSpc(s_runtime* rt, s_Condition* condition);
 void sn_updateValSpc(s_runtime* rt, s_Condition* out, s_Condition* in);
 int sn_updateCondAgenda(s_runtime* rt, s_GVar* gvar);
-// The conditions that cover the value of *gvar*. The process ends with status 0 when there is none.
+// The conditions that cover the value of *gvar*. The run stops when there is none.
 std::vector<s_Condition*> sn_findCondCover(s_GVar* gvar, s_runtime* rt);
-// Splits *rt* into one runtime for each region of its values; the results go into nrt.
+// Splits *rt* into one runtime for each region of its values; the results go into the engine's nrt.
 void sn_splitValiditySpc(s_runtime* rt);
 void viewValSpc(s_runtime const* rt);
 void viewCcAgenda(s_runtime const* rt);
-void viewSplitState(s_GVar const* gvar, s_Objet const* current, s_Objet const* filtered);
+void viewSplitState(s_Printer const& to, s_GVar const* gvar, s_Objet const* current,
+                    s_Objet const* filtered);
 
 // ---- Constraints (constraints.cpp) ----
 
@@ -183,31 +176,33 @@ int sn_yieldDiags(s_runtime* rt);
 
 // ---- Printing (print.cpp, print_runtime.cpp) ----
 
-void sn_printGVar(std::FILE* stream, s_GVar const* gvar);
-void sn_printExpr(std::FILE* stream, s_Expr const* expr);
-void sn_printGContr(std::FILE* stream, s_Expr const* constraint);
-void sn_printCondition(std::FILE* stream, s_Condition const* condition);
+void sn_printGVar(s_Printer const& to, s_GVar const* gvar);
+void sn_printExpr(s_Printer const& to, s_Expr const* expr);
+void sn_printGContr(s_Printer const& to, s_Expr const* constraint);
+void sn_printCondition(s_Printer const& to, s_Condition const* condition);
 // The same with the current value after each variable.
-void sn_printCondValues(std::FILE* stream, s_Condition const* condition);
+void sn_printCondValues(s_Printer const& to, s_Condition const* condition);
+// An influence as a component shows it: bare data.
+void printInfluence(std::ostream& out, s_Influence const* influence);
 // The letter of a kind of influence, as rules show it.
 char const* sn_letterOf(influType type);
 
-void sn_printVarNom(std::FILE* stream, s_Variable const* variable);
-void sn_printVarValue(std::FILE* stream, s_Variable const* variable);
-void sn_printVarValueNV(std::FILE* stream, s_Variable const* variable);
-void sn_printVariable(std::FILE* stream, s_runtime const* rt, s_Variable const* variable);
-void sn_printVarHistory(std::FILE* stream, s_runtime const* rt, s_Variable const* variable);
-void sn_printInitVar(std::FILE* stream, s_InitVar const* initial);
+void sn_printVarNom(s_Printer const& to, s_Variable const* variable);
+void sn_printVarValue(s_Printer const& to, s_Variable const* variable);
+void sn_printVarValueNV(s_Printer const& to, s_Variable const* variable);
+void sn_printVariable(s_Printer const& to, s_runtime const* rt, s_Variable const* variable);
+void sn_printVarHistory(s_Printer const& to, s_runtime const* rt, s_Variable const* variable);
+void sn_printInitVar(s_Printer const& to, s_InitVar const* initial);
 
-void sn_printDic(std::FILE* stream, s_runtime const* rt);
-void sn_printConds(std::FILE* stream, s_runtime const* rt);
-void sn_printSpace(std::FILE* stream, s_runtime const* rt);
-void sn_printInputs(std::FILE* stream, s_runtime const* rt);
-void sn_printDisplays(std::FILE* stream, s_runtime const* rt);
-void sn_printMeasures(std::FILE* stream, s_runtime const* rt);
-void sn_printInits(std::FILE* stream, s_runtime const* rt);
-void sn_printRules(std::FILE* stream, s_runtime const* rt);
-void sn_printCGraph(std::FILE* stream, s_runtime const* rt);
-void sn_printUpdateListsorn(std::FILE* stream, s_runtime const* rt);
-void sn_printGlobVs(std::FILE* stream, s_runtime const* rt);
-void sn_printGlobCs(std::FILE* stream, s_runtime const* rt);
+void sn_printDic(s_Printer const& to, s_runtime const* rt);
+void sn_printConds(s_Printer const& to, s_runtime const* rt);
+void sn_printSpace(s_Printer const& to, s_runtime const* rt);
+void sn_printInputs(s_Printer const& to, s_runtime const* rt);
+void sn_printDisplays(s_Printer const& to, s_runtime const* rt);
+void sn_printMeasures(s_Printer const& to, s_runtime const* rt);
+void sn_printInits(s_Printer const& to, s_runtime const* rt);
+void sn_printRules(s_Printer const& to, s_runtime const* rt);
+void sn_printCGraph(s_Printer const& to, s_runtime const* rt);
+void sn_printUpdateListsorn(s_Printer const& to, s_runtime const* rt);
+void sn_printGlobVs(s_Printer const& to, s_runtime const* rt);
+void sn_printGlobCs(s_Printer const& to, s_runtime const* rt);

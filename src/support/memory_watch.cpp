@@ -1,9 +1,8 @@
 // When memory runs short, and what is done then.
 #include "support/memory_watch.h"
 
-#include <chrono>
-
-#include "support/process.h"
+#include "support/available_memory.h"
+#include "support/host.h"
 
 namespace {
 
@@ -19,21 +18,17 @@ char const* MemoryRunsShort::what() const noexcept {
     return "memory runs short";
 }
 
-bool systemMemoryRunsShort() {
-    using Clock = std::chrono::steady_clock;
-    static Clock::time_point lastLook;
-    Clock::time_point const now = Clock::now();
+void watchMemory(Host& host) {
+    if (host.memoryRunsShort())
+        throw MemoryRunsShort();
+}
+
+bool SystemMemoryWatch::runsShort() {
+    auto const now = std::chrono::steady_clock::now();
     if (now - lastLook < timeBetweenLooks)
         return false;
     lastLook = now;
     double const available = availableMemory();
     // What an ended run has given back serves the next one.
     return available < memoryReserve && available + heldFree() < memoryReserve;
-}
-
-bool (*memoryRunsShort)() = &systemMemoryRunsShort;
-
-void watchMemory() {
-    if (memoryRunsShort())
-        throw MemoryRunsShort();
 }

@@ -31,6 +31,8 @@
 #include <algorithm>
 #include <climits>
 
+#include "support/host.h"
+
 namespace {
 
 double clip(double value, double lower, double upper) {
@@ -50,12 +52,12 @@ int tryPoint(Nelder_search& search, double a, double b, Nelder_point const& v,
 
 void traceMove(Nelder_search const& search, char const* move) {
     if (search.trace)
-        std::fprintf(search.trace.get(), "---> %s \n", move);
+        *search.trace << "---> " << move << " \n";
 }
 
 void traceSimplex(Nelder_search const& search) {
     if (search.trace)
-        Nelder_trace(search.trace.get(), search.simplex);
+        Nelder_trace(*search.trace, search.simplex);
 }
 
 int accept(Nelder_search& search, Nelder_point& point, char const* move) {
@@ -106,7 +108,7 @@ int evaluationLimit(int n, int factor) {
 int startSimplex(Nelder_search& search, double const* x) {
     Nelder_options const& options = search.options;
     Nelder_initial(options.initialType, options.initialSize, x, search.problem.lower,
-                   search.problem.upper, search.simplex);
+                   search.problem.upper, search.random, search.simplex);
     for (Nelder_point& point : search.simplex.point)
         if (!Nelder_evalue(search.problem, point))
             return 0;
@@ -136,8 +138,7 @@ int finish(Nelder_search& search, int state, double* x) {
     Nelder_tri_simplexe(search.simplex);
     traceSimplex(search);
     if (search.trace)
-        Nelder_trace_final(search.trace.get(), state, search.iterations,
-                           search.problem.evaluations);
+        Nelder_trace_final(*search.trace, state, search.iterations, search.problem.evaluations);
     std::copy(search.simplex.best().x.begin(), search.simplex.best().x.end(), x);
     return state == NELDER_MINIMUM ? search.problem.evaluations : state;
 }
@@ -147,7 +148,7 @@ int runSearch(Nelder_search& search, double* x) {
     if (!startSimplex(search, x))
         return NELDER_ERREUR;
     if (search.trace)
-        Nelder_trace_initial(search.trace.get(), search.problem.n);
+        Nelder_trace_initial(*search.trace, search.problem.n);
     int const state = iterate(search);
     return state == NELDER_ERREUR ? state : finish(search, state, x);
 }
@@ -164,16 +165,18 @@ int Nelder_evalue(Nelder_problem& problem, Nelder_point& point) {
     return status >= 0;
 }
 
-Nelder_search::Nelder_search(Nelder_options const& opts, Nelder_problem const& prob)
+Nelder_search::Nelder_search(Nelder_options const& opts, Nelder_problem const& prob,
+                             Optim_random& generator, std::ostream* traceStream)
     : options(opts),
       problem(prob),
+      random(generator),
       simplex(prob.n),
       range(prob.n),
       pivot(prob.n),
       reflected(simplex.point[0]),
       expanded(simplex.point[0]),
       contracted(simplex.point[0]),
-      trace(Nelder_ouvre(opts.trace, opts.traceToFile, opts.traceFile)) {
+      trace(traceStream) {
     for (int j = 0; j < problem.n; ++j)
         range[j] = problem.upper[j] - problem.lower[j];
 }
@@ -205,24 +208,26 @@ int Nelder_reduction(Nelder_search& search) {
     return 1;
 }
 
-void Nelder_optimisation(Nelder_options const* options, Nelder_cost cost, int* n, double* x,
-                         double* lower, double* upper, double* p, int* q, int* status) {
+void Nelder_optimisation(Nelder_options const& options, Optim_random& random, std::ostream* trace,
+                         Nelder_cost cost, int* n, double* x, double* lower, double* upper,
+                         double* p, int* q, int* status) {
     if (*n < 1) {
         *status = NELDER_ERREUR;
         return;
     }
-    Nelder_search search(*options, {cost, *n, lower, upper, p, q});
+    Nelder_search search(options, {cost, *n, lower, upper, p, q}, random, trace);
     *status = runSearch(search, x);
 }
 
-void opt_nelder(Nelder_cost cost, int* n, double* x, double* lower, double* upper, double* p,
-                int* q, int* status) {
-    Nelder_options options;
-    Nelder_init_options(&options);
-    Nelder_optimisation(&options, cost, n, x, lower, upper, p, q, status);
-}
-
-void opt_nelder_(Nelder_cost cost, int* n, double* x, double* lower, double* upper, double* p,
-                 int* q, int* status) {
-    opt_nelder(cost, n, x, lower, upper, p, q, status);
+void Nelder_minimise(Host& host, Optim_random& random, Nelder_cost cost, int* n, double* x,
+                     double* lower, double* upper, double* p, int* q, int* status) {
+    if (*n < 1) {
+        *status = NELDER_ERREUR;
+        return;
+    }
+    Nelder_options options = Nelder_default_options();
+    host.optimiserOptions(options);
+    std::shared_ptr<std::ostream> const trace =
+        options.trace ? host.optimiserTrace(options) : nullptr;
+    Nelder_optimisation(options, random, trace.get(), cost, n, x, lower, upper, p, q, status);
 }

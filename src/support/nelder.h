@@ -1,16 +1,19 @@
-// A bounded downhill-simplex minimiser with its own options file and its own French trace; the
-// idea, its source and the variant are told at the head of nelder.cpp.
+// A bounded downhill-simplex minimiser with options of its own and a French trace; the idea, its
+// source and the variant are told at the head of nelder.cpp.
 //
-// opt_nelder is the call for one search, mopt_nelder for several searches from different starts.
-// Below them stand the steps that these are made of. Points are arrays of n doubles; the box is
-// the two arrays lower and upper, with lower[i] <= upper[i]. All pointers are borrowed for the
-// length of the call. The names with a trailing underscore are the same functions for callers with
-// the Fortran linking convention.
+// Nelder_minimise is the call for one search as the host of a run wants it. Below it stand the
+// steps that it is made of. Points are arrays of n doubles; the box is the two arrays lower and
+// upper, with lower[i] <= upper[i]. All pointers are borrowed for the length of the call. Nothing
+// here has a state of its own, opens a file or writes on a stream that it was not given.
 #pragma once
 
-#include <cstdio>
-#include <memory>
+#include <istream>
+#include <ostream>
 #include <vector>
+
+#include "support/optim.h"
+
+class Host;
 
 // The cost at *x* of the given box. *p* and *q* are those of the call of the search. The function
 // sets *status, negative when the cost could not be computed, and *constraint, negative when the
@@ -24,22 +27,11 @@ constexpr int NELDER_MINIMUM = 0;
 constexpr int NELDER_LIMITE = -1;   // the limit on evaluations was reached
 constexpr int NELDER_ERREUR = -99;  // a cost could not be computed, or the dimension is below 1
 
-// Minimises *cost* in the box, from *x*, with the options of nelder.dat in the working directory.
-// On return x holds the best point found, and *status the number of evaluations, or NELDER_LIMITE.
-// With *status NELDER_ERREUR, x is as it was.
-void opt_nelder(Nelder_cost cost, int* n, double* x, double* lower, double* upper, double* p,
-                int* q, int* status);
-extern "C" void opt_nelder_(Nelder_cost cost, int* n, double* x, double* lower, double* upper,
-                            double* p, int* q, int* status);
-
-// Repeats the search *nbRuns times, each with a restart from its own result: the first from *x*,
-// the others from points drawn uniformly in the box. x takes the best result, and *status that of
-// the last search of the run that gave it. When no run ended, *status is NELDER_LIMITE, and after a
-// cost that could not be computed NELDER_ERREUR; x is then as it was.
-void mopt_nelder(int* nbRuns, Nelder_cost cost, int* n, double* x, double* lower, double* upper,
-                 double* p, int* q, int* status);
-extern "C" void mopt_nelder_(int* nbRuns, Nelder_cost cost, int* n, double* x, double* lower,
-                             double* upper, double* p, int* q, int* status);
+// Minimises *cost* in the box, from *x*, with the options that the host wants, and traces on the
+// stream that the host gives for a trace. On return x holds the best point found, and *status the
+// number of evaluations, or NELDER_LIMITE. With *status NELDER_ERREUR, x is as it was.
+void Nelder_minimise(Host& host, Optim_random& random, Nelder_cost cost, int* n, double* x,
+                     double* lower, double* upper, double* p, int* q, int* status);
 
 constexpr int NELDER_NAME_SIZE = 80;  // bytes of a file name, with its terminating zero
 
@@ -47,10 +39,10 @@ struct Nelder_options {
     int trace;        // non-zero: trace of each search
     int traceToFile;  // non-zero: to traceFile, else to standard output; so for the pairs below
     char traceFile[NELDER_NAME_SIZE];
-    int optLog;  // non-zero: log of each run of mopt_nelder
+    int optLog;  // non-zero: log of each run of a search from several starts
     int optLogToFile;
     char optLogFile[NELDER_NAME_SIZE];
-    int stats;  // non-zero: statistics of mopt_nelder
+    int stats;  // non-zero: statistics of such searches
     int statsToFile;
     char statsFile[NELDER_NAME_SIZE];
     double reflexion;    // alpha
@@ -66,10 +58,11 @@ struct Nelder_options {
     int maxEvalFactor;  // the limit on evaluations is this times the dimension
 };
 
-// The defaults, replaced by the values of nelder.dat in the working directory. Nothing is reported
-// when that file is missing; an option that it lacks, or whose line does not hold a value of its
-// type, keeps the default.
-void Nelder_init_options(Nelder_options* options);
+Nelder_options Nelder_default_options();
+
+// Replaces *options* by the values of a text in the form of nelder.dat. An option that the text
+// lacks, or whose line does not hold a value of its type, stays.
+void Nelder_read_options(std::istream& text, Nelder_options& options);
 
 struct Nelder_point {
     std::vector<double> x;
@@ -110,23 +103,15 @@ struct Nelder_problem {
 // Fills the cost of *point*. 1, or 0 when the cost could not be computed.
 int Nelder_evalue(Nelder_problem& problem, Nelder_point& point);
 
-// A stream that closes itself, unless it is standard output. Null: nothing is to be written.
-struct Nelder_ferme {
-    void operator()(std::FILE* file) const;
-};
-typedef std::unique_ptr<std::FILE, Nelder_ferme> Nelder_sortie;
-
-// The stream for an output that is *wanted*: the file *name*, emptied, or standard output when it
-// is not to go to a file. A file that cannot be opened is told on the error stream, and standard
-// output takes its place.
-Nelder_sortie Nelder_ouvre(int wanted, int toFile, char const* name);
-
 // The state of one search.
 struct Nelder_search {
-    Nelder_search(Nelder_options const& options, Nelder_problem const& problem);
+    // *trace* may be null: nothing is traced.
+    Nelder_search(Nelder_options const& options, Nelder_problem const& problem,
+                  Optim_random& random, std::ostream* trace);
 
     Nelder_options const& options;
     Nelder_problem problem;
+    Optim_random& random;
     Nelder_simplex simplex;
     std::vector<double> range;  // upper - lower
     std::vector<double> pivot;  // filled by Nelder_pivot in each iteration
@@ -135,20 +120,21 @@ struct Nelder_search {
     Nelder_point reflected;
     Nelder_point expanded;
     Nelder_point contracted;
-    Nelder_sortie trace;
+    std::ostream* trace;
     int iterations = 0;
 };
 
-// The whole search with given options; otherwise as opt_nelder.
-void Nelder_optimisation(Nelder_options const* options, Nelder_cost cost, int* n, double* x,
-                         double* lower, double* upper, double* p, int* q, int* status);
+// The whole search with given options and trace, which may be null; otherwise as Nelder_minimise.
+void Nelder_optimisation(Nelder_options const& options, Optim_random& random, std::ostream* trace,
+                         Nelder_cost cost, int* n, double* x, double* lower, double* upper,
+                         double* p, int* q, int* status);
 
 // Places the points of a new simplex, without their costs: point 0 is *x*; the others, by *type*:
 // 1 a regular simplex, 2 one step along each axis, 3 uniform in the box, 4 uniform around x; any
 // other type counts as 1. *size* is a fraction of the ranges. Required: the points are not clipped
 // to the box, so that the simplex keeps its shape at a border.
 void Nelder_initial(int type, double size, double const* x, double const* lower,
-                    double const* upper, Nelder_simplex& simplex);
+                    double const* upper, Optim_random& random, Nelder_simplex& simplex);
 
 // Sorts by increasing cost; points of equal cost keep their order.
 void Nelder_tri_simplexe(Nelder_simplex& simplex);
@@ -174,6 +160,6 @@ int Nelder_critere_arret(int type, double tolCost, double tolX, double const* ra
 
 // The parts of the trace: the header for *n* coordinates, the points from worst to best, and the
 // account of a search that ended with *state*.
-void Nelder_trace_initial(std::FILE* trace, int n);
-void Nelder_trace(std::FILE* trace, Nelder_simplex const& simplex);
-void Nelder_trace_final(std::FILE* trace, int state, int iterations, int evaluations);
+void Nelder_trace_initial(std::ostream& trace, int n);
+void Nelder_trace(std::ostream& trace, Nelder_simplex const& simplex);
+void Nelder_trace_final(std::ostream& trace, int state, int iterations, int evaluations);

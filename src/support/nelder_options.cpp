@@ -1,11 +1,10 @@
-// The options of the optimiser and their file, nelder.dat.
+// The options of the optimiser and their text, nelder.dat.
 //
-// The file is read by position: each option has its line, the value stands first on it, and all
-// other text is comment. It is read again for every search, so that the optimiser can be re-tuned
-// without a restart; without the file a search costs one failed fopen. A file is never trusted:
-// a line may be missing, empty, foreign or of any length.
+// The text is read by position: each option has its line, the value stands first on it, and all
+// else is comment. A text is never trusted: a line may be missing, empty, foreign or of any length.
 #include <cctype>
 #include <cstdio>
+#include <string>
 #include <variant>
 
 #include "support/nelder.h"
@@ -42,73 +41,67 @@ struct Entry {
     std::variant<int*, double*, Name*> value;
 };
 
-void readValue(std::FILE* file, int* value) {
+void readValue(std::string const& text, int* value) {
     int read;
-    if (std::fscanf(file, "%d", &read) == 1)
+    if (std::sscanf(text.c_str(), "%d", &read) == 1)
         *value = read;
 }
 
-void readValue(std::FILE* file, double* value) {
+void readValue(std::string const& text, double* value) {
     double read;
-    if (std::fscanf(file, "%lg", &read) == 1)
+    if (std::sscanf(text.c_str(), "%lg", &read) == 1)
         *value = read;
 }
 
-// A name that is too long is cut; the width is that of a Name.
-void readValue(std::FILE* file, Name* value) {
-    static_assert(sizeof(Name) == 80);
-    Name read;
-    if (std::fscanf(file, "%79s", read) == 1)
-        std::snprintf(*value, sizeof(Name), "%s", read);
+bool isBlank(char c) {
+    return std::isspace(static_cast<unsigned char>(c)) != 0;
 }
 
-void skipLine(std::FILE* file) {
-    for (int c = std::fgetc(file); c != '\n' && c != EOF;)
-        c = std::fgetc(file);
+// The first word; one that is too long is cut, and so is one that holds a zero.
+void readValue(std::string const& text, Name* value) {
+    std::size_t length = 0;
+    while (length < text.size() && length < sizeof(Name) - 1 && !isBlank(text[length]))
+        ++length;
+    text.copy(*value, length);
+    (*value)[length] = '\0';
 }
 
-// Skips the blanks of the current line, and nothing beyond its end: fscanf alone would go on to the
-// next line and take the value of another option. False when the line has no more text.
-bool findValue(std::FILE* file) {
-    int c = std::fgetc(file);
-    while (c != '\n' && c != EOF && std::isspace(c))
-        c = std::fgetc(file);
-    if (c != EOF)
-        std::ungetc(c, file);
-    return c != '\n' && c != EOF;
+// The text of a line from its first character that is no blank on.
+std::string withoutIndent(std::string const& line) {
+    std::size_t first = 0;
+    while (first < line.size() && isBlank(line[first]))
+        ++first;
+    return line.substr(first);
 }
 
 template <typename Entries>
-void readEntries(std::FILE* file, Entries const& entries) {
-    int line = 1;
+void readEntries(std::istream& text, Entries const& entries) {
+    int line = 0;
+    std::string read;
     for (Entry const& entry : entries) {
         for (; line < entry.line; ++line)
-            skipLine(file);
-        if (findValue(file))
-            std::visit([file](auto* value) { readValue(file, value); }, entry.value);
+            if (!std::getline(text, read))
+                return;
+        if (std::string const value = withoutIndent(read); !value.empty())
+            std::visit([&value](auto* option) { readValue(value, option); }, entry.value);
     }
-}
-
-void readFile(std::FILE* file, Nelder_options* options) {
-    Entry const entries[] = {
-        {7, &options->trace},      {8, &options->traceToFile},    {9, &options->traceFile},
-        {13, &options->optLog},    {14, &options->optLogToFile},  {15, &options->optLogFile},
-        {19, &options->stats},     {20, &options->statsToFile},   {21, &options->statsFile},
-        {25, &options->reflexion}, {26, &options->contraction},   {27, &options->expansion},
-        {28, &options->reduction}, {32, &options->initialType},   {33, &options->initialSize},
-        {37, &options->pivotType}, {41, &options->stopType},      {42, &options->tolCost},
-        {43, &options->tolX},      {44, &options->maxEvalFactor},
-    };
-    readEntries(file, entries);
 }
 
 }  // namespace
 
-void Nelder_init_options(Nelder_options* options) {
-    *options = DEFAULTS;
-    std::FILE* const file = std::fopen("nelder.dat", "r");
-    if (!file)
-        return;
-    readFile(file, options);
-    std::fclose(file);
+Nelder_options Nelder_default_options() {
+    return DEFAULTS;
+}
+
+void Nelder_read_options(std::istream& text, Nelder_options& options) {
+    Entry const entries[] = {
+        {7, &options.trace},      {8, &options.traceToFile},    {9, &options.traceFile},
+        {13, &options.optLog},    {14, &options.optLogToFile},  {15, &options.optLogFile},
+        {19, &options.stats},     {20, &options.statsToFile},   {21, &options.statsFile},
+        {25, &options.reflexion}, {26, &options.contraction},   {27, &options.expansion},
+        {28, &options.reduction}, {32, &options.initialType},   {33, &options.initialSize},
+        {37, &options.pivotType}, {41, &options.stopType},      {42, &options.tolCost},
+        {43, &options.tolX},      {44, &options.maxEvalFactor},
+    };
+    readEntries(text, entries);
 }

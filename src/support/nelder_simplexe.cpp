@@ -15,7 +15,8 @@ struct Start {
     double const* upper;
     int n;
     double size;
-    int seed = 0;  // Optim_ran0 takes it at the first draw of the process only
+    Optim_random& random;
+    int seed = 0;  // the generator takes it at its first draw only
 };
 
 // Offsets, as fractions of the range, of a regular simplex with one corner at the start. Point i
@@ -43,12 +44,12 @@ double axialCoordinate(Start const& start, int i, int j) {
 
 double uniformCoordinate(Start& start, int j) {
     double const range = start.upper[j] - start.lower[j];
-    return start.lower[j] + range * Optim_ran0(&start.seed);
+    return start.lower[j] + range * start.random.draw(&start.seed);
 }
 
 double aroundCoordinate(Start& start, int j) {
     double const range = start.upper[j] - start.lower[j];
-    return start.x[j] + (Optim_ran0(&start.seed) - 0.5) * range * start.size;
+    return start.x[j] + (start.random.draw(&start.seed) - 0.5) * range * start.size;
 }
 
 double initialCoordinate(int type, Start& start, int i, int j) {
@@ -152,8 +153,8 @@ int Nelder_verifie_simplexe(Nelder_simplex const& simplex) {
 }
 
 void Nelder_initial(int type, double size, double const* x, double const* lower,
-                    double const* upper, Nelder_simplex& simplex) {
-    Start start = {x, lower, upper, simplex.n, size};
+                    double const* upper, Optim_random& random, Nelder_simplex& simplex) {
+    Start start = {x, lower, upper, simplex.n, size, random};
     std::copy(x, x + simplex.n, simplex.point[0].x.begin());
     for (int i = 1; i <= simplex.n; ++i)
         for (int j = 0; j < simplex.n; ++j)

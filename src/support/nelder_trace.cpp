@@ -1,12 +1,21 @@
-// The outputs of the optimiser: their opening, and the trace of a search.
+// The trace of a search.
 #include "support/nelder.h"
+#include "support/numbers.h"
 
 namespace {
 
-void traceRule(std::FILE* trace, int n, char const* end) {
+void traceRule(std::ostream& trace, int n, char const* end) {
     for (int j = 0; j < n; ++j)
-        std::fputs("============  ", trace);
-    std::fputs(end, trace);
+        trace << "============  ";
+    trace << end;
+}
+
+std::string inColumn(double value) {
+    return flushRight(shortText(value), 12);
+}
+
+std::string inColumn(int count) {
+    return flushRight(std::to_string(count), 8);
 }
 
 char const* stateText(int state) {
@@ -24,41 +33,25 @@ char const* stateText(int state) {
 
 }  // namespace
 
-void Nelder_ferme::operator()(std::FILE* file) const {
-    if (file != stdout)
-        std::fclose(file);
-}
-
-Nelder_sortie Nelder_ouvre(int wanted, int toFile, char const* name) {
-    if (!wanted)
-        return nullptr;
-    if (!toFile)
-        return Nelder_sortie(stdout);
-    if (std::FILE* const file = std::fopen(name, "w"))
-        return Nelder_sortie(file);
-    std::fprintf(stderr, "\n!!! ATTENTION: impossible d'ouvrir le fichier: %s !!!\n", name);
-    return Nelder_sortie(stdout);
-}
-
-void Nelder_trace_initial(std::FILE* trace, int n) {
+void Nelder_trace_initial(std::ostream& trace, int n) {
     traceRule(trace, n, "============ \n");
     for (int j = 0; j < n; ++j)
-        std::fprintf(trace, "     x%-4d    ", j + 1);
-    std::fputs("    cout \n", trace);
+        trace << "     x" << flushLeft(std::to_string(j + 1), 4) << "    ";
+    trace << "    cout \n";
     traceRule(trace, n, "============ \n\n");
 }
 
-void Nelder_trace(std::FILE* trace, Nelder_simplex const& simplex) {
+void Nelder_trace(std::ostream& trace, Nelder_simplex const& simplex) {
     for (int i = simplex.n; i >= 0; --i) {
         for (double const coordinate : simplex.point[i].x)
-            std::fprintf(trace, "%12.6g  ", coordinate);
-        std::fprintf(trace, "%12.6g \n", simplex.point[i].cost);
+            trace << inColumn(coordinate) << "  ";
+        trace << inColumn(simplex.point[i].cost) << " \n";
     }
-    std::fputs("\n", trace);
+    trace << "\n";
 }
 
-void Nelder_trace_final(std::FILE* trace, int state, int iterations, int evaluations) {
-    std::fprintf(trace, "Etat des calculs: %s", stateText(state));
-    std::fprintf(trace, "Nombre d'iterations du simplexe: %8d\n", iterations);
-    std::fprintf(trace, "Nombre d'evaluations du cout:    %8d\n\n", evaluations);
+void Nelder_trace_final(std::ostream& trace, int state, int iterations, int evaluations) {
+    trace << "Etat des calculs: " << stateText(state)
+          << "Nombre d'iterations du simplexe: " << inColumn(iterations) << "\n"
+          << "Nombre d'evaluations du cout:    " << inColumn(evaluations) << "\n\n";
 }

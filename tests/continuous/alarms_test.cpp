@@ -4,42 +4,19 @@
 
 #include <random>
 
-#include "continuous/exchange.h"
 #include "dynamic_fixture.h"
 
 namespace dynamic_test {
 namespace {
 
-// What the hooks were given last.
+// What the host was given last.
 struct Handed {
-    std::string name, text;
+    std::string text;
     std::vector<int> low, high, misb;
     int calls = 0;
 };
 
 Handed handed;
-
-}  // namespace
-}  // namespace dynamic_test
-
-// The environment of the engine, in this executable. The result shows that it is handed on.
-int sorn_setAlarms(char const* name, int count, int const* low, int const* high, int const* misb) {
-    dynamic_test::handed = {name,
-                            "",
-                            {low, low + count},
-                            {high, high + count},
-                            {misb, misb + count},
-                            dynamic_test::handed.calls + 1};
-    return 17;
-}
-
-int sorn_sendDiagnosis(char const* name, char const* text) {
-    dynamic_test::handed = {name, text, {}, {}, {}, dynamic_test::handed.calls + 1};
-    return 18;
-}
-
-namespace dynamic_test {
-namespace {
 
 // One measured variable, with a prediction and a measure in the notation of values.
 class Alarms : public testing::Test {
@@ -48,9 +25,19 @@ protected:
         v = plant.add("v", obj("0"));
         plant.measure(v, 0);
         plant.rt.precision = 0.01;
-        plant.rt.name = "plant";
         handed = {};
+        testHost().onAlarms = [](int count, int const* low, int const* high, int const* misb) {
+            handed = {"",
+                      {low, low + count},
+                      {high, high + count},
+                      {misb, misb + count},
+                      handed.calls + 1};
+        };
+        testHost().onDiagnosis = [](std::string const& text) {
+            handed = {text, {}, {}, {}, handed.calls + 1};
+        };
     }
+    ~Alarms() override { testHost().onAlarms = nullptr, testHost().onDiagnosis = nullptr; }
 
     void check(char const* prediction, double measure, int threshold = 3) {
         v->old = obj(prediction);
@@ -328,22 +315,22 @@ TEST_F(Alarms, TheMirrorsAndTheHookGetEveryMeasure) {
     second->meslowmisb = 8;
     second->meshighmisb = 9;
     second->mesmisb = 10;
-    EXPECT_EQ(sn_yieldAlarms(&plant.rt), 17);
+    EXPECT_EQ(sn_yieldAlarms(&plant.rt), 1);
     using Values = std::vector<int>;
     EXPECT_EQ(plant.rt.lowalarm, (Values{1, 6}));
     EXPECT_EQ(plant.rt.highalarm, (Values{2, 7}));
     EXPECT_EQ(plant.rt.meslowmisb, (Values{3, 8}));
     EXPECT_EQ(plant.rt.meshighmisb, (Values{4, 9}));
     EXPECT_EQ(plant.rt.mesmisb, (Values{5, 10}));
-    EXPECT_EQ(handed.name, "plant");
     EXPECT_EQ(handed.low, (Values{1, 6}));
     EXPECT_EQ(handed.high, (Values{2, 7}));
     EXPECT_EQ(handed.misb, (Values{3, 8}));
     EXPECT_EQ(handed.calls, 1);
 }
 
-TEST_F(Alarms, WithoutMeasuresTheHookIsNotCalled) {
+TEST_F(Alarms, WithoutMeasuresTheHostIsNotCalled) {
     s_runtime empty;
+    empty.engine = &theEngine;
     EXPECT_EQ(sn_yieldAlarms(&empty), 1);
     EXPECT_EQ(sn_checkMs(&empty, 2), 1);
     EXPECT_EQ(handed.calls, 0);
@@ -351,8 +338,7 @@ TEST_F(Alarms, WithoutMeasuresTheHookIsNotCalled) {
 
 TEST_F(Alarms, TheDiagnosisIsHandedOn) {
     plant.rt.diagBuf = "R1.i2 is faulty\n";
-    EXPECT_EQ(sn_yieldDiags(&plant.rt), 18);
-    EXPECT_EQ(handed.name, "plant");
+    EXPECT_EQ(sn_yieldDiags(&plant.rt), 1);
     EXPECT_EQ(handed.text, "R1.i2 is faulty\n");
 }
 

@@ -8,6 +8,7 @@ namespace {
 class RandomRuntime {
 public:
     explicit RandomRuntime(unsigned seed) : dice(seed) {
+        rt.engine = &theEngine;
         make(rt.dico);
         make(rt.gvPool);
         make(rt.exprPool);

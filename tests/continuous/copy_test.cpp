@@ -14,6 +14,7 @@ public:
         : mode("mode", {"on", "off"}),
           transition(std::make_unique<StateFormula>(), std::make_unique<StateFormula>(),
                      "Nominal") {
+        rt.engine = &theEngine;
         makeVariables();
         makeConstraints();
         makeConditions();
@@ -166,6 +167,7 @@ TEST_F(Copy, OfACopyToo) {
 
 TEST_F(Copy, EveryOneTakesTheNextIdentity) {
     s_runtime source;
+    source.engine = &theEngine;
     source.num = 4;
     rt_num = 9;
     EXPECT_EQ(sn_copyRuntime(&source)->num, 9);
@@ -175,7 +177,8 @@ TEST_F(Copy, EveryOneTakesTheNextIdentity) {
 }
 
 TEST_F(Copy, OfAnEmptyRuntimeIsEmpty) {
-    s_runtime const source;
+    s_runtime source;
+    source.engine = &theEngine;
     rt_num = 1;
     SideBySide(source, *sn_copyRuntime(&source)).check();
 }

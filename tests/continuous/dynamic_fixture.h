@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "continuous/sorn-runt.h"
+#include "fixtures/one_engine.h"
 
 namespace objets_test {
 
@@ -31,7 +32,10 @@ inline s_Objet closed(double inf, double sup) {
 // first value.
 class Plant {
 public:
-    explicit Plant(double Ts = 1.0) { rt.Ts = Ts; }
+    explicit Plant(double Ts = 1.0) {
+        rt.engine = &theEngine;
+        rt.Ts = Ts;
+    }
 
     s_Variable* add(char const* nom, s_Objet const& value, int histLen = 4) {
         auto variable = std::make_unique<s_Variable>();

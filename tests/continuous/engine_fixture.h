@@ -1,6 +1,5 @@
-// What the tests of the continuous engine share: a clean engine for each test, the environment of
-// the engine in this executable (the bridge to the discrete side, the data given from outside), and
-// small discrete variables. The alarm hooks stand with the alarm tests.
+// What the tests of the continuous engine share: a clean engine for each test, a record of the
+// calls of the bridge, the data given from outside, and small discrete variables.
 #pragma once
 
 #include <gtest/gtest.h>
@@ -26,12 +25,11 @@ using objets_test::text;
 // Calls of the bridge in order, as "add <atom> #<runtime>" and "remove <atom> #<runtime>".
 extern std::vector<std::string> bridgeCalls;
 
-// What the environment hands out when misbehaviours and conditions are asked for, and what it was
-// asked with.
+// What the host hands out when misbehaviours and conditions are asked for, and what it was asked
+// with.
 struct Outside {
     std::vector<int> misbs, conds;
-    int result = 1;
-    std::string name;
+    bool given = true;
     int count = -1;
 };
 extern Outside outside;
@@ -86,7 +84,7 @@ private:
 // The events of a runtime in the order of a walk, as "+c1=low -c1=high".
 std::string events(s_runtime const& rt);
 
-// The globals of the engine as they stand at the start of the program, before and after each test.
+// The engine as it stands at the start of the program, before and after each test.
 // Runtimes that a split added to nrt are destroyed; the one that was split belongs to its test.
 class EngineTest : public testing::Test {
 protected:

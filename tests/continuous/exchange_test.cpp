@@ -223,6 +223,7 @@ protected:
     // A runtime that stands in nrt already, with one influence on a condition of this value.
     s_runtime* another(int num, boolVal value) {
         auto other = std::make_unique<s_runtime>();
+        other->engine = &theEngine;
         other->num = num;
         s_Condition* condition = adoptCondition(*other, mkCond());
         condition->val = value;
@@ -278,22 +279,19 @@ TEST_F(Exchange, MisbehavioursBecomeFlags) {
     for (s_Variable* v : {c, a, b})
         plant.measure(v, 0);
     b->mesmisb = 1;
-    plant.rt.name = "plant";
     outside.misbs = {5, 0, 0};
-    outside.result = 3;
-    EXPECT_EQ(sn_enterMisbs(&plant.rt), 3);
-    EXPECT_EQ(outside.name, "plant");
+    EXPECT_EQ(sn_enterMisbs(&plant.rt), 1);
     EXPECT_EQ(outside.count, 3);
     EXPECT_EQ(entries({c->mesmisb, a->mesmisb, b->mesmisb}), "1 0 0");
     EXPECT_EQ(entries(plant.rt.mesmisb), "5 0 0");
 }
 
-// What the hook left in the buffer counts even when it failed.
+// What the host left in the buffer counts even when it failed.
 TEST_F(Exchange, AFailureIsHandedOn) {
     s_Variable* a = plant.add("a", obj("1"));
     plant.measure(a, 0);
     plant.rt.mesmisb = {1};
-    outside.result = 0;
+    outside.given = false;
     EXPECT_EQ(sn_enterMisbs(&plant.rt), 0);
     EXPECT_EQ(a->mesmisb, 1);
 }
@@ -308,11 +306,8 @@ TEST_F(Exchange, ConditionsFromOutsideArePushed) {
     linkWithout();
     s_Influence* third = link(0);
     first->condHisto.assign(8, 0);
-    plant.rt.name = "plant";
     outside.conds = {0, 0, 1};
-    outside.result = 3;
-    EXPECT_EQ(sn_enterConds(&plant.rt), 3);
-    EXPECT_EQ(outside.name, "plant");
+    EXPECT_EQ(sn_enterConds(&plant.rt), 1);
     EXPECT_EQ(outside.count, 3);
     EXPECT_EQ(entries({first->cond->val, third->cond->val}), "0 1");
     EXPECT_EQ(entries({first->condHisto[0], third->condHisto[0]}), "0 1");
@@ -340,7 +335,7 @@ TEST_F(Exchange, AnUnconditionalInfluenceClearsTheMark) {
 TEST_F(Exchange, AFailureEndsBeforeAnyIsPushed) {
     s_Influence* i = link(1);
     outside.conds = {0};
-    outside.result = 0;
+    outside.given = false;
     EXPECT_EQ(sn_enterConds(&plant.rt), 0);
     EXPECT_EQ(dynamic_test::evaluations(*i), 0);
     EXPECT_EQ(i->cond->val, 1);

@@ -6,6 +6,7 @@
 #include <string>
 
 #include "continuous/objets.h"
+#include "fixtures/one_engine.h"
 
 namespace objets_test {
 

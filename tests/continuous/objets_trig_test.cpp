@@ -10,6 +10,7 @@
 #include <string>
 
 #include "continuous/objets.h"
+#include "fixtures/one_engine.h"
 
 namespace objets_test {
 

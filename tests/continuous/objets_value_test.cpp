@@ -7,6 +7,7 @@
 #include <type_traits>
 
 #include "continuous/objets.h"
+#include "fixtures/one_engine.h"
 
 namespace objets_test {
 

@@ -23,14 +23,14 @@ protected:
     }
 
     // What a printer of the runtime, or of a record of it, writes for people, and as data.
-    template <typename Printer, typename... Records>
-    static std::string people(Printer print, Records... records) {
+    template <typename... Parameters, typename... Records>
+    static std::string people(void (*print)(std::FILE*, Parameters...), Records... records) {
         std::string err;
         out = printed([&] { err = complaint([&] { print(stderr, records...); }); });
         return err;
     }
-    template <typename Printer, typename... Records>
-    static std::string data(Printer print, Records... records) {
+    template <typename... Parameters, typename... Records>
+    static std::string data(void (*print)(std::FILE*, Parameters...), Records... records) {
         return printed([&] { print(stdout, records...); });
     }
 

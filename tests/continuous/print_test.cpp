@@ -1,6 +1,5 @@
 // Text forms of constraint variables, expressions, conditions and influences, byte for byte.
 #include "engine_fixture.h"
-#include "model/influencePrinter.h"
 
 namespace engine_test {
 namespace {

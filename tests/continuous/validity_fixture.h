@@ -20,6 +20,7 @@ struct Regions {
 class RegionsTest : public EngineTest {
 protected:
     RegionsTest() {
+        rt.engine = &theEngine;
         rt.num = rt_num++;
         keep = &rt;
     }

@@ -1,5 +1,5 @@
 // What the tests of fault isolation share: suspects written as text, causal graphs made by hand,
-// and the globals of the engine as they stand at the start of the program.
+// and the engine as it stands at the start of the program.
 #pragma once
 
 #include <gtest/gtest.h>
@@ -10,6 +10,7 @@
 #include "continuous/isolation.h"
 #include "continuous/model_parts.h"
 #include "continuous/sorn-runt.h"
+#include "fixtures/one_engine.h"
 #include "model/model_fixture.h"
 
 namespace isolation_test {
@@ -30,6 +31,8 @@ MeasureConflicts measureWith(std::string const& notation);
 class CausalGraph {
 public:
     static constexpr int past = 8;
+
+    CausalGraph() { rt.engine = &theEngine; }
 
     // What is neither measured nor an input.
     s_Variable* variable(std::string const& name);
@@ -74,8 +77,7 @@ inline std::string sent(std::string const& text) {
 // The suspects of a walk from a variable.
 Suspects upstreamOf(s_runtime const* rt, s_Variable* variable, int delay = 0);
 
-// The globals of the engine and of a request, as they stand at the start of the program, before and
-// after each test.
+// The engine and a request as they stand at the start of the program, before and after each test.
 class IsolationTest : public testing::Test {
 protected:
     IsolationTest() { reset(); }

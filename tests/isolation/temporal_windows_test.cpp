@@ -6,6 +6,7 @@
 #include "continuous/isolation.h"
 #include "continuous/model_parts.h"
 #include "hybrid/hybrid_fixture.h"
+#include "support/run_stopped.h"
 
 using namespace hybrid_fixture;
 
@@ -17,7 +18,8 @@ protected:
     static constexpr double now = 10.0;
     static constexpr int threshold = 3;
 
-    // Runs an action in a child process, with both streams on the error stream. Like the program,
+    // Runs an action in a child process, with both streams on the error stream, and ends with the
+    // status of a run that stops. Like the program,
     // it lets the candidates go before the model on its way out.
     template <typename Action>
     static void inChild(Action action) {
@@ -26,7 +28,11 @@ protected:
             theRun().tracked_trajs.clear();
             theRun().misbtrajs.clear();
         });
-        action();
+        try {
+            action();
+        } catch (RunStopped const& stop) {
+            std::exit(stop.exitStatus());
+        }
         std::cerr << "still there" << std::endl;
         _exit(0);
     }

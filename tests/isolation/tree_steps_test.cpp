@@ -10,7 +10,7 @@ namespace {
 
 // A tree grown by one set after the other.
 HittingSetTree grown(std::vector<std::string> const& sets) {
-    HittingSetTree tree;
+    HittingSetTree tree(theEngine.host);
     for (std::string const& set : sets)
         tree.grow(suspects(set));
     return tree;
@@ -82,7 +82,7 @@ TEST(TreeSteps, LeavesOutliveTheTreeAndTheSets) {
     std::vector<Leaf> leaves;
     {
         Suspects set = suspects("a@2 b");
-        HittingSetTree tree;
+        HittingSetTree tree(theEngine.host);
         tree.grow(set);
         leaves = tree.leaves();
     }
@@ -114,21 +114,21 @@ protected:
 };
 
 TEST_F(TreeConditions, OneNameUnderTwoConditionsIsTwoSuspects) {
-    HittingSetTree tree;
+    HittingSetTree tree(theEngine.host);
     tree.grow(setOf({open}));
     tree.grow(setOf({shut}));
     EXPECT_EQ(text(tree.leaves()), "2[a a]");
 }
 
 TEST_F(TreeConditions, OneNameUnderEqualConditionsIsOneSuspect) {
-    HittingSetTree tree;
+    HittingSetTree tree(theEngine.host);
     tree.grow(setOf({open}));
     tree.grow(setOf({alike}));
     EXPECT_EQ(text(tree.leaves()), "1[a]");
 }
 
 TEST_F(TreeConditions, ExonerationTakesTheSameCondition) {
-    HittingSetTree tree;
+    HittingSetTree tree(theEngine.host);
     tree.grow(setOf({open, shut}));
     MeasureConflicts normal;
     normal.conflicts = setOf({shut});
@@ -177,7 +177,7 @@ std::vector<unsigned> minimalHittingSets(std::vector<unsigned> const& sets) {
 TEST(TreeSteps, TheLeavesAreTheMinimalHittingSets) {
     for (unsigned family = 0; family < 16 * 16 * 16; ++family) {
         std::vector<unsigned> sets;
-        HittingSetTree tree;
+        HittingSetTree tree(theEngine.host);
         for (unsigned const set : {family & 15u, family >> 4 & 15u, family >> 8 & 15u})
             if (set != 0) {
                 sets.push_back(set);

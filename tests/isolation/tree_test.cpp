@@ -7,6 +7,7 @@
 
 #include "continuous/isolation.h"
 #include "fixtures/list_tree.h"
+#include "fixtures/one_engine.h"
 
 namespace {
 
@@ -40,7 +41,7 @@ std::string textOf(ListTree const& tree) {
 
 TEST(HittingSetTree, OneSetGivesALeafPerSuspect) {
     NamedSuspects names;
-    HittingSetTree tree;
+    HittingSetTree tree(theEngine.host);
     tree.grow(names.set({"a", "b"}));
     EXPECT_EQ(textOf(tree.leaves()), "1[a ]2[b ]");
 }
@@ -49,7 +50,7 @@ TEST(HittingSetTree, OneSetGivesALeafPerSuspect) {
 // into [a, c].
 TEST(HittingSetTree, ALeafThatHitsTheSetClosesItsSupersets) {
     NamedSuspects names;
-    HittingSetTree tree;
+    HittingSetTree tree(theEngine.host);
     tree.grow(names.set({"a", "b"}));
     tree.grow(names.set({"b", "c"}));
     EXPECT_EQ(textOf(tree.leaves()), "2[b ]4[a c ]");
@@ -57,7 +58,7 @@ TEST(HittingSetTree, ALeafThatHitsTheSetClosesItsSupersets) {
 
 TEST(HittingSetTree, AnEmptySetLeavesTheTree) {
     NamedSuspects names;
-    HittingSetTree tree;
+    HittingSetTree tree(theEngine.host);
     tree.grow(names.set({"a"}));
     tree.grow({});
     EXPECT_EQ(textOf(tree.leaves()), "1[a ]");
@@ -65,7 +66,7 @@ TEST(HittingSetTree, AnEmptySetLeavesTheTree) {
 
 TEST(HittingSetTree, ABehavingMeasureExoneratesAtEqualOrLowerDelay) {
     NamedSuspects names;
-    HittingSetTree tree;
+    HittingSetTree tree(theEngine.host);
     tree.grow(names.set({"a"}, 2));
     tree.grow(names.set({"b", "c"}, 1));
     // Innocent at delay 1: b would have shown. Innocent at delay 3: a, at 2, would not.
@@ -79,7 +80,7 @@ TEST(HittingSetTree, ABehavingMeasureExoneratesAtEqualOrLowerDelay) {
 
 TEST(HittingSetTree, PreferenceGoesBySoftSuspectsAndThenBySize) {
     NamedSuspects names;
-    HittingSetTree tree;
+    HittingSetTree tree(theEngine.host);
     tree.grow(names.set({"s", "a", "b"}));
     tree.grow(names.set({"s", "b", "c"}));
     // [s] and [b] stay; [a] grows into [a c] ([a s] and [a b] are closed).
@@ -147,7 +148,7 @@ TEST(HittingSetTree, AgreesWithThePlainListVersion) {
         std::vector<std::vector<std::string>> const sets =
             randomConflictSets(random, 6, {2, 4, suspects});
         NamedSuspects names;
-        HittingSetTree tree;
+        HittingSetTree tree(theEngine.host);
         ListTree twin;
         for (auto const& set : sets) {
             tree.grow(names.set(set));
@@ -162,7 +163,7 @@ TEST(HittingSetTree, AgreesWithThePlainListVersionOnLargeTrees) {
     for (int const suspects : {30, 50}) {
         SCOPED_TRACE(std::to_string(suspects) + " suspects");
         NamedSuspects names;
-        HittingSetTree tree;
+        HittingSetTree tree(theEngine.host);
         ListTree twin;
         for (auto const& set : benchmarkConflictSets(8, suspects)) {
             tree.grow(names.set(set));
@@ -215,7 +216,7 @@ struct Outcome {
 
 Outcome outcomeOf(std::vector<std::vector<std::string>> const& sets) {
     NamedSuspects names;
-    HittingSetTree tree;
+    HittingSetTree tree(theEngine.host);
     for (auto const& set : sets)
         tree.grow(names.set(set));
     Family const expected = minimalHittingSets(sets);

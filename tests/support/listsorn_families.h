@@ -8,7 +8,7 @@
 #include <optional>
 #include <vector>
 
-#include "support/listsorn.h"
+#include "unlinked/listsorn.h"
 
 inline int equalNumbers(void* item, void* searched) {
     return *static_cast<int*>(item) == *static_cast<int*>(searched);

@@ -4,9 +4,9 @@
 #include <cstdlib>
 #include <cstring>
 
-#include "support/listsorn.h"
 #include "support/listsorn_families.h"
-#include "support/new_memory.h"
+#include "unlinked/listsorn.h"
+#include "unlinked/new_memory.h"
 
 namespace {
 

@@ -4,8 +4,8 @@
 #include <algorithm>
 #include <random>
 
-#include "support/listsorn.h"
 #include "support/listsorn_families.h"
+#include "unlinked/listsorn.h"
 
 namespace {
 

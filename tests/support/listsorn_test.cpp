@@ -1,6 +1,6 @@
 // The list operations one by one, on both families. The random comparison with a vector is in
 // listsorn_random_test.cpp, exhausted memory in listsorn_memory_test.cpp.
-#include "support/listsorn.h"
+#include "unlinked/listsorn.h"
 
 #include <gtest/gtest.h>
 

@@ -10,37 +10,40 @@
 #include <thread>
 #include <vector>
 
+#include "support/host.h"
+
 namespace {
 
 constexpr double megabyte = 1024.0 * 1024.0;
 
-bool always() {
-    return true;
-}
-bool never() {
-    return false;
-}
+class Decided : public Host {
+public:
+    explicit Decided(bool answer) : answer(answer) {}
+    bool memoryRunsShort() override { return answer; }
 
-class Watch : public testing::Test {
-protected:
-    ~Watch() override { memoryRunsShort = &systemMemoryRunsShort; }
+private:
+    bool answer;
 };
 
-TEST_F(Watch, GoesByTheOneDecision) {
-    memoryRunsShort = &never;
-    EXPECT_NO_THROW(watchMemory());
-    memoryRunsShort = &always;
-    EXPECT_THROW(watchMemory(), MemoryRunsShort);
+TEST(Watch, GoesByTheDecisionOfTheHost) {
+    Decided enough(false), little(true);
+    EXPECT_NO_THROW(watchMemory(enough));
+    EXPECT_THROW(watchMemory(little), MemoryRunsShort);
+}
+
+TEST(Watch, TheSilentHostNeverRunsShort) {
+    Host silent;
+    EXPECT_NO_THROW(watchMemory(silent));
 }
 
 // So that it leaves a step by the same road as an allocation that fails.
-TEST_F(Watch, ThrowsWhatAFailedAllocationThrows) {
-    memoryRunsShort = &always;
-    EXPECT_THROW(watchMemory(), std::bad_alloc);
+TEST(Watch, ThrowsWhatAFailedAllocationThrows) {
+    Decided little(true);
+    EXPECT_THROW(watchMemory(little), std::bad_alloc);
 }
 
-// In a child, whose address space may grow by *spare* bytes. Leaves with 1 when memory runs short.
-[[noreturn]] void lookWith(double spare) {
+// So that its address space may grow by *spare* bytes, of a child.
+void leave(double spare) {
     std::ifstream file("/proc/self/statm");
     double pages = 0.0;
     file >> pages;
@@ -50,13 +53,39 @@ TEST_F(Watch, ThrowsWhatAFailedAllocationThrows) {
     limit.rlim_max = RLIM_INFINITY;
     if (setrlimit(RLIMIT_AS, &limit) != 0)
         _exit(10);
-    std::this_thread::sleep_for(std::chrono::milliseconds(5));
-    _exit(systemMemoryRunsShort() ? 1 : 0);
 }
 
-TEST_F(Watch, KeepsSixtyFourMegabytes) {
+// In a child. Leaves with 1 when memory runs short.
+[[noreturn]] void lookWith(double spare) {
+    leave(spare);
+    SystemMemoryWatch watch;
+    _exit(watch.runsShort() ? 1 : 0);
+}
+
+TEST(Watch, KeepsSixtyFourMegabytes) {
     EXPECT_EXIT(lookWith(56.0 * megabyte), testing::ExitedWithCode(1), "");
     EXPECT_EXIT(lookWith(80.0 * megabyte), testing::ExitedWithCode(0), "");
+}
+
+// In a child: looks again at once, and then late enough. Each watch remembers its own last look.
+[[noreturn]] void lookTwice() {
+    SystemMemoryWatch watch, other;
+    bool const before = watch.runsShort();
+    leave(8.0 * megabyte);
+    bool const atOnce = watch.runsShort(), elsewhere = other.runsShort();
+    std::this_thread::sleep_for(std::chrono::milliseconds(5));
+    _exit((before ? 8 : 0) + (atOnce ? 4 : 0) + (elsewhere ? 2 : 0) + (watch.runsShort() ? 1 : 0));
+}
+
+// The second look may come late on a busy machine; then it sees the shortage too.
+TEST(Watch, LooksAtMostOnceAMillisecond) {
+    EXPECT_EXIT(
+        lookTwice(),
+        [](int status) {
+            int const looks = WEXITSTATUS(status);
+            return WIFEXITED(status) && (looks == 3 || looks == 7);
+        },
+        "");
 }
 
 // The allocator of the address sanitizer does not reuse what it was given back.
@@ -78,7 +107,7 @@ constexpr bool reusesMemory = true;
     lookWith(40.0 * megabyte);
 }
 
-TEST_F(Watch, CountsWhatTheAllocatorHoldsFree) {
+TEST(Watch, CountsWhatTheAllocatorHoldsFree) {
     if (!reusesMemory)
         GTEST_SKIP() << "nothing is held free";
     EXPECT_EXIT(lookWithHeap(false), testing::ExitedWithCode(1), "");

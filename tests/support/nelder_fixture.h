@@ -12,8 +12,8 @@
 #include <string>
 #include <vector>
 
-#include "support/nelder.h"
-#include "support/optim.h"
+#include "unlinked/nelder_calls.h"
+#include "unlinked/optim_calls.h"
 
 typedef std::vector<double> Point;
 

@@ -151,4 +151,40 @@ TEST_F(NelderOptions, TheFileIsClosed) {
     EXPECT_EQ(after, before);  // the lowest free descriptor is the same
 }
 
+// ---- From any stream ----
+
+TEST(NelderReadOptions, AStreamReplacesWhatItHoldsAndLeavesTheRest) {
+    Nelder_options options = Nelder_default_options();
+    options.optLog = 77;
+    std::istringstream text(std::string(6, '\n') + "3 trace\n\nmy.out\n");
+    Nelder_read_options(text, options);
+    EXPECT_EQ(options.trace, 3);
+    EXPECT_EQ(options.traceToFile, 0);
+    EXPECT_STREQ(options.traceFile, "my.out");
+    EXPECT_EQ(options.optLog, 77);
+}
+
+// A number is read as far as it goes, and a sign, a prefix or a letter alone is none.
+TEST(NelderReadOptions, NumbersAreReadAsFarAsTheyGo) {
+    std::pair<char const*, double> const texts[] = {
+        {"12abc", 12}, {"1.5.3", 1.5}, {"-2e", -2}, {"0x10", 16}, {"+.5", 0.5}, {"1,5", 1},
+        {"-", 1},      {"e5", 1},      {".", 1},    {"0xg", 1.0}, {"#4", 1},    {"in", 1}};
+    for (auto const& [number, expected] : texts) {
+        Nelder_options options = Nelder_default_options();  // 1 for the reflexion
+        std::istringstream text(std::string(24, '\n') + number);
+        Nelder_read_options(text, options);
+        EXPECT_EQ(options.reflexion, expected) << number;
+    }
+}
+
+TEST(NelderReadOptions, ANameEndsAtAZero) {
+    Nelder_options options = Nelder_default_options();
+    std::string content = std::string(8, '\n') + "abXdef\n\n\n\n" + "5\n";
+    content[content.find('X')] = '\0';
+    std::istringstream text(content);
+    Nelder_read_options(text, options);
+    EXPECT_STREQ(options.traceFile, "ab");
+    EXPECT_EQ(options.optLog, 5);
+}
+
 }  // namespace

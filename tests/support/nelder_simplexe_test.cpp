@@ -31,7 +31,7 @@ struct NelderInitial : NelderTest {
 
     static std::vector<Point> initial(int type, double size) {
         Nelder_simplex simplex(2);
-        Nelder_initial(type, size, x, lower, upper, simplex);
+        Nelder_initial(type, size, x, lower, upper, Optim_process_random(), simplex);
         std::vector<Point> points;
         for (Nelder_point const& point : simplex.point)
             points.push_back(point.x);
@@ -56,7 +56,7 @@ TEST_F(NelderInitial, Type1IsRegularInUnitsOfTheRanges) {
 
 TEST_F(NelderInitial, Type1InOneDimensionStepsByTheRootOfTwo) {
     Nelder_simplex simplex(1);
-    Nelder_initial(1, 0.1, x, lower, upper, simplex);
+    Nelder_initial(1, 0.1, x, lower, upper, Optim_process_random(), simplex);
     ASSERT_EQ(simplex.point.size(), 2u);
     EXPECT_DOUBLE_EQ(simplex.point[1].x[0], 4.0 + 10 * 0.1 * std::sqrt(2.0));
 }

@@ -197,7 +197,8 @@ TEST_F(NelderStep, ACostErrorInTheExpansionLeavesXAlthoughABetterPointIsKnown) {
 // The steps by themselves: each fills its own work point and leaves the simplex alone.
 TEST_F(NelderStep, TheStepFunctionsFillTheirWorkPoint) {
     costAt = [](Point const& z) { return z[0] + 3 * z[1]; };
-    Nelder_search search(options, {recordedCost, 2, lower.data(), upper.data(), nullptr, nullptr});
+    Nelder_search search(options, {recordedCost, 2, lower.data(), upper.data(), nullptr, nullptr},
+                         Optim_process_random(), nullptr);
     for (int i = 0; i < 3; ++i)
         search.simplex.point[i] = {TRIANGLE[i], costAt(TRIANGLE[i])};
     search.pivot = {4.5, 4.0};
@@ -217,7 +218,8 @@ TEST_F(NelderStep, TheStepFunctionsFillTheirWorkPoint) {
 
 TEST_F(NelderStep, TheReductionMovesAndEvaluatesAllButTheBest) {
     costAt = [](Point const& z) { return z[0] + 3 * z[1]; };
-    Nelder_search search(options, {recordedCost, 2, lower.data(), upper.data(), nullptr, nullptr});
+    Nelder_search search(options, {recordedCost, 2, lower.data(), upper.data(), nullptr, nullptr},
+                         Optim_process_random(), nullptr);
     for (int i = 0; i < 3; ++i)
         search.simplex.point[i] = {TRIANGLE[i], costAt(TRIANGLE[i])};
     EXPECT_EQ(Nelder_reduction(search), 1);

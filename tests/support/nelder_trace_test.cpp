@@ -166,9 +166,9 @@ TEST_F(NelderTrace, TheTraceFileIsClosedAfterACostError) {
 }
 
 std::string finalFor(int state) {
-    CaptureStdout();
-    Nelder_trace_final(stdout, state, 12, 345);
-    return GetCapturedStdout();
+    std::ostringstream trace;
+    Nelder_trace_final(trace, state, 12, 345);
+    return trace.str();
 }
 
 TEST(NelderTraceFinal, NamesEveryState) {
@@ -183,9 +183,9 @@ TEST(NelderTraceFinal, NamesEveryState) {
 }
 
 TEST(NelderTraceInitial, WideNumbersKeepTheColumns) {
-    CaptureStdout();
-    Nelder_trace_initial(stdout, 12);
-    std::string const header = GetCapturedStdout();
+    std::ostringstream trace;
+    Nelder_trace_initial(trace, 12);
+    std::string const header = trace.str();
     EXPECT_NE(header.find("     x9            x10           x11           x12          cout \n"),
               std::string::npos)
         << header;
@@ -195,9 +195,9 @@ TEST(NelderTracePoints, RoundsToSixDigits) {
     Nelder_simplex simplex(1);
     simplex.point[0] = {{1.0 / 3.0}, -1234567.0};
     simplex.point[1] = {{-2e-10}, 0.0};
-    CaptureStdout();
-    Nelder_trace(stdout, simplex);
-    EXPECT_EQ(GetCapturedStdout(),
+    std::ostringstream trace;
+    Nelder_trace(trace, simplex);
+    EXPECT_EQ(trace.str(),
               "      -2e-10             0 \n"
               "    0.333333  -1.23457e+06 \n\n");
 }

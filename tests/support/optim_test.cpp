@@ -1,6 +1,6 @@
 // The helpers of the optimiser. The random generator is compared with a second one that is written
 // from its description alone, over the same draws of random().
-#include "support/optim.h"
+#include "unlinked/optim_calls.h"
 
 #include <gtest/gtest.h>
 
@@ -56,6 +56,47 @@ TEST(OptimRan0, TheTableSurvivesAcrossCallsAndSeeds) {
     EXPECT_EQ(Optim_ran0(&other), expected[1]);
     EXPECT_EQ(other, 0);
     EXPECT_EQ(drandom_(&other), expected[2]);
+}
+
+// ---- The generator that an object owns ----
+
+std::vector<double> draws(Optim_random& random, int* seed, int count) {
+    std::vector<double> results;
+    for (int i = 0; i < count; ++i)
+        results.push_back(random.draw(seed));
+    return results;
+}
+
+TEST(OptimRandom, AFreshOneDrawsWhatTheLibraryDrawsAtTheStartOfAProcess) {
+    int seed = 0;
+    Optim_random random;
+    EXPECT_EQ(draws(random, &seed, 1000), expectedDraws(0, 1000));
+    EXPECT_EQ(seed, 1);
+}
+
+TEST(OptimRandom, ANegativeSeedRestartsIt) {
+    int seed = -7;
+    Optim_random random;
+    std::vector<double> const first = draws(random, &seed, 300);
+    EXPECT_EQ(first, expectedDraws(-7, 300));
+    seed = -7;
+    EXPECT_EQ(draws(random, &seed, 300), first);
+}
+
+TEST(OptimRandom, NoOtherGeneratorTakesPart) {
+    int seed = -7, other = -7;
+    Optim_random a, b;
+    std::vector<double> const expected = expectedDraws(-7, 20);
+    srandom(4);
+    long const next = random();
+    srandom(4);
+    for (double const draw : expected) {
+        EXPECT_EQ(a.draw(&seed), draw);
+        EXPECT_EQ(b.draw(&other), draw);
+        int process = -3;
+        Optim_ran0(&process);
+    }
+    EXPECT_EQ(random(), next) << "the library's generator was used";
 }
 
 // Exits with 0 when the first call of a fresh process starts from a seed that is not negative.

@@ -46,8 +46,8 @@ void findConflicts(s_runtime const* rt, std::vector<MeasureConflicts>& measures)
     }
 }
 
-HittingSetTree growTree(std::vector<MeasureConflicts> const& misbVars) {
-    HittingSetTree tree;
+HittingSetTree growTree(Host& host, std::vector<MeasureConflicts> const& misbVars) {
+    HittingSetTree tree(host);
     for (MeasureConflicts const& misb : misbVars)
         for (Suspects const& set : misb.conflictSets)
             tree.grow(set);
@@ -114,8 +114,8 @@ void hittingSetDiagnosis(s_runtime* rt, int level) {
         findConflicts(rt, sorted.normalVars);
     Suspects soft;
     if (level == LEVEL_PREFERENCE)
-        soft = generateSoftConflictSets(sorted.misbVars, sorted.normalVars);
-    HittingSetTree tree = growTree(sorted.misbVars);
+        soft = generateSoftConflictSets(rt->engine->host, sorted.misbVars, sorted.normalVars);
+    HittingSetTree tree = growTree(rt->engine->host, sorted.misbVars);
     if (level == LEVEL_EXONERATION)
         tree.exonerate(sorted.normalVars);
     if (level == LEVEL_PREFERENCE)
@@ -170,7 +170,7 @@ int sorn_doCycle(s_runtime* rt, int mode, int threshold) {
     failures += sn_enterMeasures(rt) == 0 ? 1 : 0;
     sn_doStepUntemp(rt);
     bool const invalid = sn_yieldMRTConds(rt) == 2;
-    for (auto const& entry : nrt)
+    for (auto const& entry : rt->engine->nrt)
         finishRuntime(rt, entry.second, mode, threshold);
     if (mode == CYCLE_RESET)
         sn_resetMs(rt);

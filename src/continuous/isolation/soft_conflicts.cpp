@@ -63,9 +63,9 @@ Suspects symmetricDifference(Suspects const& a, Suspects const& b) {
 // The tree of one misbehaving measure, and what its sets add to the soft suspects of all.
 class ClassTree {
 public:
-    ClassTree(MeasureConflicts& root, std::vector<MeasureConflicts> const& normalVars,
+    ClassTree(Host& host, MeasureConflicts& root, std::vector<MeasureConflicts> const& normalVars,
               std::vector<MeasureConflicts> const& misbVars, Suspects& soft)
-        : misbVars(misbVars), soft(soft) {
+        : host(host), misbVars(misbVars), soft(soft) {
         nodes.push_back({&root, &root.conflicts, {}, {}});
         for (MeasureConflicts const& normal : normalVars)
             nodes.push_back({nullptr, &normal.conflicts, {}, {copySuspects(normal.conflicts)}});
@@ -115,7 +115,7 @@ private:
     void generateSynonyms(SoftVar& node, std::vector<SoftVar*> const& subset, std::size_t position,
                           Suspects const& accumulated) {
         for (Suspects const& set : subset[position]->sets) {
-            watchMemory();
+            watchMemory(host);
             Suspects const united = unite(set, accumulated);
             if (position + 1 < subset.size())
                 generateSynonyms(node, subset, position + 1, united);
@@ -146,6 +146,7 @@ private:
         }
     }
 
+    Host& host;
     std::vector<MeasureConflicts> const& misbVars;
     Suspects& soft;
     std::deque<SoftVar> nodes;  // the root first; addresses are stable
@@ -153,10 +154,10 @@ private:
 
 }  // namespace
 
-Suspects generateSoftConflictSets(std::vector<MeasureConflicts>& misbVars,
+Suspects generateSoftConflictSets(Host& host, std::vector<MeasureConflicts>& misbVars,
                                   std::vector<MeasureConflicts> const& normalVars) {
     Suspects soft;
     for (MeasureConflicts& misb : misbVars)
-        ClassTree(misb, normalVars, misbVars, soft);
+        ClassTree(host, misb, normalVars, misbVars, soft);
     return soft;
 }

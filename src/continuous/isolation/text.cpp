@@ -2,34 +2,25 @@
 // the influence's name, its delay and its condition, as in [{T1.i1,0,((thermostat.mode=on))}].
 #include <algorithm>
 #include <cassert>
-#include <cstdarg>
-#include <cstdio>
 
 #include "continuous/bridge.h"
 #include "continuous/isolation.h"
 #include "continuous/sorn-runt.h"
 #include "model/Atom.h"
 #include "support/memory_watch.h"
+#include "support/numbers.h"
 
 namespace {
 
-[[gnu::format(printf, 2, 3)]] void append(s_runtime* rt, char const* format, ...) {
-    va_list arguments, again;
-    va_start(arguments, format);
-    va_copy(again, arguments);
-    int const length = std::vsnprintf(nullptr, 0, format, arguments);
-    va_end(arguments);
-    std::vector<char> text(static_cast<std::size_t>(length) + 1);
-    std::vsnprintf(text.data(), text.size(), format, again);
-    va_end(again);
-    rt->diagBuf.append(text.data(), static_cast<std::size_t>(length));
+void append(s_runtime* rt, std::string const& text) {
+    rt->diagBuf += text;
 }
 
 void printDiagValue(s_runtime* rt, s_Objet const& value) {
     if (isRange(value))
-        append(rt, "%g %g", value.rng.inf, value.rng.sup);
+        append(rt, shortText(value.rng.inf) + " " + shortText(value.rng.sup));
     else
-        append(rt, "%g", sn_infOf(value));
+        append(rt, shortText(sn_infOf(value)));
 }
 
 // Required: two operators have no text, and the right-hand side is never written.
@@ -51,13 +42,13 @@ void printDiagRelation(s_runtime* rt, s_Condition const* condition) {
         default:
             break;
     }
-    append(rt, "%s%s", condition->var->nom.c_str(), relation);
+    append(rt, condition->var->nom + relation);
 }
 
 void printDiagOperands(s_runtime* rt, s_Condition const* condition, char const* separator) {
     if (condition->left != nullptr) {
         sn_printDiagCond(rt, condition->left);
-        append(rt, "%s", separator);
+        append(rt, separator);
     }
     if (condition->right != nullptr)
         sn_printDiagCond(rt, condition->right);
@@ -66,7 +57,7 @@ void printDiagOperands(s_runtime* rt, s_Condition const* condition, char const* 
 void printDiagBody(s_runtime* rt, s_Condition const* condition) {
     switch (condition->kind) {
         case COND_CONST:
-            append(rt, "%s", condition->val == 1 ? "true" : "false");
+            append(rt, condition->val == 1 ? "true" : "false");
             break;
         case COND_REL:
             printDiagRelation(rt, condition);
@@ -82,7 +73,7 @@ void printDiagBody(s_runtime* rt, s_Condition const* condition) {
             sn_printDiagCond(rt, condition->left);
             break;
         case COND_ATOM:
-            append(rt, "(%s)", condition->atom->getId());
+            append(rt, std::string("(") + condition->atom->getId() + ")");
             printDiagOperands(rt, condition, " | ");
             break;
         case COND_EXPR:
@@ -128,7 +119,7 @@ void printHSTree(s_runtime* rt, std::vector<Leaf> const& leaves) {
     std::vector<s_Condition const*> existingConflicts;
     rt->bridgeConflicts.emplace();
     for (Leaf const& leaf : leaves) {
-        watchMemory();
+        watchMemory(rt->engine->host);
         append(rt, "[");
         for (auto const& suspect : leaf.conflictSet) {
             addBridgeConflict(rt, suspect->influence->cond, existingConflicts);
@@ -140,10 +131,10 @@ void printHSTree(s_runtime* rt, std::vector<Leaf> const& leaves) {
 
 void printConflict(s_runtime* rt, Conflict const* conflict) {
     if (conflict == nullptr) {
-        std::fprintf(stderr, "Unable to print conflict (NULL Pointer)\n");
+        rt->engine->err << "Unable to print conflict (NULL Pointer)\n";
         return;
     }
-    append(rt, "{%s,%d,", conflict->name.c_str(), conflict->delay);
+    append(rt, "{" + conflict->name + "," + std::to_string(conflict->delay) + ",");
     if (conflict->influence->cond == nullptr)
         append(rt, "()");
     else
@@ -158,11 +149,11 @@ void sn_printDiagCond(s_runtime* rt, s_Condition const* condition) {
 }
 
 void sn_printDiagExpr(s_runtime* rt, s_Expr const* expr) {
-    static char const* const operators[] = {"+", "-", "*", "/", "**"};
+    static constexpr char const* operators[] = {"+", "-", "*", "/", "**"};
     if (expr->op == EXPR_CONST) {
         printDiagValue(rt, expr->gvar->value);
     } else if (expr->op == EXPR_VAR) {
-        append(rt, "%s", expr->gvar->var->nom.c_str());
+        append(rt, expr->gvar->var->nom);
     } else if (expr->op == EXPR_NEG) {
         append(rt, "-(");
         sn_printDiagExpr(rt, expr->left);
@@ -171,7 +162,7 @@ void sn_printDiagExpr(s_runtime* rt, s_Expr const* expr) {
         append(rt, "(");
         sn_printDiagExpr(rt, expr->left);
         assert(expr->op >= EXPR_ADD && expr->op < EXPR_ADD + 5);
-        append(rt, ")%s(", operators[expr->op - EXPR_ADD]);
+        append(rt, std::string(")") + operators[expr->op - EXPR_ADD] + "(");
         sn_printDiagExpr(rt, expr->right);
         append(rt, ")");
     }

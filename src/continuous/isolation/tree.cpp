@@ -160,6 +160,9 @@ void quickSort(std::vector<T>& items, int low, int high, Less less) {
 struct HittingSetTree::Implementation {
     class Growth;
 
+    explicit Implementation(Host& host) : host(host) {}
+
+    Host& host;
     std::vector<Met> met;
     std::vector<Conflict const*> kinds;  // by number, the first suspect of its kind
     std::vector<Branch> branches;
@@ -196,7 +199,7 @@ struct HittingSetTree::Implementation {
     }
 
     Branch extend(Branch const& from, int member, int number) const {
-        watchMemory();
+        watchMemory(host);
         Branch extended{number, {}, from.held};
         extended.members.reserve(from.members.size() + 1);
         extended.members = from.members;
@@ -260,7 +263,7 @@ private:
     std::vector<ClosingSets> closing;  // by suspect of the set
 };
 
-HittingSetTree::HittingSetTree() : own(std::make_unique<Implementation>()) {}
+HittingSetTree::HittingSetTree(Host& host) : own(std::make_unique<Implementation>(host)) {}
 HittingSetTree::~HittingSetTree() = default;
 HittingSetTree::HittingSetTree(HittingSetTree&&) noexcept = default;
 HittingSetTree& HittingSetTree::operator=(HittingSetTree&&) noexcept = default;
@@ -311,7 +314,7 @@ void HittingSetTree::sortByPreference(Suspects const& softConflicts) {
 std::vector<Leaf> HittingSetTree::leaves() const {
     std::vector<Leaf> leaves;
     for (Branch const& branch : own->branches) {
-        watchMemory();
+        watchMemory(own->host);
         Leaf leaf{branch.number, {}};
         for (int const member : branch.members)
             leaf.conflictSet.push_back(own->met[static_cast<std::size_t>(member)].suspect);

@@ -8,7 +8,6 @@
 #include <cassert>
 #include <cmath>
 
-#include "continuous/exchange.h"
 #include "continuous/sorn-runt.h"
 
 namespace {
@@ -99,10 +98,12 @@ int sn_yieldAlarms(s_runtime* rt) {
         rt->meshighmisb[i] = measure.meshighmisb;
         rt->mesmisb[i] = measure.mesmisb;
     }
-    return sorn_setAlarms(rt->name.c_str(), static_cast<int>(count), rt->lowalarm.data(),
-                          rt->highalarm.data(), rt->meslowmisb.data());
+    rt->engine->host.alarms(static_cast<int>(count), rt->lowalarm.data(), rt->highalarm.data(),
+                            rt->meslowmisb.data());
+    return 1;
 }
 
 int sn_yieldDiags(s_runtime* rt) {
-    return sorn_sendDiagnosis(rt->name.c_str(), rt->diagBuf.c_str());
+    rt->engine->host.diagnosis(rt->diagBuf);
+    return 1;
 }

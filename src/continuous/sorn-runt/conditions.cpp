@@ -40,7 +40,8 @@ boolVal evalExpression(s_Condition const* condition, s_runtime* rt) {
     // A copy: the evaluation of the expression must not see the scratch objects.
     s_Objet const left = variable->old.type == OBJ_UNSET ? variable->new_ : variable->old;
     sn_evalSolFunc(rt, condition->expr);
-    return condition->op == REL_EQ ? sn_eqObjet(&left, TMP4) : insideOrEqual(&left, TMP4);
+    return condition->op == REL_EQ ? sn_eqObjet(&left, &rt->engine->TMP4)
+                                   : insideOrEqual(&left, &rt->engine->TMP4);
 }
 
 }  // namespace
@@ -83,7 +84,7 @@ int sn_evalCondExpr(s_Condition* condition, s_runtime* rt) {
         return 0;
     s_Objet value = condition->expr->gvar->value;
     sn_evalSolFunc(rt, condition->expr);
-    s_Objet const space = *TMP4;
+    s_Objet const space = rt->engine->TMP4;
     int const equal = sn_eqObjet(&value, &space);
     return sn_interObjet(&value, &space) == 1 || equal ? 1 : 0;
 }

@@ -12,7 +12,7 @@ s_Objet operandValue(s_runtime* rt, s_Expr const* operand) {
     if (operand->op == EXPR_CONST || operand->gvar != nullptr)
         return operand->gvar->value;
     sn_evalSolFunc(rt, operand);
-    return *TMP4;
+    return rt->engine->TMP4;
 }
 
 // left op= right. A refused division leaves left.
@@ -57,15 +57,16 @@ s_Objet evaluate(s_runtime* rt, s_Expr const* expr) {
 
 // Narrows TMP1 by every agenda constraint on *gvar*; returns whether they contradict the value.
 bool narrowByConstraints(s_runtime* rt, s_GVar* gvar) {
+    s_engine& engine = *rt->engine;
     bool contradiction = false;
     for (std::size_t j = 0; j < rt->gC.size(); ++j) {
         if (!rt->inAc[j] || rt->gC[j]->gvar != gvar)
             continue;
         if (!contradiction) {
             sn_evalSolFunc(rt, rt->gC[j]);
-            if (!sn_interObjet(TMP1, TMP4)) {
+            if (!sn_interObjet(&engine.TMP1, &engine.TMP4)) {
                 // Required: the constraint's own value takes the place of the old one.
-                sn_putObjet(TMP4, &gvar->value);
+                sn_putObjet(&engine.TMP4, &gvar->value);
                 contradiction = true;
             }
         }
@@ -81,10 +82,11 @@ bool passIsStable(s_runtime* rt) {
         if (!rt->inAc[i])
             continue;
         s_GVar* gvar = rt->gC[i]->gvar;
-        sn_putObjet(&gvar->value, TMP1);
-        if (narrowByConstraints(rt, gvar) || !sn_inObjet(TMP1, &gvar->value))
+        s_Objet* const narrowed = &rt->engine->TMP1;
+        sn_putObjet(&gvar->value, narrowed);
+        if (narrowByConstraints(rt, gvar) || !sn_inObjet(narrowed, &gvar->value))
             continue;
-        sn_putObjet(TMP1, &gvar->value);
+        sn_putObjet(narrowed, &gvar->value);
         if (sn_updateAgenda(rt, gvar))
             stable = false;
     }
@@ -94,12 +96,12 @@ bool passIsStable(s_runtime* rt) {
 }  // namespace
 
 void sn_evalSolFunc(s_runtime* rt, s_Expr const* expr) {
-    *TMP4 = evaluate(rt, expr);
+    rt->engine->TMP4 = evaluate(rt, expr);
 }
 
 s_Objet* sn_evalExpr(s_runtime* rt, s_Expr const* expr) {
     sn_evalSolFunc(rt, expr);
-    return TMP4;
+    return &rt->engine->TMP4;
 }
 
 void sn_fillAgenda(s_runtime* rt) {

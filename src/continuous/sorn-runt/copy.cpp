@@ -5,6 +5,7 @@
 // between records is then carried over by slot. Histories and display rows are shared until one
 // side writes.
 #include <algorithm>
+#include <cassert>
 
 #include "continuous/sorn-runt.h"
 #include "support/memory_watch.h"
@@ -42,7 +43,7 @@ void clonePool(std::vector<std::unique_ptr<Record>> const& from,
 
 void copyScalars(s_runtime const& from, s_runtime& to) {
     to.name = from.name;
-    to.num = rt_num++;
+    to.num = to.engine->rt_num++;
     to.Ts = from.Ts;
     to.tStart = from.tStart;
     to.twc = from.twc;
@@ -148,9 +149,13 @@ void copyBridge(s_runtime const& from, s_runtime& to) {
 
 }  // namespace
 
-std::unique_ptr<s_runtime> sn_copyRuntime(s_runtime const* source) {
-    watchMemory();
+std::unique_ptr<s_runtime> sn_copyRuntime(s_runtime const* source, s_engine* engine) {
+    if (engine == nullptr)
+        engine = source->engine;
+    assert(engine != nullptr);
+    watchMemory(engine->host);
     auto copy = std::make_unique<s_runtime>();
+    copy->engine = engine;
     copyScalars(*source, *copy);
     copyVariables(*source, *copy);
     copyConstraints(*source, *copy);

@@ -1,6 +1,4 @@
 // One runtime through time: its start, and one cycle of a candidate.
-#include <iostream>
-
 #include "continuous/sorn-runt.h"
 #include "support/memory_watch.h"
 
@@ -39,7 +37,7 @@ void sorn_initialize(s_runtime* rt, int global, double precision, char const* di
     sn_enterMeasures(rt);
     sn_initVars(rt);
     sn_moveInputs(rt);
-    std::cerr << "global: " << global << "\n";
+    rt->engine->err << "global: " << global << "\n";
     rt->globalOn = global != 0 ? 1 : 0;
     if (rt->globalOn)
         sn_globalConstraints(rt);
@@ -51,13 +49,14 @@ void sorn_initialize(s_runtime* rt, int global, double precision, char const* di
     sn_yieldAlarms(rt);
     rt->diagBuf = diagBuf != nullptr ? diagBuf : "";
     startMisbehaviourWindow(rt, window);
-    init_nelder();
+    init_nelder(*rt->engine);
 }
 
 // The order is fixed: displays come after the constraints, a reset after the displays, and inputs
 // move from new to old last of all.
 int sorn_doCycle2(s_runtime* rt, int mode) {
-    watchMemory();  // candidates part here: what a copy shared with its source becomes its own
+    // Candidates part here: what a copy shared with its source becomes its own.
+    watchMemory(rt->engine->host);
     if (mode <= CYCLE_RESET)
         sn_setAlarms(rt);
     bool invalid = false;

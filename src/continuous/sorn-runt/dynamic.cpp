@@ -49,19 +49,20 @@ void putProduct(s_Objet const& a, s_Objet const& x, s_Objet* product) {
 }
 
 // TMP2 = a x + c y, by way of TMP3.
-void putCombination(s_Objet const& a, s_Objet const& x, s_Objet const& c, s_Objet const& y) {
-    putProduct(a, x, TMP2);
-    putProduct(c, y, TMP3);
-    sn_addObjet(TMP2, TMP3);
+void putCombination(s_engine& engine, s_Objet const& a, s_Objet const& x, s_Objet const& c,
+                    s_Objet const& y) {
+    putProduct(a, x, &engine.TMP2);
+    putProduct(c, y, &engine.TMP3);
+    sn_addObjet(&engine.TMP2, &engine.TMP3);
 }
 
 // TMP1 = (1 - a) TMP1 + a previous, by way of TMP2.
-void mixIntoSum(s_Objet const& a, s_Objet const& previous) {
-    sn_putObjet(objUn, TMP2);
-    sn_subObjet(TMP2, &a);
-    sn_mulObjet(TMP1, TMP2);
-    putProduct(a, previous, TMP2);
-    sn_addObjet(TMP1, TMP2);
+void mixIntoSum(s_engine& engine, s_Objet const& a, s_Objet const& previous) {
+    sn_putObjet(objUn, &engine.TMP2);
+    sn_subObjet(&engine.TMP2, &a);
+    sn_mulObjet(&engine.TMP1, &engine.TMP2);
+    putProduct(a, previous, &engine.TMP2);
+    sn_addObjet(&engine.TMP1, &engine.TMP2);
 }
 
 // The bounds of all values noted. A first bound that is not a number stays.
@@ -74,11 +75,11 @@ public:
     }
     // TMP1 becomes the hull, and a number when it is one point.
     // Required: its flags stay, also those that it remembers as a number.
-    void putInSum() const {
+    void putInSum(s_engine& engine) const {
         if (lo == hi)
-            *TMP1 = makeReal(lo);
+            engine.TMP1 = makeReal(lo);
         else
-            sn_setBounds(TMP1, lo, hi);
+            sn_setBounds(&engine.TMP1, lo, hi);
     }
 
 private:
@@ -92,90 +93,92 @@ Ends endsOf(s_Objet const& o) {
     return {sn_infOf(o), sn_supOf(o)};
 }
 
-void evalFirstOrderEnds(s_Objet const& a1, s_Objet const& previous) {
+void evalFirstOrderEnds(s_engine& engine, s_Objet const& a1, s_Objet const& previous) {
     Hull hull;
     for (double const a : endsOf(a1)) {
-        putCombination(makeReal(1.0 - a), *TMP1, makeReal(a), previous);
-        hull.note(*TMP2);
+        putCombination(engine, makeReal(1.0 - a), engine.TMP1, makeReal(a), previous);
+        hull.note(engine.TMP2);
     }
-    hull.putInSum();
+    hull.putInSum(engine);
 }
 
-std::array<s_Objet*, 4> corners() {
-    return {TMPII, TMPIS, TMPSI, TMPSS};
+std::array<s_Objet*, 4> corners(s_engine& engine) {
+    return {&engine.TMPII, &engine.TMPIS, &engine.TMPSI, &engine.TMPSS};
 }
 
-void evalInputCorners(s_Influence const& influence, Previous const& previous) {
-    putCombination(influence.a1, *previous.first, influence.a2, previous.second);
+void evalInputCorners(s_engine& engine, s_Influence const& influence, Previous const& previous) {
+    putCombination(engine, influence.a1, *previous.first, influence.a2, previous.second);
     Hull hull;
-    for (s_Objet* corner : corners()) {
-        sn_addObjet(corner, TMP2);
+    for (s_Objet* corner : corners(engine)) {
+        sn_addObjet(corner, &engine.TMP2);
         hull.note(*corner);
     }
-    hull.putInSum();
+    hull.putInSum(engine);
 }
 
-void evalAllCorners(s_Influence const& influence, Previous const& previous) {
+void evalAllCorners(s_engine& engine, s_Influence const& influence, Previous const& previous) {
     Hull hull;
     for (double const a : endsOf(influence.a1))
         for (double const c : endsOf(influence.a2))
-            for (s_Objet const* corner : corners()) {
-                putCombination(makeReal(a), *previous.first, makeReal(c), previous.second);
-                sn_addObjet(TMP2, corner);
-                hull.note(*TMP2);
+            for (s_Objet const* corner : corners(engine)) {
+                putCombination(engine, makeReal(a), *previous.first, makeReal(c), previous.second);
+                sn_addObjet(&engine.TMP2, corner);
+                hull.note(engine.TMP2);
             }
-    hull.putInSum();
+    hull.putInSum(engine);
 }
 
 void search(s_runtime* rt, s_Influence* influence, Previous& previous) {
-    if (!influence->useOpti || !env_opti)
+    if (!influence->useOpti || !rt->engine->env_opti)
         return;
     if (sn_isMeasure(rt, influence->effect))
-        call_nelder_obs(influence->effect, rt, previous.first, &previous.second, TMP1, INF_DYNAMIC2,
-                        true);
+        call_nelder_obs(influence->effect, rt, previous.first, &previous.second, &rt->engine->TMP1,
+                        INF_DYNAMIC2, true);
     else
         call_nelder_second(influence, rt, previous.first, &previous.second);
     keepSecond(previous);
 }
 
 void evalFirstOrder(s_runtime* rt, s_Influence* influence, Previous& previous) {
+    s_engine& engine = *rt->engine;
     if (isReal(influence->a1))
-        return mixIntoSum(influence->a1, *previous.first);
+        return mixIntoSum(engine, influence->a1, *previous.first);
     if (!isRange(influence->a1))
         return;
-    evalFirstOrderEnds(influence->a1, *previous.first);
+    evalFirstOrderEnds(engine, influence->a1, *previous.first);
     search(rt, influence, previous);
 }
 
 // Required: with number a1, a2 and b1 an interval b2 loses the whole contribution of the causes,
 // for the corners that hold it are not read. Combinations that are not listed here change nothing.
 void evalSecondOrder(s_runtime* rt, s_Influence* influence, Previous& previous) {
+    s_engine& engine = *rt->engine;
     s_Objet const &a1 = influence->a1, &a2 = influence->a2;
     if (isReal(a1) && isReal(a2) && isReal(influence->b1)) {
-        putCombination(a1, *previous.first, a2, previous.second);
-        sn_addObjet(TMP1, TMP2);
+        putCombination(engine, a1, *previous.first, a2, previous.second);
+        sn_addObjet(&engine.TMP1, &engine.TMP2);
     } else if (isReal(a1) && isReal(a2) && isRange(influence->b1)) {
-        evalInputCorners(*influence, previous);
+        evalInputCorners(engine, *influence, previous);
         search(rt, influence, previous);
     } else if (isRange(a1) && isRange(a2)) {
-        evalAllCorners(*influence, previous);
+        evalAllCorners(engine, *influence, previous);
     }
 }
 
 // *corner = b TMP2 + c TMP5.
-void putCorner(double b, double c, s_Objet* corner) {
+void putCorner(s_engine& engine, double b, double c, s_Objet* corner) {
     s_Objet older = makeReal(c);
-    sn_mulObjet(&older, TMP5);
+    sn_mulObjet(&older, &engine.TMP5);
     *corner = makeReal(b);
-    sn_mulObjet(corner, TMP2);
+    sn_mulObjet(corner, &engine.TMP2);
     sn_addObjet(corner, &older);
 }
 
-void putCorners(Ends const& b1, Ends const& b2) {
-    putCorner(b1[0], b2[0], TMPII);
-    putCorner(b1[0], b2[1], TMPIS);
-    putCorner(b1[1], b2[0], TMPSI);
-    putCorner(b1[1], b2[1], TMPSS);
+void putCorners(s_engine& engine, Ends const& b1, Ends const& b2) {
+    putCorner(engine, b1[0], b2[0], &engine.TMPII);
+    putCorner(engine, b1[0], b2[1], &engine.TMPIS);
+    putCorner(engine, b1[1], b2[0], &engine.TMPSI);
+    putCorner(engine, b1[1], b2[1], &engine.TMPSS);
 }
 
 // a1 to the tenth power: the state ten sample periods ahead.
@@ -197,21 +200,21 @@ void sn_evalDynInfl(s_runtime* rt, s_Influence* influence) {
 }
 
 // Required: the plain sums, also with interval coefficients; there are no corners of a first value.
-void sn_evalInitDynInfl(s_Influence* influence) {
+void sn_evalInitDynInfl(s_engine& engine, s_Influence* influence) {
     Previous const previous = previousIn(&influence->effect->old, &influence->effect->histo);
     if (influence->type != INF_DYNAMIC2)
-        return mixIntoSum(tenSamplesAhead(influence->a1), *previous.first);
-    putCombination(influence->a1, *previous.first, influence->a2, previous.second);
-    sn_addObjet(TMP1, TMP2);
+        return mixIntoSum(engine, tenSamplesAhead(influence->a1), *previous.first);
+    putCombination(engine, influence->a1, *previous.first, influence->a2, previous.second);
+    sn_addObjet(&engine.TMP1, &engine.TMP2);
 }
 
 // Required: corners replace those of an influence before, and nothing of them enters the sum: an
 // effect with interval coefficients is meant to have a single cause.
-void sn_addSecondOrder(s_Influence* influence) {
+void sn_addSecondOrder(s_engine& engine, s_Influence* influence) {
     if (!isReal(influence->b1) || !isReal(influence->b2))
-        return putCorners(endsOf(influence->b1), endsOf(influence->b2));
-    sn_mulObjet(TMP2, &influence->b1);
-    sn_mulObjet(TMP5, &influence->b2);
-    sn_addObjet(TMP1, TMP2);
-    sn_addObjet(TMP1, TMP5);
+        return putCorners(engine, endsOf(influence->b1), endsOf(influence->b2));
+    sn_mulObjet(&engine.TMP2, &influence->b1);
+    sn_mulObjet(&engine.TMP5, &influence->b2);
+    sn_addObjet(&engine.TMP1, &engine.TMP2);
+    sn_addObjet(&engine.TMP1, &engine.TMP5);
 }

@@ -16,7 +16,6 @@
 // or a damping that it does not have.
 
 #include <cfloat>
-#include <cstdio>
 
 #include "continuous/sorn-runt.h"
 
@@ -63,13 +62,13 @@ s_Objet rootOf(s_Objet a) {
     return a;
 }
 
-s_Objet sineOf(s_Objet a) {
-    sn_sinObjet(&a);
+s_Objet sineOf(s_engine& engine, s_Objet a) {
+    sn_sinObjet(engine, &a);
     return a;
 }
 
-s_Objet cosineOf(s_Objet a) {
-    sn_cosObjet(&a);
+s_Objet cosineOf(s_engine& engine, s_Objet a) {
+    sn_cosObjet(engine, &a);
     return a;
 }
 
@@ -119,14 +118,14 @@ s_Objet withGain(s_Objet const& coefficient, s_Objet const& gain) {
 }
 
 // (n1 + n2 s) / (d0 + d1 s + d2 s^2), with complex poles.
-void evalRational(s_Influence* influence, double Ts) {
+void evalRational(s_engine& engine, s_Influence* influence, double Ts) {
     s_Objet const &n1 = *influence->n1, &n2 = *influence->n2;
     s_Objet const &d0 = *influence->d0, &d1 = *influence->d1, &d2 = *influence->d2;
     s_Objet const alpha = over(d1, times(makeReal(2.0), d2));
     s_Objet const beta = rootOf(minus(over(d0, d2), times(alpha, alpha)));
     s_Objet const E = expOf(times(negated(alpha), Ts));
-    s_Objet const S = times(sineOf(times(beta, Ts)), E);
-    s_Objet const C = times(cosineOf(times(beta, Ts)), E);
+    s_Objet const S = times(sineOf(engine, times(beta, Ts)), E);
+    s_Objet const C = times(cosineOf(engine, times(beta, Ts)), E);
     s_Objet const R = times(S, over(alpha, beta));
     s_Objet const A = minus(*objUn, plus(R, C));
     s_Objet const B = plus(minus(R, C), times(E, E));
@@ -168,13 +167,13 @@ void evalOverdamped(s_Influence* influence, double Ts) {
 // Complex poles, or at a damping of 1 two equal ones: there s is 0 and k, whose division is
 // refused, stays xi. Required: the term that two equal poles add then, w Ts exp(q) in b1 and b2, is
 // left out.
-void evalUnderdamped(s_Influence* influence, double Ts) {
+void evalUnderdamped(s_engine& engine, s_Influence* influence, double Ts) {
     s_Objet const &xi = *influence->xi, &w = *influence->w, &gain = influence->gain;
     s_Objet const q = times(times(negated(xi), w), Ts);
     s_Objet const s = rootOf(minus(*objUn, times(xi, xi)));
     s_Objet const g = times(times(s, w), Ts);
-    s_Objet const c = cosineOf(g);
-    s_Objet const z = sineOf(g);
+    s_Objet const c = cosineOf(engine, g);
+    s_Objet const z = sineOf(engine, g);
     influence->a1 = times(times(expOf(q), 2.0), c);
     influence->a2 = negated(expOf(times(q, 2.0)));
     s_Objet const k = over(xi, s);
@@ -183,41 +182,41 @@ void evalUnderdamped(s_Influence* influence, double Ts) {
     influence->b2 = times(plus(expOf(times(q, 2.0)), times(minus(kz, c), expOf(q))), gain);
 }
 
-void evalSecondOrder(s_Influence* influence, double Ts) {
+void evalSecondOrder(s_engine& engine, s_Influence* influence, double Ts) {
     if (isRational(*influence))
-        evalRational(influence, Ts);
+        evalRational(engine, influence, Ts);
     else if (!isDamped(*influence->xi))
-        evalUnderdamped(influence, Ts);
+        evalUnderdamped(engine, influence, Ts);
     else if (isWithoutEnd(*influence->xi))
         evalDoubleIntegrator(influence, Ts);
     else
         evalOverdamped(influence, Ts);
 }
 
-void printCoefficient(char const* title, s_Objet const& coefficient) {
-    std::fputs(title, stdout);
-    sn_printObjet(stdout, &coefficient);
-    std::fputs("\n", stdout);
+void printCoefficient(s_Printer const& to, char const* title, s_Objet const& coefficient) {
+    to.stream << title;
+    sn_printObjet(to, &coefficient);
+    to.stream << "\n";
 }
 
-void printSecondOrder(s_Influence const& influence) {
-    printCoefficient("a1:\n", influence.a1);
-    printCoefficient("a2 :\n", influence.a2);
-    printCoefficient("b1 :\n", influence.b1);
-    printCoefficient("b2 :\n", influence.b2);
+void printSecondOrder(s_Printer const& to, s_Influence const& influence) {
+    printCoefficient(to, "a1:\n", influence.a1);
+    printCoefficient(to, "a2 :\n", influence.a2);
+    printCoefficient(to, "b1 :\n", influence.b1);
+    printCoefficient(to, "b2 :\n", influence.b2);
 }
 
-void evalSecondOrderIfComplete(s_Influence* influence, double Ts) {
+void evalSecondOrderIfComplete(s_engine& engine, s_Influence* influence, double Ts) {
     if (isIncomplete(*influence)) {
-        std::fprintf(stderr, "Influence %s lacks a parameter of its second-order form !\n",
-                     influence->nom.c_str());
+        engine.err << "Influence " << influence->nom
+                   << " lacks a parameter of its second-order form !\n";
         return;
     }
-    evalSecondOrder(influence, Ts);
-    printSecondOrder(*influence);
+    evalSecondOrder(engine, influence, Ts);
+    printSecondOrder(dataPrinter(engine, engine.out), *influence);
 }
 
-void evalInfluence(s_Influence* influence, double Ts) {
+void evalInfluence(s_engine& engine, s_Influence* influence, double Ts) {
     switch (influence->type) {
         case INF_DYNAMIC:
             return evalFirstOrder(influence, Ts);
@@ -228,7 +227,7 @@ void evalInfluence(s_Influence* influence, double Ts) {
         case INF_COUPLING:
             return evalMemoryless(influence, *objUn);
         case INF_DYNAMIC2:
-            return evalSecondOrderIfComplete(influence, Ts);
+            return evalSecondOrderIfComplete(engine, influence, Ts);
     }
 }
 
@@ -236,5 +235,5 @@ void evalInfluence(s_Influence* influence, double Ts) {
 
 void sn_evalInfluCoefs(s_runtime* rt, double Ts) {
     for (auto const& influence : rt->influ)
-        evalInfluence(influence.get(), Ts);
+        evalInfluence(*rt->engine, influence.get(), Ts);
 }

@@ -1,6 +1,4 @@
 // What enters a runtime from outside, and what it yields.
-#include "continuous/exchange.h"
-
 #include <cassert>
 
 #include "continuous/sorn-runt.h"
@@ -8,8 +6,8 @@
 int sn_enterInputs(s_runtime* rt) {
     if (rt->input.empty())
         return 1;
-    assert(inps.size() >= rt->input.size());
-    rt->inval = inps.data();
+    assert(rt->engine->inps.size() >= rt->input.size());
+    rt->inval = rt->engine->inps.data();
     for (std::size_t i = 0; i < rt->input.size(); ++i) {
         rt->input[i]->new_ = makeReal(rt->inval[i]);
         rt->input[i]->defined = 1;
@@ -23,8 +21,8 @@ namespace {
 int enterMeasuresInto(s_runtime* rt, s_Objet s_Variable::*field) {
     if (rt->measure.empty())
         return 1;
-    assert(meas.size() >= rt->measure.size());
-    rt->mesval = meas.data();
+    assert(rt->engine->meas.size() >= rt->measure.size());
+    rt->mesval = rt->engine->meas.data();
     for (std::size_t i = 0; i < rt->measure.size(); ++i) {
         sn_pushHistoMes(rt->measure[i]);
         rt->measure[i]->*field = makeReal(rt->mesval[i]);
@@ -62,19 +60,17 @@ int sn_enterMeasuresOld(s_runtime* rt) {
 int sn_enterMisbs(s_runtime* rt) {
     if (rt->measure.empty())
         return 1;
-    int const result =
-        sorn_getMisbs(rt->name.c_str(), static_cast<int>(rt->measure.size()), rt->mesmisb.data());
+    bool const given =
+        rt->engine->host.misbehaviours(static_cast<int>(rt->measure.size()), rt->mesmisb.data());
     for (std::size_t i = 0; i < rt->measure.size(); ++i)
         rt->measure[i]->mesmisb = rt->mesmisb[i] != 0 ? 1 : 0;
-    return result;
+    return given ? 1 : 0;
 }
 
 int sn_enterConds(s_runtime* rt) {
     if (rt->influ.empty())
         return verdict(true);
-    int const result =
-        sorn_getConds(rt->name.c_str(), static_cast<int>(rt->influ.size()), rt->condin.data());
-    if (result == 0)
+    if (!rt->engine->host.activity(static_cast<int>(rt->influ.size()), rt->condin.data()))
         return 0;
     bool allFalse = true;
     for (std::size_t i = 0; i < rt->influ.size(); ++i) {
@@ -84,7 +80,7 @@ int sn_enterConds(s_runtime* rt) {
         if (influence->cond != nullptr)
             sn_pushExternCond(influence, rt->condin[i]);
     }
-    return allFalse ? 2 : result;
+    return verdict(allFalse);
 }
 
 int sn_yieldDisplays(s_runtime* rt) {
@@ -102,7 +98,7 @@ int sn_yieldConds(s_runtime* rt) {
 int sn_yieldMRTConds(s_runtime* rt) {
     sn_splitValiditySpc(rt);
     bool allFalse = true;
-    for (auto const& entry : nrt) {
+    for (auto const& entry : rt->engine->nrt) {
         // Required: the mark goes on from runtime to runtime.
         allFalse = yieldCondsOf(entry.second, allFalse);
         if (allFalse)

@@ -1,6 +1,4 @@
 // The first values of a runtime.
-#include <iostream>
-
 #include "continuous/sorn-runt.h"
 
 namespace {
@@ -23,7 +21,7 @@ void addProduct(s_Objet* sum, s_Objet value, s_Objet const& coefficient) {
 // A loop of static causes has no first value: it is told, and reads what is there.
 void defineCause(s_runtime* rt, s_Variable* cause) {
     if (cause->defined == beingDefined)
-        std::fprintf(stderr, "The first value of %s depends on itself !\n", cause->nom.c_str());
+        rt->engine->err << "The first value of " << cause->nom << " depends on itself !\n";
     if (cause->defined)
         return;
     if (sn_isMeasure(rt, cause)) {
@@ -47,10 +45,10 @@ void addCauseForInit(s_runtime* rt, s_Influence* influence, influType kind, s_Ob
         addProduct(sum, cause->histo.size() > 0 ? cause->histo[0] : cause->old, influence->b2);
 }
 
-void finishDynamic(s_Influence* last, s_Objet* sum) {
-    sn_putObjet(sum, TMP1);
-    sn_evalInitDynInfl(last);
-    sn_putObjet(TMP1, sum);
+void finishDynamic(s_engine& engine, s_Influence* last, s_Objet* sum) {
+    sn_putObjet(sum, &engine.TMP1);
+    sn_evalInitDynInfl(engine, last);
+    sn_putObjet(&engine.TMP1, sum);
 }
 
 s_Objet firstValue(s_runtime* rt, s_CGraph const& graph) {
@@ -66,7 +64,7 @@ s_Objet firstValue(s_runtime* rt, s_CGraph const& graph) {
     if (graph.kind == INF_INTEGRAL)
         sn_addObjet(&sum, &last->effect->old);
     if (graph.kind == INF_DYNAMIC || graph.kind == INF_DYNAMIC2)
-        finishDynamic(last, &sum);
+        finishDynamic(*rt->engine, last, &sum);
     return sum;
 }
 
@@ -94,6 +92,6 @@ void sn_initVars(s_runtime* rt) {
     defineFromCauses(rt, rt->temporal);
     defineFromCauses(rt, rt->untemporal);
     if (sn_initValSpc(rt) != 1)
-        std::cout << "Error while splitting init state\n";
+        rt->engine->out << "Error while splitting init state\n";
     rt->varsInitialised = 1;
 }

@@ -1,9 +1,7 @@
 // A runtime as it stood at a past time, rebuilt from its histories.
-#include <iostream>
-
 #include "continuous/sorn-runt.h"
 #include "support/numbers.h"
-#include "support/process.h"
+#include "support/run_stopped.h"
 
 namespace {
 
@@ -30,16 +28,18 @@ void shiftBack(std::vector<int>& history, std::size_t count) {
 
 // Takes what the history holds at *i*. A variable without a history keeps its value; one whose
 // history is too short does so too, which is told, since it stands for the past from then on.
-void takeEntry(s_Variable const* variable, History<s_Objet> const& history, int i, s_Objet* into) {
+void takeEntry(s_runtime* rt, s_Variable const* variable, History<s_Objet> const& history, int i,
+               s_Objet* into) {
     if (i < history.size())
         sn_putObjet(&history[i], into);
     else if (history.size() > 0)
-        std::cerr << variable->nom << ": no value is kept of " << i << " cycles back\n";
+        rt->engine->err << variable->nom << ": no value is kept of " << i << " cycles back\n";
 }
 
-void leaveForWindow(char const* which) {
-    std::cout << "The fault isn't in the " << which << " temporal window !\n" << std::flush;
-    leaveProcess(1);
+[[noreturn]] void stopForWindow(s_engine& engine, std::string const& which) {
+    std::string const text = "The fault isn't in the " + which + " temporal window !";
+    engine.out << text << "\n" << std::flush;
+    throw RunStopped(RunStopped::outsideWindow, text);
 }
 
 }  // namespace
@@ -49,14 +49,14 @@ void moveHistory(s_runtime* rt, s_Variable* variable, double from, double to) {
     if (distance <= 0)
         return;
     if (!variable->isParam) {
-        takeEntry(variable, variable->histo, distance - 1, &variable->new_);
-        takeEntry(variable, variable->histo, distance, &variable->old);
+        takeEntry(rt, variable, variable->histo, distance - 1, &variable->new_);
+        takeEntry(rt, variable, variable->histo, distance, &variable->old);
     }
     shiftBack(variable->histo, distance + 1, *objZero);
     if (!sn_isMeasure(rt, variable))
         return;
     // Required: measures move by the distance, values by one more.
-    takeEntry(variable, variable->mesHisto, distance - 1, &variable->mes);
+    takeEntry(rt, variable, variable->mesHisto, distance - 1, &variable->mes);
     shiftBack(variable->mesHisto, distance, *objZero);
     shiftBack(variable->misbHisto, static_cast<std::size_t>(distance));
     shiftBack(variable->lowHisto, distance, 0);
@@ -68,12 +68,12 @@ std::unique_ptr<s_runtime> sn_copyPartialFaultyRt(s_runtime const* source, int f
     std::unique_ptr<s_runtime> copy = sn_copyRuntime(source);
     // Required: the test takes the sample period, not the current time.
     if (copy->Ts - window > faultCycle)
-        leaveForWindow("discrete");
+        stopForWindow(*copy->engine, "discrete");
     if (curTime - copy->twc > contTime) {
-        std::cerr << "discrete fault time: " << faultCycle << "\n"
-                  << "cont_fault_time: " << contTime << " -- stime: " << curTime
-                  << "-- twc: " << copy->twc << "\n";
-        leaveForWindow("continuous");
+        copy->engine->err << "discrete fault time: " << faultCycle << "\n"
+                          << "cont_fault_time: " << contTime << " -- stime: " << curTime
+                          << "-- twc: " << copy->twc << "\n";
+        stopForWindow(*copy->engine, "continuous");
     }
     for (auto const& variable : copy->dico)
         moveHistory(copy.get(), variable.get(), contTime, curTime);

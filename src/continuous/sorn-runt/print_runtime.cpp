@@ -1,35 +1,33 @@
 // What the `print` command shows of a runtime: variables, influences, the causal graph, the update
 // lists, the constraints.
 //
-// Values have two faces (see objets.h): the form for people on stderr, bare numbers on any other
-// stream, where each variable gives a lower and an upper column.
-#include <iostream>
-
+// Values have two faces (see objets.h): the form for people, and bare numbers, where each variable
+// gives a lower and an upper column.
 #include "continuous/sorn-runt.h"
 
 namespace {
 
-void printNumberTwice(std::FILE* stream, double value) {
-    sn_printReal(stream, value);
-    std::fprintf(stream, " ");
-    sn_printReal(stream, value);
+void printNumberTwice(s_Printer const& to, double value) {
+    sn_printReal(to, value);
+    to.stream << " ";
+    sn_printReal(to, value);
 }
 
-void printValueLine(std::FILE* stream, s_Variable const* variable, s_Objet const& value) {
-    if (stream == stderr)
-        std::fprintf(stream, "  %s", variable->nom.c_str());
+void printValueLine(s_Printer const& to, s_Variable const* variable, s_Objet const& value) {
+    if (to.forPeople)
+        to.stream << "  " << variable->nom;
     if (!variable->defined)
-        std::fprintf(stream, " ?");
-    else if (stream != stderr && isReal(value))
-        printNumberTwice(stream, value.real);
+        to.stream << " ?";
+    else if (!to.forPeople && isReal(value))
+        printNumberTwice(to, value.real);
     else
-        sn_printObjet(stream, &value);
-    std::fprintf(stream, stream == stderr ? "\n" : " ");
+        sn_printObjet(to, &value);
+    to.stream << (to.forPeople ? "\n" : " ");
 }
 
-void printValues(std::FILE* stream, std::vector<s_Variable*> const& variables) {
+void printValues(s_Printer const& to, std::vector<s_Variable*> const& variables) {
     for (s_Variable const* variable : variables)
-        sn_printVarValue(stream, variable);
+        sn_printVarValue(to, variable);
 }
 
 char const* rolesOf(s_runtime const* rt, s_Variable const* variable) {
@@ -41,60 +39,60 @@ char const* rolesOf(s_runtime const* rt, s_Variable const* variable) {
     return display ? "display; " : " ";
 }
 
-void printHistory(std::FILE* stream, History<s_Objet> const& history) {
+void printHistory(s_Printer const& to, History<s_Objet> const& history) {
     for (int i = 0; i < history.size(); ++i) {
-        sn_printObjet(stream, &history[i]);
-        std::fprintf(stream, " * ");
+        sn_printObjet(to, &history[i]);
+        to.stream << " * ";
     }
 }
 
-void printLabelled(std::FILE* stream, char const* label, s_Objet const& value) {
-    std::fputs(label, stream);
-    sn_printObjet(stream, &value);
+void printLabelled(s_Printer const& to, char const* label, s_Objet const& value) {
+    to.stream << label;
+    sn_printObjet(to, &value);
 }
 
-void printIfSet(std::FILE* stream, char const* label, std::optional<s_Objet> const& value) {
+void printIfSet(s_Printer const& to, char const* label, std::optional<s_Objet> const& value) {
     if (value)
-        printLabelled(stream, label, *value);
+        printLabelled(to, label, *value);
 }
 
 // Nothing without the first numerator; a model may lack some of the rest.
-void printRational(std::FILE* stream, s_Influence const* influence) {
+void printRational(s_Printer const& to, s_Influence const* influence) {
     if (!influence->n1)
         return;
-    printIfSet(stream, ": n1 ", influence->n1);
-    printIfSet(stream, ": n2 ", influence->n2);
-    printIfSet(stream, ": d0 ", influence->d0);
-    printIfSet(stream, ": d1 ", influence->d1);
-    printIfSet(stream, ": d2 ", influence->d2);
+    printIfSet(to, ": n1 ", influence->n1);
+    printIfSet(to, ": n2 ", influence->n2);
+    printIfSet(to, ": d0 ", influence->d0);
+    printIfSet(to, ": d1 ", influence->d1);
+    printIfSet(to, ": d2 ", influence->d2);
 }
 
-void printDelay(std::FILE* stream, s_Influence const* influence) {
+void printDelay(s_Printer const& to, s_Influence const* influence) {
     if (influence->delayMin == influence->delayMax)
-        std::fprintf(stream, "; delay =%d", influence->delayMin);
+        to.stream << "; delay =" << influence->delayMin;
     else
-        std::fprintf(stream, "; delay in [%d, %d]", influence->delayMin, influence->delayMax);
+        to.stream << "; delay in [" << influence->delayMin << ", " << influence->delayMax << "]";
 }
 
-void printRule(std::FILE* stream, s_Influence const* influence) {
-    std::fprintf(stream, "  ");
+void printRule(s_Printer const& to, s_Influence const* influence) {
+    to.stream << "  ";
     if (!influence->nom.empty())
-        std::fprintf(stream, "%s: ", influence->nom.c_str());
+        to.stream << influence->nom << ": ";
     if (influence->cond != nullptr) {
-        std::fprintf(stream, "condition ");
-        sn_printCondition(stream, influence->cond);
-        std::fprintf(stream, " ");
+        to.stream << "condition ";
+        sn_printCondition(to, influence->cond);
+        to.stream << " ";
     }
-    std::fprintf(stream, "%s -%s-> %s", influence->cause->nom.c_str(), sn_letterOf(influence->type),
-                 influence->effect->nom.c_str());
-    printLabelled(stream, ": gain", influence->gain);
+    to.stream << influence->cause->nom << " -" << sn_letterOf(influence->type) << "-> "
+              << influence->effect->nom;
+    printLabelled(to, ": gain", influence->gain);
     // Required: the damping goes to standard output whatever the stream.
-    printIfSet(stdout, ": xi ", influence->xi);
-    printIfSet(stream, ": w ", influence->w);
-    printRational(stream, influence);
-    printDelay(stream, influence);
-    printLabelled(stream, "; resp. time", influence->respTime);
-    std::fprintf(stream, ";\n");
+    printIfSet({to.out, to.out, false, to.err}, ": xi ", influence->xi);
+    printIfSet(to, ": w ", influence->w);
+    printRational(to, influence);
+    printDelay(to, influence);
+    printLabelled(to, "; resp. time", influence->respTime);
+    to.stream << ";\n";
 }
 
 char const* wordOf(influType type) {
@@ -117,156 +115,156 @@ std::string nameOf(s_Influence const* influence) {
                                   : influence->nom;
 }
 
-void printInfluences(std::FILE* stream, std::vector<s_Influence*> const& influences) {
+void printInfluences(s_Printer const& to, std::vector<s_Influence*> const& influences) {
     for (s_Influence const* influence : influences)
-        std::fprintf(stream, "%s; ", nameOf(influence).c_str());
+        to.stream << nameOf(influence) << "; ";
 }
 
-void printNode(std::FILE* stream, s_Variable const* variable) {
+void printNode(s_Printer const& to, s_Variable const* variable) {
     s_CGraph const& node = *variable->graph;
-    std::fprintf(stream, "  %s", variable->nom.c_str());
+    to.stream << "  " << variable->nom;
     if (node.causes.empty()) {
-        std::fprintf(stream, ":\n    no causes;");
+        to.stream << ":\n    no causes;";
     } else {
-        std::fprintf(stream, ":\n    causes (%s): ", wordOf(node.kind));
-        printInfluences(stream, node.causes);
+        to.stream << ":\n    causes (" << wordOf(node.kind) << "): ";
+        printInfluences(to, node.causes);
     }
-    std::fprintf(stream, node.effects.empty() ? "\n    no effects;" : "\n    effects: ");
-    printInfluences(stream, node.effects);
-    std::fprintf(stream, "\n");
+    to.stream << (node.effects.empty() ? "\n    no effects;" : "\n    effects: ");
+    printInfluences(to, node.effects);
+    to.stream << "\n";
 }
 
-void printNames(std::FILE* stream, std::vector<s_Variable*> const& variables) {
+void printNames(s_Printer const& to, std::vector<s_Variable*> const& variables) {
     char const* separator = "";
     for (s_Variable const* variable : variables) {
-        std::fprintf(stream, "%s%s", separator, variable->nom.c_str());
+        to.stream << separator << variable->nom;
         separator = ", ";
     }
-    std::fprintf(stream, ";");
+    to.stream << ";";
 }
 
 }  // namespace
 
-void sn_printVarNom(std::FILE* stream, s_Variable const* variable) {
-    std::fprintf(stream, "%s", variable->nom.c_str());
+void sn_printVarNom(s_Printer const& to, s_Variable const* variable) {
+    to.stream << variable->nom;
 }
 
-void sn_printVarValue(std::FILE* stream, s_Variable const* variable) {
-    printValueLine(stream, variable, variable->old);
+void sn_printVarValue(s_Printer const& to, s_Variable const* variable) {
+    printValueLine(to, variable, variable->old);
 }
 
-void sn_printVarValueNV(std::FILE* stream, s_Variable const* variable) {
-    printValueLine(stream, variable, variable->new_);
+void sn_printVarValueNV(s_Printer const& to, s_Variable const* variable) {
+    printValueLine(to, variable, variable->new_);
 }
 
-void sn_printVariable(std::FILE* stream, s_runtime const* rt, s_Variable const* variable) {
-    std::fprintf(stream, "  %s: %s", variable->nom.c_str(), rolesOf(rt, variable));
+void sn_printVariable(s_Printer const& to, s_runtime const* rt, s_Variable const* variable) {
+    to.stream << "  " << variable->nom << ": " << rolesOf(rt, variable);
     if (variable->isParam)
-        printLabelled(stream, "parameter ", variable->old);
+        printLabelled(to, "parameter ", variable->old);
     else if (variable->domain)
-        printLabelled(stream, "variable", *variable->domain);
+        printLabelled(to, "variable", *variable->domain);
     if (variable->histLen() > 0)
-        std::fprintf(stream, "; history length = %d*Ts\n", variable->histLen());
+        to.stream << "; history length = " << variable->histLen() << "*Ts\n";
     else
-        std::fprintf(stream, "; no history\n");
+        to.stream << "; no history\n";
 }
 
-void sn_printVarHistory(std::FILE* stream, s_runtime const* rt, s_Variable const* variable) {
+void sn_printVarHistory(s_Printer const& to, s_runtime const* rt, s_Variable const* variable) {
     if (sn_isMeasure(rt, variable)) {
-        printHistory(stream, variable->mesHisto);
-        printLabelled(stream, "\nmes: ", variable->mes);
-        std::fprintf(stream, "\n");
+        printHistory(to, variable->mesHisto);
+        printLabelled(to, "\nmes: ", variable->mes);
+        to.stream << "\n";
     }
-    printHistory(stream, variable->histo);
-    printLabelled(stream, "\nold: ", variable->old);
+    printHistory(to, variable->histo);
+    printLabelled(to, "\nold: ", variable->old);
     if (!variable->isParam)
-        printLabelled(stream, "\nnew: ", variable->new_);
+        printLabelled(to, "\nnew: ", variable->new_);
 }
 
-void sn_printInitVar(std::FILE* stream, s_InitVar const* initial) {
-    std::fprintf(stream, "  %s", initial->var->nom.c_str());
-    sn_printObjet(stream, &initial->value);
-    std::fprintf(stream, "\n");
+void sn_printInitVar(s_Printer const& to, s_InitVar const* initial) {
+    to.stream << "  " << initial->var->nom;
+    sn_printObjet(to, &initial->value);
+    to.stream << "\n";
 }
 
-void sn_printDic(std::FILE* stream, s_runtime const* rt) {
+void sn_printDic(s_Printer const& to, s_runtime const* rt) {
     for (auto const& variable : rt->dico)
-        sn_printVariable(stream, rt, variable.get());
+        sn_printVariable(to, rt, variable.get());
 }
 
-void sn_printConds(std::FILE* stream, s_runtime const* rt) {
-    std::fprintf(stream, "size : %d\n", static_cast<int>(rt->condi.size()));
+void sn_printConds(s_Printer const& to, s_runtime const* rt) {
+    to.stream << "size : " << rt->condi.size() << "\n";
     for (s_Condition const* condition : rt->condi)
-        sn_printCondition(stream, condition);
+        sn_printCondition(to, condition);
 }
 
-void sn_printSpace(std::FILE* stream, s_runtime const* rt) {
+void sn_printSpace(s_Printer const& to, s_runtime const* rt) {
     for (auto const& variable : rt->dico)
         if (!variable->isParam)
-            sn_printVarValue(stream, variable.get());
+            sn_printVarValue(to, variable.get());
 }
 
-void sn_printInputs(std::FILE* stream, s_runtime const* rt) {
-    printValues(stream, rt->input);
+void sn_printInputs(s_Printer const& to, s_runtime const* rt) {
+    printValues(to, rt->input);
 }
 
-void sn_printDisplays(std::FILE* stream, s_runtime const* rt) {
-    printValues(stream, rt->display);
+void sn_printDisplays(s_Printer const& to, s_runtime const* rt) {
+    printValues(to, rt->display);
 }
 
-void sn_printMeasures(std::FILE* stream, s_runtime const* rt) {
-    printValues(stream, rt->measure);
+void sn_printMeasures(s_Printer const& to, s_runtime const* rt) {
+    printValues(to, rt->measure);
 }
 
-void sn_printInits(std::FILE* stream, s_runtime const* rt) {
+void sn_printInits(s_Printer const& to, s_runtime const* rt) {
     for (s_InitVar const& initial : rt->init)
-        sn_printInitVar(stream, &initial);
+        sn_printInitVar(to, &initial);
 }
 
-void sn_printRules(std::FILE* stream, s_runtime const* rt) {
+void sn_printRules(s_Printer const& to, s_runtime const* rt) {
     for (auto const& influence : rt->influ)
-        printRule(stream, influence.get());
+        printRule(to, influence.get());
 }
 
-void sn_printCGraph(std::FILE* stream, s_runtime const* rt) {
+void sn_printCGraph(s_Printer const& to, s_runtime const* rt) {
     for (auto const& variable : rt->dico)
         if (variable->graph != nullptr)
-            printNode(stream, variable.get());
+            printNode(to, variable.get());
 }
 
-void sn_printUpdateListsorn(std::FILE* stream, s_runtime const* rt) {
+void sn_printUpdateListsorn(s_Printer const& to, s_runtime const* rt) {
     if (!rt->temporal.empty()) {
-        std::fprintf(stream, "\n Temporal listsorn: ");
-        printNames(stream, rt->temporal);
+        to.stream << "\n Temporal listsorn: ";
+        printNames(to, rt->temporal);
     }
-    std::fprintf(stream, "\n Untemporal listsorn: ");
-    printNames(stream, rt->untemporal);
-    std::fprintf(stream, "\n");
+    to.stream << "\n Untemporal listsorn: ";
+    printNames(to, rt->untemporal);
+    to.stream << "\n";
 }
 
-void sn_printGlobVs(std::FILE* stream, s_runtime const* rt) {
+void sn_printGlobVs(s_Printer const& to, s_runtime const* rt) {
     for (s_GVar const* gvar : rt->gV) {
-        std::fprintf(stream, "  ");
-        sn_printGVar(stream, gvar);
+        to.stream << "  ";
+        sn_printGVar(to, gvar);
         if (gvar->gcIdx.size() > 1)
-            std::fprintf(stream, ":");
+            to.stream << ":";
         for (std::size_t i = 1; i < gvar->gcIdx.size(); ++i)
-            std::fprintf(stream, " %d", gvar->gcIdx[i] + 1);
-        std::fprintf(stream, ";\n");
+            to.stream << " " << gvar->gcIdx[i] + 1;
+        to.stream << ";\n";
     }
 }
 
-void sn_printGContr(std::FILE* stream, s_Expr const* constraint) {
-    sn_printGVar(stream, constraint->gvar);
-    std::fprintf(stream, " = ");
-    sn_printExpr(stream, constraint);
-    std::fprintf(stream, ";\n");
+void sn_printGContr(s_Printer const& to, s_Expr const* constraint) {
+    sn_printGVar(to, constraint->gvar);
+    to.stream << " = ";
+    sn_printExpr(to, constraint);
+    to.stream << ";\n";
 }
 
-void sn_printGlobCs(std::FILE* stream, s_runtime const* rt) {
+void sn_printGlobCs(s_Printer const& to, s_runtime const* rt) {
     int number = 0;
     for (s_Expr const* constraint : rt->gC) {
-        std::fprintf(stream, "  (%d) ", ++number);
-        sn_printGContr(stream, constraint);
+        to.stream << "  (" << ++number << ") ";
+        sn_printGContr(to, constraint);
     }
 }

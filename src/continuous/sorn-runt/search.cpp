@@ -18,7 +18,6 @@
 #include <algorithm>
 #include <array>
 #include <cassert>
-#include <iostream>
 #include <vector>
 
 #include "continuous/sorn-runt.h"
@@ -42,12 +41,12 @@ struct SearchBox {
 using Parameters = std::array<double, 3>;
 
 // The point where the search ends.
-std::vector<double> searchPoint(Nelder_cost cost, SearchBox& box, Parameters& p) {
+std::vector<double> searchPoint(s_engine& engine, Nelder_cost cost, SearchBox& box, Parameters& p) {
     assert(cost != nullptr);
     std::vector<double> x = box.start;
     int status = 0;
-    opt_nelder(cost, &box.n, x.data(), box.lower.data(), box.upper.data(), p.data(), nullptr,
-               &status);
+    Nelder_minimise(engine.host, engine.random, cost, &box.n, x.data(), box.lower.data(),
+                    box.upper.data(), p.data(), nullptr, &status);
     return x;
 }
 
@@ -67,8 +66,8 @@ bool fillSecondOrder(s_Influence* influence, s_runtime* rt, s_Objet const& prev1
     box.fill(AT_Y1, prev1);
     box.fill(AT_Y2, prev2);
     sn_loadCauseValue(rt, influence);
-    box.fill(AT_U1, *TMP2);
-    box.fill(AT_U2, *TMP5);
+    box.fill(AT_U1, rt->engine->TMP2);
+    box.fill(AT_U2, rt->engine->TMP5);
     return true;
 }
 
@@ -111,17 +110,18 @@ void call_nelder_second(s_Influence* influence, s_runtime* rt, s_Objet* prev1, s
     SearchBox box(SECOND_ORDER_DIMENSION);
     if (!fillSecondOrder(influence, rt, *prev1, *prev2, box))
         return;
+    s_engine& engine = *rt->engine;
     Parameters p = {rt->Ts, LOW_SIDE, 0.0};
-    std::vector<double> x1 = searchPoint(opti_second_order_ptr, box, p);
-    double const low = costAt(opti_second_order_ptr, box, x1, p);
+    std::vector<double> x1 = searchPoint(engine, engine.opti_second_order_ptr, box, p);
+    double const low = costAt(engine.opti_second_order_ptr, box, x1, p);
     p[1] = HIGH_SIDE;
-    std::vector<double> x2 = searchPoint(opti_second_order_ptr, box, p);
-    double const high = -costAt(opti_second_order_ptr, box, x2, p);
+    std::vector<double> x2 = searchPoint(engine, engine.opti_second_order_ptr, box, p);
+    double const high = -costAt(engine.opti_second_order_ptr, box, x2, p);
     // Required: the result replaces the closed-form bounds unseen. A sum that is a number stays
     // one, and takes the low value: hence the order of the two writes.
-    sn_setSup(TMP1, high);
-    sn_setInf(TMP1, low);
-    s_Objet* const narrowed[] = {prev1, prev2, TMP2, TMP5};
+    sn_setSup(&engine.TMP1, high);
+    sn_setInf(&engine.TMP1, low);
+    s_Objet* const narrowed[] = {prev1, prev2, &engine.TMP2, &engine.TMP5};
     for (int i = 0; i < 4; ++i)
         setNelderResult(narrowed[i], x1[AT_Y1 + i], x2[AT_Y1 + i]);
 }
@@ -157,10 +157,10 @@ bool setUpStatic(s_CGraph const& graph, s_runtime* rt, ObsSearch& search) {
         if (!sn_isActive(influence, rt))
             continue;
         sn_loadCauseValue(rt, influence);
-        search.box.fill(search.box.n++, *TMP2);
+        search.box.fill(search.box.n++, rt->engine->TMP2);
         search.box.fill(search.box.n++, influence->b1);
     }
-    search.cost = opti_static_obs_ptr;
+    search.cost = rt->engine->opti_static_obs_ptr;
     search.step = 2;
     search.end = search.box.n;
     return true;
@@ -170,7 +170,7 @@ bool setUpSecondOrder(s_CGraph const& graph, s_runtime* rt, s_Objet const& prev1
                       s_Objet const& prev2, ObsSearch& search) {
     search.last = graph.causes.front();
     search.box = SearchBox(SECOND_ORDER_DIMENSION);
-    search.cost = opti_second_order_obs_ptr;
+    search.cost = rt->engine->opti_second_order_obs_ptr;
     search.first = AT_Y1;
     search.end = AT_GAIN;
     return sn_isActive(search.last, rt) &&
@@ -185,9 +185,9 @@ bool setUpIntegral(s_CGraph const& graph, s_runtime* rt, s_Objet const& prev1, O
     sn_loadCauseValue(rt, search.last);
     search.box = SearchBox(3);
     search.box.fill(0, prev1);
-    search.box.fill(1, *TMP2);
+    search.box.fill(1, rt->engine->TMP2);
     search.box.fill(2, search.last->gain);
-    search.cost = opti_integral_obs_ptr;
+    search.cost = rt->engine->opti_integral_obs_ptr;
     search.first = 1;
     search.end = 2;
     return true;
@@ -203,7 +203,7 @@ bool setUp(influType kind, s_CGraph const& graph, s_runtime* rt, s_Objet const* 
         case INF_INTEGRAL:
             return setUpIntegral(graph, rt, *prev1, search);
         default:
-            std::cout << "default: " << kind << std::endl;
+            rt->engine->out << "default: " << kind << std::endl;
             return false;
     }
 }
@@ -300,11 +300,13 @@ void call_nelder_obs(s_Variable* variable, s_runtime* rt, s_Objet* prev1, s_Obje
     Parameters p = {rt->Ts, LOW_SIDE, 0.0};
     if (!observe(rt, search.last->effect, useMeasure, *result, &p[2]))
         return;
-    std::vector<double> const low = resultsOf(search, searchPoint(search.cost, search.box, p));
+    std::vector<double> const low =
+        resultsOf(search, searchPoint(*rt->engine, search.cost, search.box, p));
     p[1] = HIGH_SIDE;
     if (!useMeasure)
         p[2] = sn_supOf(*result);
-    std::vector<double> const high = resultsOf(search, searchPoint(search.cost, search.box, p));
+    std::vector<double> const high =
+        resultsOf(search, searchPoint(*rt->engine, search.cost, search.box, p));
     writeBack(graph, rt, low, high);
     evaluate(kind, graph, rt, prev1, prev2, p[2], result);
 }
@@ -316,7 +318,7 @@ s_Objet opti_static_eval(int count, s_CGraph const* graph, s_runtime* rt) {
         if (!sn_isActive(influence, rt))
             continue;
         sn_loadCauseValue(rt, influence);
-        s_Objet part = *TMP2;
+        s_Objet part = rt->engine->TMP2;
         sn_mulObjet(&part, &influence->b1);
         sn_addObjet(&sum, &part);
     }
@@ -326,11 +328,12 @@ s_Objet opti_static_eval(int count, s_CGraph const* graph, s_runtime* rt) {
 s_Objet opti_integral_eval(int, s_CGraph const* graph, s_Objet const* previous, s_runtime* rt) {
     s_Influence* influence = graph->causes.front();
     sn_loadCauseValue(rt, influence);
-    s_Objet sum = *TMP2;
+    s_Objet sum = rt->engine->TMP2;
     sn_mulObjet(&sum, &influence->b1);
     sn_addObjet(&sum, previous);
-    std::cout << "y: ";
-    sn_printObjet(stdout, &sum);
-    std::cout << std::endl;
+    std::ostream& out = rt->engine->out;
+    out << "y: ";
+    sn_printObjet(dataPrinter(*rt->engine, out), &sum);
+    out << std::endl;
     return sum;
 }

@@ -1,4 +1,4 @@
-// The costs that the bound search minimises, and the pointers through which it reaches them.
+// The costs that the bound search minimises, and their entry into the engine.
 //
 // All of them are pure functions of their arguments, but for the side that opti_second_order_obs
 // resets. An observed effect is not a constraint of the optimiser: it enters the cost as a
@@ -10,18 +10,12 @@
 #include "continuous/search.h"
 #include "continuous/sorn-runt.h"
 
-Nelder_cost opti_static_obs_ptr = nullptr;
-Nelder_cost opti_integral_obs_ptr = nullptr;
-Nelder_cost opti_first_order_obs_ptr = nullptr;
-Nelder_cost opti_second_order_ptr = nullptr;
-Nelder_cost opti_second_order_obs_ptr = nullptr;
-
-void init_nelder() {
-    opti_static_obs_ptr = opti_static_obs;
-    opti_integral_obs_ptr = opti_integral_obs;
-    opti_first_order_obs_ptr = opti_first_order_obs;
-    opti_second_order_ptr = opti_second_order;
-    opti_second_order_obs_ptr = opti_second_order_obs;
+void init_nelder(s_engine& engine) {
+    engine.opti_static_obs_ptr = opti_static_obs;
+    engine.opti_integral_obs_ptr = opti_integral_obs;
+    engine.opti_first_order_obs_ptr = opti_first_order_obs;
+    engine.opti_second_order_ptr = opti_second_order;
+    engine.opti_second_order_obs_ptr = opti_second_order_obs;
 }
 
 namespace {

@@ -41,69 +41,76 @@ bool wasTrusted(s_runtime const* rt, s_Variable const* cause, int hi) {
 // A delay of at least one cycle. Required: over a range of delays, the hull is always taken from
 // the predicted values, also where the measures are trusted.
 void loadDelayed(s_runtime const* rt, s_Influence const* influence, int lo, int hi) {
+    s_engine& engine = *rt->engine;
     s_Variable const* cause = influence->cause;
     bool const measured = wasTrusted(rt, cause, hi);
     History<s_Objet> const& history = measured ? cause->mesHisto : cause->histo;
     s_Objet const& without = measured ? cause->mes : cause->old;
-    sn_putObjet(&entryAt(history, hi - 1, without), TMP2);
+    sn_putObjet(&entryAt(history, hi - 1, without), &engine.TMP2);
     if (influence->type == INF_DYNAMIC2)
-        sn_putObjet(&entryAt(history, hi, without), TMP5);
+        sn_putObjet(&entryAt(history, hi, without), &engine.TMP5);
     for (int i = hi - 2; i >= std::max(lo - 1, 0); --i)
-        sn_uniObjet(TMP2, &entryAt(cause->histo, i, cause->old));
+        sn_uniObjet(&engine.TMP2, &entryAt(cause->histo, i, cause->old));
 }
 
 void loadPreviousCycle(s_runtime const* rt, s_Influence const* influence) {
+    s_engine& engine = *rt->engine;
     s_Variable const* cause = influence->cause;
     bool const measured = sn_isTrusted(rt, cause);
-    sn_putObjet(measured ? &cause->mes : &cause->old, TMP2);
+    sn_putObjet(measured ? &cause->mes : &cause->old, &engine.TMP2);
     if (influence->type != INF_DYNAMIC2)
         return;
     History<s_Objet> const& history = measured ? cause->mesHisto : cause->histo;
-    sn_putObjet(&entryAt(history, 0, measured ? cause->mes : cause->old), TMP5);
+    sn_putObjet(&entryAt(history, 0, measured ? cause->mes : cause->old), &engine.TMP5);
 }
 
 void loadThisCycle(s_runtime const* rt, s_Variable const* cause) {
+    s_engine& engine = *rt->engine;
     if (sn_isTrusted(rt, cause))
-        sn_putObjet(&cause->mes, TMP2);
+        sn_putObjet(&cause->mes, &engine.TMP2);
     else
-        sn_putObjet(cause->isParam ? &cause->old : &cause->new_, TMP2);
+        sn_putObjet(cause->isParam ? &cause->old : &cause->new_, &engine.TMP2);
 }
 
 // Adds every active cause times its coefficient to TMP1. Returns the influence looked at last.
 s_Influence* addCauses(s_runtime* rt, s_Variable* variable, s_Objet s_Influence::*coefficient) {
+    s_engine& engine = *rt->engine;
     s_Influence* last = nullptr;
     for (s_Influence* influence : variable->graph->causes) {
         last = influence;
         if (!sn_isActive(influence, rt))
             continue;
         sn_loadCauseValue(rt, influence);
-        sn_mulObjet(TMP2, &(influence->*coefficient));
-        sn_addObjet(TMP1, TMP2);
+        sn_mulObjet(&engine.TMP2, &(influence->*coefficient));
+        sn_addObjet(&engine.TMP1, &engine.TMP2);
     }
     return last;
 }
 
 void updateIntegral(s_runtime* rt, s_Variable* variable) {
+    s_engine& engine = *rt->engine;
     addCauses(rt, variable, &s_Influence::b1);
-    sn_addObjet(TMP1, sn_isTrusted(rt, variable) ? &variable->mes : &variable->old);
+    sn_addObjet(&engine.TMP1, sn_isTrusted(rt, variable) ? &variable->mes : &variable->old);
 }
 
 void updateStatic(s_runtime* rt, s_Variable* variable) {
+    s_engine& engine = *rt->engine;
     s_Influence const* last = addCauses(rt, variable, &s_Influence::b1);
-    if (env_opti && last->useOpti && sn_isTrusted(rt, variable))
-        call_nelder_obs(variable, rt, &variable->mes, nullptr, TMP1, INF_STATIC, true);
+    if (engine.env_opti && last->useOpti && sn_isTrusted(rt, variable))
+        call_nelder_obs(variable, rt, &variable->mes, nullptr, &engine.TMP1, INF_STATIC, true);
 }
 
 void updateSecondOrder(s_runtime* rt, s_Variable* variable) {
+    s_engine& engine = *rt->engine;
     // Corners that no active cause makes anew contribute nothing.
-    *TMPII = *TMPIS = *TMPSI = *TMPSS = *objZero;
+    engine.TMPII = engine.TMPIS = engine.TMPSI = engine.TMPSS = *objZero;
     s_Influence* last = nullptr;
     for (s_Influence* influence : variable->graph->causes) {
         last = influence;
         if (!sn_isActive(influence, rt))
             continue;
         sn_loadCauseValue(rt, influence);
-        sn_addSecondOrder(influence);
+        sn_addSecondOrder(engine, influence);
     }
     sn_evalDynInfl(rt, last);
 }
@@ -144,7 +151,8 @@ void sn_loadCauseValue(s_runtime* rt, s_Influence* influence) {
 void sn_updateVariable(s_runtime* rt, s_Variable* variable) {
     if (variable->graph == nullptr || variable->graph->causes.empty())
         return;
-    *TMP1 = *objZero;
+    s_engine& engine = *rt->engine;
+    engine.TMP1 = *objZero;
     switch (variable->graph->kind) {
         case INF_INTEGRAL:
             updateIntegral(rt, variable);
@@ -161,5 +169,5 @@ void sn_updateVariable(s_runtime* rt, s_Variable* variable) {
         default:
             break;
     }
-    sn_putObjet(TMP1, &variable->new_);
+    sn_putObjet(&engine.TMP1, &variable->new_);
 }

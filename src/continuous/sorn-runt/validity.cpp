@@ -8,13 +8,12 @@
 //
 // TMP1 holds the narrowed value through one pass and must survive everything called there; only
 // TMP4 may be overwritten.
-#include <iostream>
 #include <queue>
 
 #include "continuous/bridge.h"
 #include "continuous/sorn-runt.h"
 #include "model/Atom.h"
-#include "support/process.h"
+#include "support/run_stopped.h"
 
 namespace {
 
@@ -92,9 +91,9 @@ void sn_splitRt(s_runtime* rt, SpacePieces const& pieces, std::size_t index, Pen
 // The value has left the range of constraint *index*, which is in TMP4: another space holds now.
 void sn_emptyIsecValSpc(s_runtime* rt, std::size_t index) {
     s_GVar* gvar = rt->aC[index]->gvar;
-    sn_putObjet(TMP4, &gvar->value);
+    sn_putObjet(&rt->engine->TMP4, &gvar->value);
     takeOut(rt, sn_findCondCover(gvar, rt));
-    sn_putObjet(TMP1, &gvar->value);
+    sn_putObjet(&rt->engine->TMP1, &gvar->value);
     bringIn(rt, sn_findCondCover(gvar, rt));
 }
 
@@ -102,14 +101,15 @@ void sn_emptyIsecValSpc(s_runtime* rt, std::size_t index) {
 void narrow(Split& split, std::size_t index) {
     s_runtime* rt = split.rt;
     s_GVar const* gvar = rt->aC[index]->gvar;
-    sn_putObjet(&gvar->value, TMP1);
+    s_engine& engine = *rt->engine;
+    sn_putObjet(&gvar->value, &engine.TMP1);
     bool empty = false;
     for (std::size_t j = 0; j < rt->aC.size(); ++j) {
         if (!rt->ccAgenda[j] || rt->aC[j]->gvar != gvar)
             continue;
         if (!empty) {
             sn_evalSolFunc(rt, rt->aC[j]);
-            if (!sn_interObjet(TMP1, TMP4)) {
+            if (!sn_interObjet(&engine.TMP1, &engine.TMP4)) {
                 sn_emptyIsecValSpc(rt, index);
                 empty = true;
                 split.stable = false;
@@ -123,10 +123,10 @@ void applyConstraint(Split& split, std::size_t index) {
     s_runtime* rt = split.rt;
     s_GVar* gvar = rt->aC[index]->gvar;
     narrow(split, index);
-    SpacePieces const pieces = sn_inSpObjet(TMP1, &gvar->value);
+    SpacePieces const pieces = sn_inSpObjet(&rt->engine->TMP1, &gvar->value);
     if (!pieces.any)
         return;
-    s_Objet const narrowed = *TMP1;
+    s_Objet const narrowed = rt->engine->TMP1;
     sn_splitRt(rt, pieces, index, split.pending);
     gvar->value = narrowed;
     if (sn_updateCondAgenda(rt, gvar))
@@ -169,7 +169,7 @@ void settlePart(s_runtime* rt, Pending& pending) {
     settle(split);
     storeValues(rt);
     sn_yieldDisplays(rt);
-    nrt.insert({rt->num, rt});
+    rt->engine->nrt.insert({rt->num, rt});
 }
 
 // The conditions that cover the first values, all entered into the space.
@@ -205,8 +205,8 @@ std::vector<s_Condition*> sn_findCondCover(s_GVar* gvar, s_runtime* rt) {
         if (sn_evalCondExpr(conditionAt(rt, index), rt))
             cover.push_back(conditionAt(rt, index));
     if (cover.empty()) {
-        std::cout << "[findCover -->] returning NULL\n" << std::flush;
-        leaveProcess(0);
+        rt->engine->out << "[findCover -->] returning NULL\n" << std::flush;
+        throw RunStopped(RunStopped::noCover, "no condition covers a value");
     }
     return cover;
 }
@@ -248,7 +248,7 @@ int sn_initValSpc(s_runtime* rt) {
     int found = 0;
     std::vector<s_Condition*> const kept = placeInSpace(rt, found);
     sn_splitValiditySpc(rt);
-    for (auto const& entry : nrt)
+    for (auto const& entry : rt->engine->nrt)
         for (s_Condition const* condition : kept) {
             s_runtime* target = entry.second;
             if (!hasEventOnSameVar(target, condition->atom))
@@ -271,32 +271,35 @@ void sn_splitValiditySpc(s_runtime* rt) {
 }
 
 void viewValSpc(s_runtime const* rt) {
-    std::cout << "rt " << rt->num << " valSpc => " << std::flush;
+    std::ostream& out = rt->engine->out;
+    out << "rt " << rt->num << " valSpc => " << std::flush;
     for (std::size_t i = 0; i < rt->aC.size(); ++i)
         if (rt->valSpc[i]) {
-            sn_printExpr(stdout, rt->aC[i]);
-            std::cout << " ";
+            sn_printExpr(dataPrinter(*rt->engine, out), rt->aC[i]);
+            out << " ";
         }
 }
 
 void viewCcAgenda(s_runtime const* rt) {
-    std::cout << "Cc agenda:\n ";
+    s_Printer const to = dataPrinter(*rt->engine, rt->engine->out);
+    to.stream << "Cc agenda:\n ";
     for (std::size_t i = 0; i < rt->aC.size(); ++i) {
         if (rt->aC[i]->gvar != nullptr) {
-            sn_printGVar(stdout, rt->aC[i]->gvar);
-            std::cout << "\n";
+            sn_printGVar(to, rt->aC[i]->gvar);
+            to.stream << "\n";
         }
-        sn_printExpr(stdout, rt->aC[i]);
-        std::cout << " -- " << rt->ccAgenda[i] << "\n";
+        sn_printExpr(to, rt->aC[i]);
+        to.stream << " -- " << rt->ccAgenda[i] << "\n";
     }
 }
 
-void viewSplitState(s_GVar const* gvar, s_Objet const* current, s_Objet const* filtered) {
-    std::cout << "\t\t|variable: ";
-    sn_printGVar(stdout, gvar);
-    std::cout << "\n\n\t\t|current value: ";
-    sn_printObjet(stdout, current);
-    std::cout << "\n\t\t|filtered value: ";
-    sn_printObjet(stdout, filtered);
-    std::cout << "\n";
+void viewSplitState(s_Printer const& to, s_GVar const* gvar, s_Objet const* current,
+                    s_Objet const* filtered) {
+    to.stream << "\t\t|variable: ";
+    sn_printGVar(to, gvar);
+    to.stream << "\n\n\t\t|current value: ";
+    sn_printObjet(to, current);
+    to.stream << "\n\t\t|filtered value: ";
+    sn_printObjet(to, filtered);
+    to.stream << "\n";
 }

@@ -1,5 +1,5 @@
 // The only place where exhausted memory is told to the user.
-#include "support/new_memory.h"
+#include "unlinked/new_memory.h"
 
 #include <cstdio>
 #include <cstdlib>

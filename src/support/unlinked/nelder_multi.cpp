@@ -6,8 +6,8 @@
 // tell how far the best result may be trusted: how many runs found it again, and at what price.
 #include <algorithm>
 
-#include "support/nelder.h"
-#include "support/optim.h"
+#include "unlinked/nelder_calls.h"
+#include "unlinked/optim_calls.h"
 
 namespace {
 

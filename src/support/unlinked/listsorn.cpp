@@ -4,12 +4,12 @@
 // The plain family and the C family differ only in how an item is stored, looked at and dropped.
 // That difference is the Items argument of the functions below; all walking and linking is
 // written once.
-#include "support/listsorn.h"
+#include "unlinked/listsorn.h"
 
 #include <cstdio>
 #include <cstring>
 
-#include "support/new_memory.h"
+#include "unlinked/new_memory.h"
 
 namespace {
 

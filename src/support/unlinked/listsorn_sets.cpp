@@ -3,7 +3,7 @@
 // The operations of both families are the same walks; they differ in how an item is appended, by
 // addRight or by addRightC, which the walks take as an argument. Walks count by size, so a list may
 // be appended to itself.
-#include "support/listsorn.h"
+#include "unlinked/listsorn.h"
 
 #include <cassert>
 
