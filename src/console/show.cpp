@@ -2,6 +2,7 @@
 #include <cstdio>
 #include <cstring>
 
+#include "console/console.h"
 #include "console/parameters.h"
 #include "console/run.h"
 #include "continuous/sorn-runt.h"
@@ -9,7 +10,7 @@
 
 namespace {
 
-using Printer = void (*)(std::FILE*, s_runtime const*);
+using Printer = void (*)(s_Printer const&, s_runtime const*);
 
 // A selector that shows a part of the runtime.
 struct Selector {
@@ -21,10 +22,10 @@ struct Selector {
     bool (*isEmpty)(s_runtime const*);
 };
 
-void printConstraints(std::FILE* stream, s_runtime const* rt) {
-    sn_printGlobVs(stream, rt);
-    std::fprintf(stream, "Global constraints:\n");
-    sn_printGlobCs(stream, rt);
+void printConstraints(s_Printer const& to, s_runtime const* rt) {
+    sn_printGlobVs(to, rt);
+    to.stream << "Global constraints:\n";
+    sn_printGlobCs(to, rt);
 }
 
 bool never(s_runtime const*) {
@@ -56,7 +57,7 @@ void showSelected(Selector const& selector) {
         return;
     }
     std::fputs(selector.heading, stderr);
-    selector.print(stderr, rt);
+    selector.print(peoplePrinter(consoleRun->engine), rt);
 }
 
 // By name and, failing that, by class name.
@@ -79,7 +80,9 @@ void showComponents(char const* arg) {
         return;
     }
     Comp* comp = findComponent(name->c_str());
-    consoleRun->scheduler.showComp(comp != nullptr ? comp->getName() : name->c_str());
+    consoleRun->scheduler.showComp(
+        comp != nullptr ? comp->getName() : name->c_str(),
+        [](s_Influence const* influence) { printInfluence(consoleRun->out, influence); });
 }
 
 constexpr Selector beforeComponents[] = {

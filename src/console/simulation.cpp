@@ -7,6 +7,7 @@
 #include <iostream>
 #include <new>
 
+#include "console/console.h"
 #include "console/exchange.h"
 #include "console/isolation_request.h"
 #include "console/parameters.h"

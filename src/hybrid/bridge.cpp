@@ -8,19 +8,19 @@
 
 #include <cstring>
 
-#include "hybrid/exchange.h"
+#include "continuous/displays.h"
 #include "hybrid/tavro-runt.h"
 #include "model/CondVarrt.h"
 #include "model/ModeVarrt.h"
 #include "model/labels.h"
 #include "reasoning/Scheduler.h"
 
-void bridgeIncEvents(s_runtime* rt) {
+void bridgeIncEvents(Scheduler& scheduler, s_runtime* rt) {
     for (auto const& [sign, atom] : rt->bridgeEvents) {
         if (atom->getRefTransPre().empty())
-            sMM->contEvents.insert({sign, atom});
+            scheduler.contEvents.insert({sign, atom});
         else if (sign)
-            sMM->contCommands.push_back(atom);
+            scheduler.contCommands.push_back(atom);
     }
 }
 
@@ -51,8 +51,8 @@ void bridgeConditions(s_runtime* rt) {
         setCondsOfAtom(rt, atom, sign);
 }
 
-void bridgeActiveAtoms(s_runtime* rt) {
-    for (auto const& entry : DataManager::active_atoms)
+void bridgeActiveAtoms(Plant const& plant, s_runtime* rt) {
+    for (auto const& entry : plant.active_atoms)
         if (entry.second != nullptr && entry.second->bridged)
             setCondsOfAtom(rt, entry.second, entry.second->evalAtom());
 }
@@ -68,7 +68,7 @@ void addDiagBridgeTrans(Trajectory const* traj, s_runtime* rt, int time) {
     }
 }
 
-void updateDiagConds(Trajectory const* traj, s_runtime* rt, int time, double contTime,
+void updateDiagConds(RunState& run, Trajectory const* traj, s_runtime* rt, int time, double contTime,
                      int threshold) {
     if (State const* state = traj->getState(time))
         for (s_Condition const* condition : rt->condi) {
@@ -80,7 +80,7 @@ void updateDiagConds(Trajectory const* traj, s_runtime* rt, int time, double con
     bridgeConditions(rt);
     addDiagBridgeTrans(traj, rt, time);
     if (!rt->bridgeTrans.empty())
-        tavro_reinitialize(rt, contTime, RUN_DETECT, threshold);
+        tavro_reinitialize(run, rt, contTime, RUN_DETECT, threshold);
     tavro_setRTDisplays(static_cast<int>(rt->display.size()), rt, contTime / rt->Ts);
     clearAlarms(rt);
 }

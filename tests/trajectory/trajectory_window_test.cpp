@@ -37,7 +37,7 @@ TEST(TrajectoryStart, AnEmptyHistoryHasItsDefaults) {
     unsigned const created = theRun().scheduler.book.traj_created;
     unsigned const deleted = theRun().scheduler.book.traj_del;
     {
-        Trajectory const path;
+        Trajectory const path{theRun().scheduler.book};
         EXPECT_EQ(theRun().scheduler.book.traj_created, created + 1);
         EXPECT_TRUE(path.states.empty());
         EXPECT_EQ(path.currentTime, 0);
