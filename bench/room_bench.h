@@ -3,30 +3,21 @@
 
 #include <memory>
 
-#include "console/console.h"
 #include "continuous/sorn-runt.h"
-#include "hybrid/tavro-runt.h"
-#include "reasoning/Scheduler.h"
 #include "fixtures/the_run.h"
 #include "silence.h"
+
+extern CompiledModel const therm_model;
 
 // The rate of change that the model itself would show in the middle of its bounds, while heating.
 class RoomBench {
 public:
     RoomBench() {
-        theRun().engine.rt_num = 0;
-        scheduler = std::make_unique<Scheduler>(model_name);
-        theRun().sMM = scheduler.get();
-        startinit(theRun().sMM);
-        theRun().sMM->rtInit();
-        bridgeActiveAtoms(thePlant(), theRun().tavro_rt).sMM);
+        newPlant(therm_model);
         tavro_initialize(theRun(), 1, 0.01, "", 0);
         theRun().engine.meas = {heatingRate()};
     }
-    ~RoomBench() {
-        clearMultiTrajs(theRun());
-        theRun().sMM = nullptr;
-    }
+    ~RoomBench() { endPlant(); }
 
     // Follows the room for *steps* cycles of heating.
     void follow(int steps, RunOptions const& options) {
@@ -54,6 +45,5 @@ public:
         return 0.05 * (20.0 - (sn_infOf(x) + sn_supOf(x)) / 2.0) + 0.15;
     }
 
-    std::unique_ptr<Scheduler> scheduler;
     double time = 0.0;
 };

@@ -4,6 +4,7 @@
 #include <vector>
 
 #include "continuous/search.h"
+#include "support/host.h"
 #include "support/nelder.h"
 
 namespace {
@@ -20,10 +21,12 @@ void NelderOnStaticCost(benchmark::State& state) {
     }
     double parameters[] = {1.0, 0.0, 0.25 * n};
     int status = 0;
+    Host host;
+    Optim_random random;
     for (auto _ : state) {
         std::vector<double> x = start;
-        opt_nelder(opti_static_obs, &n, x.data(), lower.data(), upper.data(), parameters, nullptr,
-                   &status);
+        Nelder_minimise(host, random, opti_static_obs, &n, x.data(), lower.data(), upper.data(),
+                        parameters, nullptr, &status);
         benchmark::DoNotOptimize(x.data());
     }
     state.counters["evaluations"] = status;

@@ -21,8 +21,9 @@ void GrowTree(benchmark::State& state) {
          benchmarkConflictSets(static_cast<int>(state.range(0)), static_cast<int>(state.range(1))))
         sets.push_back(names.set(set));
     std::size_t leaves = 0;
+    Host host;
     for (auto _ : state) {
-        HittingSetTree tree;
+        HittingSetTree tree(host);
         for (Suspects const& set : sets)
             tree.grow(set);
         state.PauseTiming();

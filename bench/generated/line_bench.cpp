@@ -26,14 +26,12 @@ public:
           histories(histories),
           path(std::filesystem::temp_directory_path() /
                ("tavro-line-bench-" + std::to_string(getpid()) + ".scn")) {
-        scheduler = std::make_unique<Scheduler>("line");
-        theRun().sMM = scheduler.get();
+        newPlant("line");
         buildLine(theRun().sMM, valves);
         theRun().sMM->rtInit();
     }
     ~LineBench() {
-        clearMultiTrajs(theRun());
-        theRun().sMM = nullptr;
+        endPlant();
         std::filesystem::remove(path);
     }
     LineBench(LineBench const&) = delete;
@@ -75,7 +73,6 @@ public:
 private:
     int valves, histories;
     std::string path;
-    std::unique_ptr<Scheduler> scheduler;
 };
 
 LineBench lineOf(benchmark::State const& state) {

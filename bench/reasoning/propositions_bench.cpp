@@ -17,7 +17,8 @@ void AddPropositions(benchmark::State& state) {
         TrajEl* off = theRun().sMM->getElt("thermostat.mode=off", {copy.get(), traj, t});
         SignedElements const props{{true, off}};
         state.ResumeTiming();
-        benchmark::DoNotOptimize(theRun().sMM->addPropositions(props, copy, {true, 0.0}, traj, t, false));
+        benchmark::DoNotOptimize(
+            theRun().sMM->addPropositions(props, copy, {true, 0.0}, traj, t, false));
     }
 }
 BENCHMARK(AddPropositions)->Unit(benchmark::kMicrosecond);

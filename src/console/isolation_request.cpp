@@ -59,7 +59,8 @@ int sorn_getMisbs(char const*, int count, int* values) {
 // An influence without a condition takes 1 and uses no token.
 int sorn_getConds(char const*, int count, int* values) {
     for (int i = 0; i < count; ++i) {
-        bool const given = consoleRun->tavro_rt->influ[static_cast<std::size_t>(i)]->cond != nullptr;
+        bool const given =
+            consoleRun->tavro_rt->influ[static_cast<std::size_t>(i)]->cond != nullptr;
         int const value = given ? readCondition() : 1;
         if (value == -1)
             return 0;

@@ -21,8 +21,8 @@ private:
     std::optional<std::string> current;
 };
 
-// What a request says, for the engine: misbehaviours, one entry per measure, and conditions, one entry
-// per influence. 0, and a message, when a name or a value is wrong or missing.
+// What a request says, for the engine: misbehaviours, one entry per measure, and conditions, one
+// entry per influence. 0, and a message, when a name or a value is wrong or missing.
 int sorn_getMisbs(char const* name, int count, int* values);
 int sorn_getConds(char const* name, int count, int* values);
 

@@ -43,7 +43,9 @@ bool noInits(s_runtime const* rt) {
 
 // The nominal candidate's runtime, or the model's own when there is none.
 s_runtime const* shownRuntime() {
-    return consoleRun->hybNT != nullptr && consoleRun->hybNT->rt != nullptr ? consoleRun->hybNT->rt.get() : consoleRun->tavro_rt;
+    return consoleRun->hybNT != nullptr && consoleRun->hybNT->rt != nullptr
+               ? consoleRun->hybNT->rt.get()
+               : consoleRun->tavro_rt;
 }
 
 void showSelected(Selector const& selector) {

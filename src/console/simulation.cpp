@@ -11,12 +11,12 @@
 #include "console/exchange.h"
 #include "console/isolation_request.h"
 #include "console/parameters.h"
+#include "console/process.h"
 #include "console/run.h"
 #include "continuous/sorn-runt.h"
 #include "hybrid/tavro-runt.h"
 #include "reasoning/Scheduler.h"
 #include "support/numbers.h"
-#include "console/process.h"
 
 namespace {
 
@@ -44,9 +44,11 @@ void announceTime() {
 
 void readDataLines(s_runtime const* rt) {
     if (dataIn != nullptr)
-        tavro_getInputs(rt->name.c_str(), static_cast<int>(consoleRun->engine.inps.size()), consoleRun->engine.inps.data());
+        tavro_getInputs(rt->name.c_str(), static_cast<int>(consoleRun->engine.inps.size()),
+                        consoleRun->engine.inps.data());
     if (measIn != nullptr)
-        tavro_getMeasures(rt->name.c_str(), static_cast<int>(consoleRun->engine.meas.size()), consoleRun->engine.meas.data());
+        tavro_getMeasures(rt->name.c_str(), static_cast<int>(consoleRun->engine.meas.size()),
+                          consoleRun->engine.meas.data());
 }
 
 // The cycles of a run, and the rows that they leave.
@@ -56,8 +58,9 @@ public:
     // the run stops at the last whole cycle.
     bool run(RunOptions const& options, double countdown, double Ts) {
         bool nominal = false;
-        int const result =
-            keep(simTime - Ts) ? tavro_tryCycle(*consoleRun, options, countdown, simTime, nominal) : 0;
+        int const result = keep(simTime - Ts)
+                               ? tavro_tryCycle(*consoleRun, options, countdown, simTime, nominal)
+                               : 0;
         if (result == 0) {
             stopped = true;
             tellMemoryShort(kept.tables.size(), kept.time);
@@ -252,7 +255,8 @@ bool timedCycle(Cycles& cycles, RunOptions const& options, double Ts, std::FILE*
         return false;
     double const seconds = static_cast<double>(std::clock() - start) / ticksPerSecond;
     std::cout << "cycle: " << seconds << " seconds\n";
-    std::fprintf(benchmark, "%i\t%g\n", static_cast<int>(consoleRun->tracked_trajs.size()), seconds);
+    std::fprintf(benchmark, "%i\t%g\n", static_cast<int>(consoleRun->tracked_trajs.size()),
+                 seconds);
     return true;
 }
 

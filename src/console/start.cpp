@@ -112,8 +112,7 @@ void printUsage(s_runtime const* rt) {
         std::cout
             << (rt->input.empty() ? "" : " INPUT-FILE")
             << (rt->measure.empty() ? "" : " MEASURE-FILE")
-            << (rt->display.empty() ? "" : " DISPLAY-FILE")
-            << " [SCENARIO-FILE [MODE-FILE]]\n"
+            << (rt->display.empty() ? "" : " DISPLAY-FILE") << " [SCENARIO-FILE [MODE-FILE]]\n"
             << "Input and scenario files are looked for under inp/, measure files under obs/;\n"
             << "display files are written under disp/.\n";
     }

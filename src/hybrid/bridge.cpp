@@ -68,8 +68,8 @@ void addDiagBridgeTrans(Trajectory const* traj, s_runtime* rt, int time) {
     }
 }
 
-void updateDiagConds(RunState& run, Trajectory const* traj, s_runtime* rt, int time, double contTime,
-                     int threshold) {
+void updateDiagConds(RunState& run, Trajectory const* traj, s_runtime* rt, int time,
+                     double contTime, int threshold) {
     if (State const* state = traj->getState(time))
         for (s_Condition const* condition : rt->condi) {
             TrajEl const* element =

@@ -81,7 +81,8 @@ void diagnoseMisbTrajs(RunState& run, RunOptions const& options, double time) {
     run.last_detection_time = time;
     HybMap copies = copyHybTrajectories(run.misbtrajs);
     if (handleMisbTrajs(run, options.isolation, options.threshold, time)) {
-        switchToBST(run, run.tracked_trajs, std::move(copies), time, run.last_detection_time, options.threshold);
+        switchToBST(run, run.tracked_trajs, std::move(copies), time, run.last_detection_time,
+                    options.threshold);
         return;
     }
     if (options.mode == RUN_DETECT && run.tracked_trajs.size() > 1)

@@ -35,7 +35,8 @@ bool checkMeasures(s_runtime* rt, int threshold) {
 // equal keys. Goes on to the entry that follows.
 void rebuildAfterModeChange(DiscreteWalk& walk) {
     std::unique_ptr<hybTrajectory> candidate = std::move(walk.at->second);
-    tavro_reinitialize(walk.run, candidate->rt.get(), walk.time, walk.options.mode, walk.options.threshold);
+    tavro_reinitialize(walk.run, candidate->rt.get(), walk.time, walk.options.mode,
+                       walk.options.threshold);
     clearRunTime(candidate->rt.get());
     splitRuntime(walk.run, std::move(candidate), walk.run.tracked_trajs, 1, walk.options.mode);
     walk.at = walk.run.tracked_trajs.erase(walk.at);

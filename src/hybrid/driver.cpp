@@ -49,7 +49,8 @@ int tavro_initialize_discrete(RunState& run) {
     return 0;
 }
 
-int tavro_initialize(RunState& run, int global, double precision, char const* diagBuf, int accuTime) {
+int tavro_initialize(RunState& run, int global, double precision, char const* diagBuf,
+                     int accuTime) {
     run.diag_flag = false;
     initNominalTraj(run, &run.plant.active_atoms, run.tavro_rt);
     s_runtime* rt = run.hybNT->rt.get();
@@ -88,7 +89,8 @@ void lockFirstTrajState(Trajectory* traj) {
     }
 }
 
-int tavro_doCycle(RunState& run, RunOptions const& options, double countdown, double time, bool& nominal) {
+int tavro_doCycle(RunState& run, RunOptions const& options, double countdown, double time,
+                  bool& nominal) {
     run.ntrajs.clear();
     run.misbtrajs.clear();
     for (auto const& entry : run.tracked_trajs)
@@ -100,7 +102,8 @@ int tavro_doCycle(RunState& run, RunOptions const& options, double countdown, do
     return 1;
 }
 
-int tavro_tryCycle(RunState& run, RunOptions const& options, double countdown, double time, bool& nominal) {
+int tavro_tryCycle(RunState& run, RunOptions const& options, double countdown, double time,
+                   bool& nominal) {
     try {
         return tavro_doCycle(run, options, countdown, time, nominal);
     } catch (std::bad_alloc const&) {

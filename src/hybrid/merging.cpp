@@ -3,8 +3,8 @@
 
 #include "continuous/sorn-runt.h"
 #include "hybrid/tavro-runt.h"
-#include "trajectory/DataManagerrt.h"
 #include "support/numbers.h"
+#include "trajectory/DataManagerrt.h"
 
 bool isMisb(s_runtime const* rt) {
     for (std::size_t i = 0; i < rt->measure.size(); ++i)

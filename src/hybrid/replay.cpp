@@ -35,14 +35,14 @@ double pastValue(s_Objet const& present, History<s_Objet> const& history, double
 }
 
 // What the candidate becomes when it is replayed from its fault; into *result*, by rank.
-void replay(RunState& run, hybTrajectory const& candidate, int faultStep, double time, int threshold,
-            HybMap& result) {
+void replay(RunState& run, hybTrajectory const& candidate, int faultStep, double time,
+            int threshold, HybMap& result) {
     Trajectory const& history = *candidate.traj;
     auto moved = std::make_unique<hybTrajectory>();
     moved->traj = std::make_unique<Trajectory>(&history, history.getCurrentTime() + 1);
     double const faultTime = history.getTimeCorr(faultStep);
-    moved->rt =
-        sn_copyPartialFaultyRt(candidate.rt.get(), faultStep, faultTime, time, run.scheduler.book.twd);
+    moved->rt = sn_copyPartialFaultyRt(candidate.rt.get(), faultStep, faultTime, time,
+                                       run.scheduler.book.twd);
     updateDiagConds(run, moved->traj.get(), moved->rt.get(), faultStep, faultTime, threshold);
     HybMap replayed;
     double const rank = moved->traj->rank;
@@ -118,7 +118,8 @@ void tavroDiagDiscreteCycle(double time, HybMap& trajectories) {
     }
 }
 
-void switchToBST(RunState& run, HybMap& target, HybMap copies, double time, double lastDetection, int threshold) {
+void switchToBST(RunState& run, HybMap& target, HybMap copies, double time, double lastDetection,
+                 int threshold) {
     run.err << "switching to blind state tracking\n";
     // The detection that has just been diagnosed is tracked as its diagnosis left it.
     if (time == lastDetection)

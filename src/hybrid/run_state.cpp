@@ -32,8 +32,8 @@ RunState::~RunState() = default;
 
 void RunState::checkRunState() const {
 #ifndef NDEBUG
-    assert(hybNT == nullptr || (!tracked_trajs.empty() &&
-                                hybNT == tracked_trajs.begin()->second.get()));
+    assert(hybNT == nullptr ||
+           (!tracked_trajs.empty() && hybNT == tracked_trajs.begin()->second.get()));
     assert(engine.nrt.empty());
     for (auto const& [key, candidate] : tracked_trajs) {
         assert(candidate != nullptr && candidate->traj != nullptr);

@@ -9,7 +9,8 @@ namespace {
 // Takes the first runtime out of nrt. It may have been placed more than once; it is taken once.
 std::unique_ptr<s_runtime> takeFromNrt(RunState& run) {
     std::unique_ptr<s_runtime> taken(run.engine.nrt.begin()->second);
-    std::erase_if(run.engine.nrt, [&taken](auto const& entry) { return entry.second == taken.get(); });
+    std::erase_if(run.engine.nrt,
+                  [&taken](auto const& entry) { return entry.second == taken.get(); });
     return taken;
 }
 
@@ -38,7 +39,8 @@ void createNewTrajs(RunState& run, Trajectory const* history, HybMap& out) {
         out.emplace(history->proba, std::make_unique<hybTrajectory>(history, takeFromNrt(run)));
 }
 
-void splitRuntime(RunState& run, std::unique_ptr<hybTrajectory> candidate, HybMap& out, int multi, int mode) {
+void splitRuntime(RunState& run, std::unique_ptr<hybTrajectory> candidate, HybMap& out, int multi,
+                  int mode) {
     assert(run.engine.nrt.empty());
     NrtGuard guard(run, candidate->rt.get());
     sn_splitValiditySpc(candidate->rt.get());

@@ -34,19 +34,22 @@ struct RunOptions {
 // ---- Driver (driver.cpp) ----
 
 // Reads the first data lines and makes the first candidate; returns 1.
-int tavro_initialize(RunState& run, int global, double precision, char const* diagBuf, int accuTime);
+int tavro_initialize(RunState& run, int global, double precision, char const* diagBuf,
+                     int accuTime);
 // The same for a discrete model, whose trajectory goes to the registry; returns 0.
 int tavro_initialize_discrete(RunState& run);
 void initNominalTraj(RunState& run, string_map<Atom*> const* atoms, s_runtime const* rt);
 void lockFirstTrajState(Trajectory* traj);
 // One step of all candidates; returns 1. *countdown* to the reset is told by the caller; *nominal*
 // answers whether a candidate agrees with the measures.
-int tavro_doCycle(RunState& run, RunOptions const& options, double countdown, double time, bool& nominal);
+int tavro_doCycle(RunState& run, RunOptions const& options, double countdown, double time,
+                  bool& nominal);
 // The same; 0 when memory ran short, at whatever place of the step. Then no candidate is left,
 // and hybNT is null. None could be kept: some have been stepped and others not, one may lack the
 // state that was being worked on, and explanations stand beside the candidates that they explain.
 // What a run has to show of the steps before must have been taken before.
-int tavro_tryCycle(RunState& run, RunOptions const& options, double countdown, double time, bool& nominal);
+int tavro_tryCycle(RunState& run, RunOptions const& options, double countdown, double time,
+                   bool& nominal);
 // Forgets what the bridge carries.
 void clearRunTime(s_runtime* rt);
 // Ends a run: every candidate goes, and hybNT is null.
@@ -56,7 +59,8 @@ void clearMultiTrajs(RunState& run);
 
 void splitTrajs(RunState& run, RunOptions const& options);
 // Splits the runtime of a candidate, which is consumed; its successors go into *out*.
-void splitRuntime(RunState& run, std::unique_ptr<hybTrajectory> candidate, HybMap& out, int multi, int mode);
+void splitRuntime(RunState& run, std::unique_ptr<hybTrajectory> candidate, HybMap& out, int multi,
+                  int mode);
 // A candidate for each runtime of nrt, with a copy of the history; empties nrt.
 void createNewTrajs(RunState& run, Trajectory const* history, HybMap& out);
 // Empties nrt, and destroys every runtime in it but *keep*.
@@ -88,7 +92,8 @@ void insertDiagnosis(RunState& run, std::unique_ptr<hybTrajectory> candidate, Hy
 bool verifyAndUpdateTrajs(RunState& run, double time, int threshold);
 HybMap copyHybTrajectories(HybMap const& trajectories);
 // Blind state tracking. Consumes *copies*.
-void switchToBST(RunState& run, HybMap& target, HybMap copies, double time, double lastDetection, int threshold);
+void switchToBST(RunState& run, HybMap& target, HybMap copies, double time, double lastDetection,
+                 int threshold);
 // One replay step of all candidates, without files and without a discrete step; returns 1.
 int tavro_checkCycle(RunState& run, HybMap& trajectories, double time, int threshold);
 void tavroDiagDiscreteCycle(double time, HybMap& trajectories);
@@ -110,8 +115,8 @@ void bridgeConditions(s_runtime* rt);
 // The transitions that a diagnosed history took at its first fault step go over the bridge.
 void addDiagBridgeTrans(Trajectory const* traj, s_runtime* rt, int time);
 // Brings a runtime moved back to *contTime* in line with the discrete state of step *time*.
-void updateDiagConds(RunState& run, Trajectory const* traj, s_runtime* rt, int time, double contTime,
-                     int threshold);
+void updateDiagConds(RunState& run, Trajectory const* traj, s_runtime* rt, int time,
+                     double contTime, int threshold);
 // Forgets the alarms of every variable.
 void clearAlarms(s_runtime* rt);
 // First values of the conditions from the model's atoms.

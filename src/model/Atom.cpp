@@ -66,7 +66,7 @@ void Atom::showAtom(std::ostream& out, bool full) const {
     }
     // The degree sign is one Latin-1 byte.
     out << "--- Atom n\xb0# ---\n"
-              << id << " --> [" << evalAtom() << "]\n"
-              << "label : " << label << "\n"
-              << "propagation number : " << propagationNumber << "\n";
+        << id << " --> [" << evalAtom() << "]\n"
+        << "label : " << label << "\n"
+        << "propagation number : " << propagationNumber << "\n";
 }

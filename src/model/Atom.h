@@ -24,8 +24,8 @@ class Transition;
 class Atom {
 public:
     // Links the atom to *var*. A value outside the domain is noted among the variable's complaints
-    // and leaves `var` null and `value` empty: such an atom is never true, cannot be set, and has no
-    // siblings, no kind and no component.
+    // and leaves `var` null and `value` empty: such an atom is never true, cannot be set, and has
+    // no siblings, no kind and no component.
     Atom(StateVar* var, std::string const& value, std::string const& id);
     Atom(Atom const&) = delete;
     Atom& operator=(Atom const&) = delete;

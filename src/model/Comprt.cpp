@@ -72,7 +72,7 @@ constexpr char const* dashRule = "----------------------------------------------
 
 void Comp::showDiscrete(std::ostream& out) const {
     out << starRule << "\nComp : " << name << "\n"
-              << starRule << "\nnominal cover : " << nominalCover << "\nStates : \n";
+        << starRule << "\nnominal cover : " << nominalCover << "\nStates : \n";
     for (auto const& variable : stateVariables) {
         out << variable->getName() << " - " << variable->getType() << " -\n";
         variable->showValues(out);

@@ -117,8 +117,8 @@ private:
     bool tryConflict(Selection& selection, disConflict const& conflict);
     bool isRefused(Selection const& selection, disConflict const& conflict, TrajEl const* through,
                    Transition const* transition);
-    bool isPointless(Selection const& selection, disConflict const& conflict,
-                            TrajEl const* through, Transition const* transition);
+    bool isPointless(Selection const& selection, disConflict const& conflict, TrajEl const* through,
+                     Transition const* transition);
     bool isGuardRefused(Selection const& selection, disConflict const& conflict,
                         Transition const* transition);
     bool isEffectRefused(Selection const& selection, Transition const* transition);

@@ -33,7 +33,7 @@ State::State(TrajectoryBook& book, string_map<Atom*> const* atoms) : State(book)
             continue;
         if (!idle->pre || comp == nullptr) {
             book.err << "the idle transition of " << entry.second->getId()
-                      << " has no guard or no component\n";
+                     << " has no guard or no component\n";
             continue;
         }
         if (!evalStateFormula(idle->pre.get(), this))
@@ -220,7 +220,7 @@ void State::showState(std::ostream& out) const {
     for (auto const& [id, element] : elts)
         if (element != nullptr)
             out << id << " --" << element->getLabel() << " (" << element->propagationNumber
-                      << ")  -- " << element->lock << "\n";
+                << ")  -- " << element->lock << "\n";
 }
 
 void State::showFullState(std::ostream& out) const {

@@ -75,10 +75,10 @@ void TrajEl::showAtom(std::ostream& out, bool const& full) const {
     }
     // The degree sign is one Latin-1 byte. The label and the number are those of this step.
     out << "--- Atom n\xb0# ---\n"
-              << getId() << " --> [" << atom->evalAtom() << "]\n"
-              << "label : " << label << "\n"
-              << "propagation number : " << propagationNumber << "\n"
-              << "lock : " << lock << "\n";
+        << getId() << " --> [" << atom->evalAtom() << "]\n"
+        << "label : " << label << "\n"
+        << "propagation number : " << propagationNumber << "\n"
+        << "lock : " << lock << "\n";
 }
 
 void TrajEl::showTrajEl(std::ostream& out, bool const& full) const {

@@ -29,10 +29,10 @@ void Trajectory::showTrajectoryLight(std::ostream& out) const {
 
 void Trajectory::showTrajectoryTransitions(std::ostream& out) const {
     out << ">>>>>>>>>>> viewing Trajectory (" << rank << ")<<<<<<<<<<<\n"
-              << "current time: " << currentTime << "\nproba : " << proba << "\n";
+        << "current time: " << currentTime << "\nproba : " << proba << "\n";
     for (auto const& [t, state] : states) {
         out << "************** timestep " << t << " (cover : " << state->cover
-                  << ") **************\n";
+            << ") **************\n";
         for (Transition const* transition : getStateTransitions(t))
             transition->showTransition(out);
     }

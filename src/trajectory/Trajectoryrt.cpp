@@ -206,7 +206,7 @@ void carryConsequences(State* state, string_map<TrajEl*> const& sources) {
 
 void Trajectory::addComp(Comp* comp, State* state, int t, bool idle, bool keepLocks) {
     book.out << "[addComp] --> timestep : " << t << " -- " << comp->getName()
-              << (keepLocks ? " (locked)" : "") << "\n";
+             << (keepLocks ? " (locked)" : "") << "\n";
     string_map<TrajEl*> found;
     for (auto const& entry : comp->atoms) {
         TrajEl* source = getElt(entry.first, t, -1);

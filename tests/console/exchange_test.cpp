@@ -1,6 +1,6 @@
 // Opening, reading and closing the data files of a run, with files on disk.
-#include "fixtures/the_run.h"
 #include "console/exchange.h"
+#include "fixtures/the_run.h"
 
 #include <cmath>
 #include <limits>
@@ -8,7 +8,6 @@
 
 #include "console/run.h"
 #include "console_fixture.h"
-#include "continuous/exchange.h"
 #include "fixtures/reference_model.h"
 
 namespace {

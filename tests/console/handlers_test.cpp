@@ -5,10 +5,10 @@
 #include <csignal>
 #include <cstdlib>
 
-#include "fixtures/the_run.h"
 #include "console/run.h"
 #include "console_fixture.h"
 #include "fixtures/reference_model.h"
+#include "fixtures/the_run.h"
 
 namespace {
 
@@ -328,7 +328,7 @@ TEST_F(HandlerTest, LocalInitGivesConditionsTheValuesOfTheirAtoms) {
     for (auto const& condition : rt->condi)
         condition->val = 7;
     clearNrt(theRun(), nullptr);
-    bridgeActiveAtoms(thePlant(), rt).sMM);
+    bridgeActiveAtoms(thePlant(), rt);
     // The atoms that hold at the start: off, c10 and closed.
     std::pair<int, int> const expected[] = {{0, 1}, {1, 0},  {2, 0},  {3, 0},  {4, 0}, {6, 0},
                                             {9, 0}, {10, 1}, {11, 1}, {12, 0}, {13, 0}};

@@ -1,10 +1,9 @@
 // The hooks through which the engine reads a request for isolation, on the reference model: one
 // measure, room.xd; seven influences, each with a condition.
-#include "fixtures/the_run.h"
 #include "console/isolation_request.h"
+#include "fixtures/the_run.h"
 
 #include "console_fixture.h"
-#include "continuous/exchange.h"
 #include "fixtures/reference_model.h"
 #include "hybrid/hybrid_fixture.h"
 

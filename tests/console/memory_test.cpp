@@ -1,10 +1,10 @@
 // A run that memory stops: what the console says, which rows it writes, and that it goes on.
 #include <algorithm>
 
-#include "fixtures/the_run.h"
 #include "console/run.h"
 #include "console_fixture.h"
 #include "fixtures/reference_model.h"
+#include "fixtures/the_run.h"
 #include "support/memory_watch.h"
 
 namespace {
@@ -20,7 +20,7 @@ class MemoryStop : public testing::Test {
 protected:
     MemoryStop() { WorkDirectory::write(measureFile, "0.8\n0.9\n0.95\n0.97\n0.99\n1\n"); }
     ~MemoryStop() override {
-        memoryRunsShort = &systemMemoryRunsShort;
+        runHost().onMemory = nullptr;
         clearMultiTrajs(theRun());
     }
     // What a run writes on the error stream, and its display file, when memory runs short at the
@@ -29,7 +29,7 @@ protected:
         std::string const told = streamsOf([&] {
                                      snInit(nullptr);
                                      looksLeft = looks;
-                                     memoryRunsShort = &afterSomeLooks;
+                                     runHost().onMemory = afterSomeLooks;
                                      command(arg);
                                  }).err;
         return told + WorkDirectory::read(displayFile);
@@ -81,7 +81,7 @@ TEST_F(MemoryStop, TheNextRunIsASoundOne) {
 // The copy of the model's runtime, the first candidate, is the first look of all.
 TEST_F(MemoryStop, ARunThatCannotBeginIsTold) {
     looksLeft = 0;
-    memoryRunsShort = &afterSomeLooks;
+    runHost().onMemory = afterSomeLooks;
     std::string const told = streamsOf([] { snInit(nullptr); }).err;
     EXPECT_EQ(told, "  Initializations failed.\n");
     EXPECT_EQ(theRun().hybNT, nullptr);

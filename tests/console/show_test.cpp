@@ -1,7 +1,7 @@
 // The selectors of `print` on the reference model: which one decides, what it shows, and where.
 // What the printers themselves write is tested with the engine.
-#include "fixtures/the_run.h"
 #include "console/run.h"
+#include "fixtures/the_run.h"
 #include "hybrid/hybrid_fixture.h"
 
 namespace {
@@ -16,8 +16,8 @@ Streams shown(char const* arg) {
 
 // What is shown by *selector* is *heading* and the runtime's list, and nothing else.
 void expectList(char const* selector, std::string const& heading,
-                void (*print)(std::FILE*, s_runtime const*), s_runtime const* rt) {
-    Streams const expected = streamsOf([=] { print(stderr, rt); });
+                void (*print)(s_Printer const&, s_runtime const*), s_runtime const* rt) {
+    Streams const expected = streamsOf([=] { print(peoplePrinter(theRun().engine), rt); });
     Streams const actual = shown(selector);
     EXPECT_EQ(actual.err, heading + expected.err) << selector;
     EXPECT_EQ(actual.out, expected.out) << selector;
@@ -118,7 +118,11 @@ TEST_F(Show, AllComponents) {
 
 TEST_F(Show, AComponentByItsNameOrItsClass) {
     Comp const* thermostat = theRun().scheduler.getComp("thermostat");
-    std::string const expected = streamsOf([=] { thermostat->showComp(); }).out;
+    std::string const expected = streamsOf([=] {
+                                     thermostat->showComp(std::cout, [](s_Influence const* i) {
+                                         printInfluence(std::cout, i);
+                                     });
+                                 }).out;
     ASSERT_NE(expected.find("Comp : thermostat\n"), std::string::npos);
     EXPECT_EQ(shown("comp thermostat").out, expected);
     EXPECT_EQ(shown("comp therm").out, expected);

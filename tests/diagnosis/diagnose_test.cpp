@@ -1,7 +1,7 @@
 // The discrete search for one misbehaving candidate: what its history explains by itself, and what
 // is searched for otherwise.
-#include "fixtures/the_run.h"
 #include "diagnosis/fault_run.h"
+#include "fixtures/the_run.h"
 
 using namespace diagnosis_fixture;
 
@@ -37,7 +37,12 @@ protected:
     }
 
     Streams diagnose(Observations const& observations) {
-        return streamsOf([&] { theRun().sMM->Diagnose(model.traj.get(), &model.rt, observations, found); });
+        return streamsOf([&] {
+            TrajectoryMap const results = theRun().sMM->Diagnose(model.traj.get(), observations);
+            for (auto const& result : results)
+                found.emplace(result.first, std::make_unique<hybTrajectory>(
+                                                result.second.get(), sn_copyRuntime(&model.rt)));
+        });
     }
     // The pump's modes in the newest step of what was found, in order.
     std::vector<std::string> modes() const {
@@ -168,9 +173,9 @@ TEST(TwoOutcomes, AreSearchedFor) {
     HandModel model;
     auto* gauge = model.variable<ModeVar>(model.comp("gauge"), "gauge", {"low", "mid", "high"});
     model.start();
-    HybMap found;
+    TrajectoryMap found;
     Streams const told = streamsOf([&] {
-        theRun().sMM->Diagnose(model.traj.get(), &model.rt, {{false, gauge->getAtomLinks()[0]}}, found);
+        found = theRun().sMM->Diagnose(model.traj.get(), {{false, gauge->getAtomLinks()[0]}});
     });
     EXPECT_LT(told.err.find("results from observations computed : 2\n"), absent);
     EXPECT_LT(told.err.find("---------> Diagnosing...\n"), absent);

@@ -1,9 +1,9 @@
 // From a diagnosed history back over the bridge: its transitions and its conditions, in a runtime
 // that was moved back to the fault.
-#include "fixtures/the_run.h"
 #include "continuous/bridge.h"
 #include "continuous/model_parts.h"
 #include "diagnosis/fault_run.h"
+#include "fixtures/the_run.h"
 
 using namespace diagnosis_fixture;
 
@@ -70,7 +70,9 @@ protected:
     }
     s_runtime& rt() { return *theRun().hybNT->rt; }
     void update(int step, double contTime) {
-        streamsOf([&] { updateDiagConds(theRun(), theRun().hybNT->traj.get(), &rt(), step, contTime, 3); });
+        streamsOf([&] {
+            updateDiagConds(theRun(), theRun().hybNT->traj.get(), &rt(), step, contTime, 3);
+        });
     }
     int val(std::size_t i) { return rt().condi[i]->val; }
 

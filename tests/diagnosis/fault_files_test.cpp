@@ -8,8 +8,8 @@
 // A run without isolation, which keeps its misbehaving candidates, tells which of the two it is.
 #include <ostream>
 
-#include "fixtures/the_run.h"
 #include "diagnosis/fault_run.h"
+#include "fixtures/the_run.h"
 
 using namespace diagnosis_fixture;
 

@@ -3,9 +3,9 @@
 // nothing is lost or destroyed twice (which the sanitizers watch), and the next run is a sound one.
 #include <map>
 
-#include "fixtures/the_run.h"
 #include "fault_run.h"
 #include "fixtures/failing_memory.h"
+#include "fixtures/the_run.h"
 #include "support/memory_watch.h"
 
 // The library's hash table forgets the nodes that it has made when an allocation fails in the
@@ -29,8 +29,8 @@ bool never() {
 
 class MemoryTest : public testing::Test {
 protected:
-    MemoryTest() { memoryRunsShort = &never; }
-    ~MemoryTest() override { memoryRunsShort = &systemMemoryRunsShort; }
+    MemoryTest() { runHost().onMemory = never; }
+    ~MemoryTest() override { runHost().onMemory = nullptr; }
 
     void init() {
         if (measIn != nullptr)
@@ -147,9 +147,9 @@ TEST_F(MemoryTest, TheWatchStopsADiagnosisWhereverItLooks) {
             init();
             cyclesTo(alarm - 1);
             looksLeft = looks;
-            memoryRunsShort = &afterSomeLooks;
+            runHost().onMemory = afterSomeLooks;
             int const result = cycle(alarm);
-            memoryRunsShort = &never;
+            runHost().onMemory = never;
             ++results[result];
             if (result == 0)
                 expectNothingLeft();

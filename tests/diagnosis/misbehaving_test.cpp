@@ -1,7 +1,7 @@
 // The first time that every candidate misbehaves: isolation of each, what is found for each set of
 // atoms, and which candidates the run goes on with; and the alarms after that.
-#include "fixtures/the_run.h"
 #include "diagnosis/fault_run.h"
+#include "fixtures/the_run.h"
 
 using namespace diagnosis_fixture;
 
@@ -26,7 +26,8 @@ protected:
         theRun().tracked_trajs.clear();
     }
     Streams handle() {
-        return streamsOf([&] { allUnknown = handleMisbTrajs(theRun(), CYCLE_DETECT + 1, 3, run.time); });
+        return streamsOf(
+            [&] { allUnknown = handleMisbTrajs(theRun(), CYCLE_DETECT + 1, 3, run.time); });
     }
     // Diagnoses the first candidate for these sets of modes of the thermostat, "" for no atom.
     Streams diagnose(std::vector<std::vector<std::string>> const& sets) {
@@ -113,7 +114,8 @@ TEST_F(AtTheAlarm, IsolationAndSearchAreToldInTheirOrder) {
 }
 
 TEST_F(AtTheAlarm, TheMisbehavingOnesAreReplacedByTheirDiagnoses) {
-    theRun().ntrajs.emplace(1.0, std::make_unique<hybTrajectory>(theRun().misbtrajs.begin()->second.get(), 1));
+    theRun().ntrajs.emplace(
+        1.0, std::make_unique<hybTrajectory>(theRun().misbtrajs.begin()->second.get(), 1));
     theRun().tracked_trajs.emplace(1.0, std::make_unique<hybTrajectory>());
     handle();
     EXPECT_TRUE(theRun().ntrajs.empty());
@@ -175,7 +177,8 @@ TEST_F(AtTheAlarm, LaterTheCopiesAreReplayedIntoWhatIsTracked) {
     HybMap copies;
     for (int const step : {0, theRun().misbtrajs.begin()->second->traj->getCurrentTime()}) {
         auto copy = std::make_unique<hybTrajectory>(
-            theRun().misbtrajs.begin()->second.get(), theRun().misbtrajs.begin()->second->traj->getCurrentTime() + 1);
+            theRun().misbtrajs.begin()->second.get(),
+            theRun().misbtrajs.begin()->second->traj->getCurrentTime() + 1);
         copy->traj->transByTime = {{step, thePlant().active_trans[2]}};
         copy->traj->rank = 9.0;
         copies.emplace(0.0, std::move(copy));

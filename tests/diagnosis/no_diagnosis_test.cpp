@@ -2,10 +2,10 @@
 // and the files that were open are whole.
 #include <unistd.h>
 
-#include "fixtures/the_run.h"
 #include "console/run.h"
 #include "continuous/model_parts.h"
 #include "diagnosis/fault_run.h"
+#include "fixtures/the_run.h"
 
 using namespace diagnosis_fixture;
 

@@ -1,8 +1,8 @@
 // Replaying a diagnosed candidate: from its fault on, on the measures that its own histories keep.
-#include "fixtures/the_run.h"
 #include "continuous/bridge.h"
 #include "continuous/model_parts.h"
 #include "diagnosis/fault_run.h"
+#include "fixtures/the_run.h"
 
 using namespace diagnosis_fixture;
 
@@ -270,7 +270,8 @@ protected:
     }
     Streams step() {
         theRun().engine.meas[0] = nextRate;
-        return streamsOf([&] { EXPECT_EQ(tavro_checkCycle(theRun(), candidates, now + 1, threshold), 1); });
+        return streamsOf(
+            [&] { EXPECT_EQ(tavro_checkCycle(theRun(), candidates, now + 1, threshold), 1); });
     }
 
     HybMap candidates;

@@ -1,5 +1,6 @@
 // What a compiled model builds its records from.
 #include "continuous/model_parts.h"
+#include "fixtures/the_run.h"
 
 #include <gtest/gtest.h>
 
@@ -11,6 +12,8 @@ namespace {
 
 class PartsTest : public testing::Test {
 protected:
+    PartsTest() { rt.engine = &theRun().engine; }
+
     s_runtime rt;
 };
 
@@ -94,11 +97,11 @@ TEST_F(PartsTest, ASpaceIsAnOffsetPlusARange) {
     s_Expr const* space = mkSpace(rt, gvar, 5.0, makeRange(0.0, 2.0, 1, 0));
     EXPECT_EQ(space->gvar, gvar);
     sn_evalSolFunc(&rt, space);
-    ASSERT_EQ(TMP4->type, OBJ_RANGE);
-    EXPECT_EQ(TMP4->rng.inf, 5.0);
-    EXPECT_EQ(TMP4->rng.sup, 7.0);
-    EXPECT_EQ(TMP4->rng.infClosed, 1);
-    EXPECT_EQ(TMP4->rng.supClosed, 0);
+    ASSERT_EQ(rt.engine->TMP4.type, OBJ_RANGE);
+    EXPECT_EQ(rt.engine->TMP4.rng.inf, 5.0);
+    EXPECT_EQ(rt.engine->TMP4.rng.sup, 7.0);
+    EXPECT_EQ(rt.engine->TMP4.rng.infClosed, 1);
+    EXPECT_EQ(rt.engine->TMP4.rng.supClosed, 0);
     EXPECT_EQ(rt.gvPool.size(), 3u) << "the variable and two constants";
     EXPECT_EQ(rt.exprPool.size(), 3u);
 }

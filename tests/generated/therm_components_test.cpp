@@ -232,8 +232,7 @@ TEST(ThermStart, AllAtomsAreActive) {
     StartedModel const model;
     EXPECT_EQ(thePlant().active_atoms.size(), 14u);
     EXPECT_EQ(thePlant().active_atoms.find("room.mode=open")->second, model.R1->mode_open);
-    EXPECT_EQ(thePlant().active_atoms.find("room.mode=open")->first,
-              model.R1->mode_open->getId());
+    EXPECT_EQ(thePlant().active_atoms.find("room.mode=open")->first, model.R1->mode_open->getId());
 }
 
 }  // namespace

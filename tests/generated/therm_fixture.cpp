@@ -1,6 +1,6 @@
 // Building and reading of the reference model.
-#include "fixtures/the_run.h"
 #include "generated/therm_fixture.h"
+#include "fixtures/the_run.h"
 
 namespace therm_fixture {
 
@@ -10,7 +10,7 @@ template <typename Component>
 Component* find(char const* name) {
     auto const found = thePlant().active_comps.find(name);
     return found == thePlant().active_comps.end() ? nullptr
-                                                    : static_cast<Component*>(found->second);
+                                                  : static_cast<Component*>(found->second);
 }
 
 }  // namespace

@@ -1,6 +1,6 @@
 // The bridge: events going up, truth and transitions coming down.
-#include "fixtures/the_run.h"
 #include "continuous/bridge.h"
+#include "fixtures/the_run.h"
 
 #include "continuous/model_parts.h"
 #include "hybrid/hybrid_fixture.h"

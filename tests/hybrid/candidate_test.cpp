@@ -14,7 +14,8 @@ TEST(Candidate, StartsWithoutAHistoryAndWithoutARuntime) {
 
 TEST(Candidate, OfTheAtomsCopiesTheTemplate) {
     ReferenceModel model;
-    hybTrajectory const candidate(theRun().scheduler.book, &thePlant().active_atoms, theRun().tavro_rt);
+    hybTrajectory const candidate(theRun().scheduler.book, &thePlant().active_atoms,
+                                  theRun().tavro_rt);
     ASSERT_NE(candidate.rt, nullptr);
     EXPECT_NE(candidate.rt.get(), theRun().tavro_rt);
     EXPECT_EQ(candidate.rt->num, 0);  // the first copy of all
@@ -61,7 +62,8 @@ TEST(Candidate, OfADiscreteCandidateHasNoRuntime) {
 
 TEST(Candidate, TakesItsHistoryWithIt) {
     RoomRun run(0.95);
-    unsigned const created = theRun().scheduler.book.traj_created, destroyed = theRun().scheduler.book.traj_del;
+    unsigned const created = theRun().scheduler.book.traj_created,
+                   destroyed = theRun().scheduler.book.traj_del;
     {
         hybTrajectory const copy(theRun().hybNT, 3);
         EXPECT_EQ(theRun().scheduler.book.traj_created, created + 1);

@@ -4,8 +4,8 @@
 // component: the thermostat's idle transition asks that it is not cold, and the model starts cold.
 // In the tables of 193 places, h = 5 h + c over the characters: thermostat 98, room 126;
 // thermostat.mode=off 129, room.mode=open 153, closed 159, unknown 178.
-#include "fixtures/the_run.h"
 #include "fixtures/graph_files.h"
+#include "fixtures/the_run.h"
 #include "hybrid/hybrid_fixture.h"
 #include "trajectory/model_tools.h"
 
@@ -79,7 +79,7 @@ TEST_F(CandidateGraphs, OfDiscreteHistories) {
     TrajectoryMap map;
     map.emplace(0.25, history("closed"));
     map.emplace(0.5, history("open"));
-    streamsOf([&] { model.scheduler->graphTraj(map); });
+    streamsOf([&] { theRun().scheduler.graphTraj(map); });
     EXPECT_EQ(count(), 2);
     EXPECT_EQ(GraphFiles::text("traj0.dot"), initialGraph("traj0", "open"));
     EXPECT_EQ(GraphFiles::text("traj1.dot"), initialGraph("traj1", "closed"));

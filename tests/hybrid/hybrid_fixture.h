@@ -6,9 +6,9 @@
 #include <optional>
 #include <sstream>
 
-#include "fixtures/the_run.h"
 #include "console/exchange.h"
 #include "fixtures/reference_model.h"
+#include "fixtures/the_run.h"
 #include "reasoning/scheduler_fixture.h"
 
 namespace hybrid_fixture {

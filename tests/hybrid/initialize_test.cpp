@@ -143,7 +143,8 @@ TEST(Initialize, FollowsOnePieceOfSplitFirstValues) {
 
 TEST(InitializeDiscrete, HandsTheTrajectoryToTheRegistry) {
     ReferenceModel model;
-    theRun().scheduler.tracked_traj.emplace(2.0, std::make_unique<Trajectory>(theRun().scheduler.book));
+    theRun().scheduler.tracked_traj.emplace(2.0,
+                                            std::make_unique<Trajectory>(theRun().scheduler.book));
     EXPECT_EQ(tavro_initialize_discrete(theRun()), 0);
     ASSERT_EQ(theRun().scheduler.tracked_traj.size(), 1u);
     EXPECT_EQ(theRun().scheduler.tracked_traj.begin()->first, 1.0);

@@ -1,6 +1,6 @@
 // Mapping functions: how a change of mode moves the continuous state.
-#include "fixtures/the_run.h"
 #include "continuous/model_parts.h"
+#include "fixtures/the_run.h"
 #include "hybrid/hybrid_fixture.h"
 
 using namespace hybrid_fixture;

@@ -1,6 +1,6 @@
 // Misbehaviour, and the merging of candidates that have become the same.
-#include "fixtures/the_run.h"
 #include "continuous/model_parts.h"
+#include "fixtures/the_run.h"
 #include "hybrid/hybrid_fixture.h"
 
 using namespace hybrid_fixture;
@@ -144,7 +144,8 @@ protected:
 
     // Adds a copy of the first candidate with those bounds of the rate and of the temperature.
     hybTrajectory& add(double rateInf, double rateSup, double tempInf, double tempSup) {
-        auto copy = std::make_unique<hybTrajectory>(theRun().hybNT, theRun().hybNT->traj->getCurrentTime() + 1);
+        auto copy = std::make_unique<hybTrajectory>(theRun().hybNT,
+                                                    theRun().hybNT->traj->getCurrentTime() + 1);
         variable(copy->rt.get(), "room.xd")->old = range(rateInf, rateSup);
         variable(copy->rt.get(), "room.x")->old = range(tempInf, tempSup);
         hybTrajectory& added = *copy;

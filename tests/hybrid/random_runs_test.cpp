@@ -66,7 +66,9 @@ void expectOrder(RunOptions const& options, bool nominal) {
     EXPECT_TRUE(theRun().engine.nrt.empty());
     EXPECT_TRUE(theRun().ntrajs.empty());
     EXPECT_TRUE(theRun().misbtrajs.empty());
-    EXPECT_EQ(theRun().hybNT, theRun().tracked_trajs.empty() ? nullptr : theRun().tracked_trajs.begin()->second.get());
+    EXPECT_EQ(theRun().hybNT, theRun().tracked_trajs.empty()
+                                  ? nullptr
+                                  : theRun().tracked_trajs.begin()->second.get());
     std::map<int, int> seen;
     for (auto const& [key, candidate] : theRun().tracked_trajs) {
         ASSERT_NE(candidate, nullptr);
@@ -76,7 +78,8 @@ void expectOrder(RunOptions const& options, bool nominal) {
         EXPECT_EQ(seen[rt->num]++, 0) << "one identity for two";
         EXPECT_LT(rt->num, theRun().engine.rt_num);
         EXPECT_TRUE(rt->bridgeTrans.empty());
-        EXPECT_LE(candidate->traj->states.size(), static_cast<std::size_t>(theRun().scheduler.book.twd));
+        EXPECT_LE(candidate->traj->states.size(),
+                  static_cast<std::size_t>(theRun().scheduler.book.twd));
         EXPECT_NE(candidate->traj->getLastState(), nullptr);
         EXPECT_NE(thermostatOf(candidate.get()), "");
         EXPECT_NE(windowOf(candidate.get()), "");

@@ -213,7 +213,8 @@ TEST_F(SplitRoom, TheSplitRuntimesCanBeDropped) {
     sn_splitValiditySpc(rt);
     ASSERT_EQ(theRun().engine.nrt.size(), 3u);
     // A runtime that was placed twice is destroyed once.
-    theRun().engine.nrt.insert({theRun().engine.nrt.rbegin()->first, theRun().engine.nrt.rbegin()->second});
+    theRun().engine.nrt.insert(
+        {theRun().engine.nrt.rbegin()->first, theRun().engine.nrt.rbegin()->second});
     clearNrt(theRun(), rt);
     EXPECT_TRUE(theRun().engine.nrt.empty());
     EXPECT_EQ(rt->num, 0);  // still there
@@ -238,8 +239,11 @@ TEST_F(SplitRoom, ARunSplitsAtTenAndMergesAgain) {
         // Together they cover what the measures allow, however often it was split and merged.
         EXPECT_NEAR(sn_infOf(valueOf(first, "room.x")), inf, 1e-9) << k;
         EXPECT_NEAR(sn_supOf(valueOf(last, "room.x")), sup, 1e-9) << k;
-        EXPECT_EQ(spaceOf(theRun().tracked_trajs.begin()->second.get()), inf < 10.0 ? "c10" : "c11") << k;
-        EXPECT_EQ(spaceOf(theRun().tracked_trajs.rbegin()->second.get()), sup > 10.0 ? "c11" : "c10") << k;
+        EXPECT_EQ(spaceOf(theRun().tracked_trajs.begin()->second.get()), inf < 10.0 ? "c10" : "c11")
+            << k;
+        EXPECT_EQ(spaceOf(theRun().tracked_trajs.rbegin()->second.get()),
+                  sup > 10.0 ? "c11" : "c10")
+            << k;
     }
 }
 

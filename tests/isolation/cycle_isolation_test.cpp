@@ -1,7 +1,7 @@
 // The older cycle in each of its modes: isolation alone, with a request given from outside, and
 // steps with checks and isolation.
-#include "fixtures/the_run.h"
 #include "console/isolation_request.h"
+#include "fixtures/the_run.h"
 #include "hybrid/tavro-runt.h"
 #include "isolation_fixture.h"
 

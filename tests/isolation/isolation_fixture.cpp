@@ -1,6 +1,6 @@
 // Suspects as text, and the making of causal graphs.
-#include "fixtures/the_run.h"
 #include "isolation_fixture.h"
+#include "fixtures/the_run.h"
 
 #include <sstream>
 

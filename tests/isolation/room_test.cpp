@@ -1,8 +1,8 @@
 // The room's fault files, from alarm to explanation: what is found, and that what was found follows
 // the measures from then on.
 
-#include "fixtures/the_run.h"
 #include "diagnosis/fault_run.h"
+#include "fixtures/the_run.h"
 
 using namespace diagnosis_fixture;
 

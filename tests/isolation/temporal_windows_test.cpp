@@ -2,9 +2,9 @@
 // suspects of whom no atom can be accused. With the statuses of the process and the last words.
 #include <unistd.h>
 
-#include "fixtures/the_run.h"
 #include "continuous/isolation.h"
 #include "continuous/model_parts.h"
+#include "fixtures/the_run.h"
 #include "hybrid/hybrid_fixture.h"
 #include "support/run_stopped.h"
 
@@ -57,12 +57,13 @@ using WindowsDeath = AtTheAlarm;
 TEST_F(WindowsDeath, AFaultBeforeTheContinuousWindowEndsTheProgram) {
     rt()->twc = 3;
     diagnosed(1, 6.0);
-    EXPECT_EXIT(inChild([] { verifyAndUpdateTrajs(theRun(), now, threshold); }), testing::ExitedWithCode(1),
+    EXPECT_EXIT(inChild([] { verifyAndUpdateTrajs(theRun(), now, threshold); }),
+                testing::ExitedWithCode(1),
                 "discrete fault time: 1\ncont_fault_time: 6 -- stime: 10-- twc: 3\n"
                 "The fault isn't in the continuous temporal window !\n$");
     diagnosed(1, 7.0);
-    EXPECT_EXIT(inChild([] { verifyAndUpdateTrajs(theRun(), now, threshold); }), testing::ExitedWithCode(0),
-                "still there\n$");
+    EXPECT_EXIT(inChild([] { verifyAndUpdateTrajs(theRun(), now, threshold); }),
+                testing::ExitedWithCode(0), "still there\n$");
 }
 
 // The discrete window is of five steps. Required: it is compared with the sample period, so only a
@@ -71,19 +72,19 @@ TEST_F(WindowsDeath, AFaultBeforeTheDiscreteWindowEndsTheProgram) {
     ASSERT_EQ(theRun().scheduler.book.twd, 5);
     rt()->Ts = 10.0;
     diagnosed(4, 9.0);
-    EXPECT_EXIT(inChild([] { verifyAndUpdateTrajs(theRun(), now, threshold); }), testing::ExitedWithCode(1),
-                "The fault isn't in the discrete temporal window !\n$");
+    EXPECT_EXIT(inChild([] { verifyAndUpdateTrajs(theRun(), now, threshold); }),
+                testing::ExitedWithCode(1), "The fault isn't in the discrete temporal window !\n$");
     diagnosed(5, 9.0);
-    EXPECT_EXIT(inChild([] { verifyAndUpdateTrajs(theRun(), now, threshold); }), testing::ExitedWithCode(0),
-                "still there\n$");
+    EXPECT_EXIT(inChild([] { verifyAndUpdateTrajs(theRun(), now, threshold); }),
+                testing::ExitedWithCode(0), "still there\n$");
 }
 
 TEST_F(WindowsDeath, TheDiscreteWindowIsLookedAtFirst) {
     rt()->Ts = 10.0;
     rt()->twc = 3;
     diagnosed(4, 6.0);
-    EXPECT_EXIT(inChild([] { verifyAndUpdateTrajs(theRun(), now, threshold); }), testing::ExitedWithCode(1),
-                "The fault isn't in the discrete temporal window !\n$");
+    EXPECT_EXIT(inChild([] { verifyAndUpdateTrajs(theRun(), now, threshold); }),
+                testing::ExitedWithCode(1), "The fault isn't in the discrete temporal window !\n$");
 }
 
 // A step that the history gives no time for counts as one far in the future: there is nothing to

@@ -260,13 +260,17 @@ std::string const dashes(51, '-');
 
 TEST(Comp, ShowsItselfEmpty) {
     Comp const comp("room");
-    EXPECT_EQ(printed([&] { comp.showComp(std::cout, [](s_Influence const* i) { printInfluence(std::cout, i); }); }), stars + "\nComp : room\n" +            //
-                                                     stars + "\nnominal cover : 0\n" +  //
-                                                     "States : \n" +                    //
-                                                     dashes + "\nConstraints : \n" +    //
-                                                     dashes + "\nInfluences : \n" +     //
-                                                     dashes + "\nTransitions : \n" +    //
-                                                     stars + "\n");
+    EXPECT_EQ(printed([&] {
+                  comp.showComp(std::cout,
+                                [](s_Influence const* i) { printInfluence(std::cout, i); });
+              }),
+              stars + "\nComp : room\n" +            //
+                  stars + "\nnominal cover : 0\n" +  //
+                  "States : \n" +                    //
+                  dashes + "\nConstraints : \n" +    //
+                  dashes + "\nInfluences : \n" +     //
+                  dashes + "\nTransitions : \n" +    //
+                  stars + "\n");
 }
 
 TEST_F(CompTest, ShowsVariablesConstraintsAndTransitions) {
@@ -274,7 +278,10 @@ TEST_F(CompTest, ShowsVariablesConstraintsAndTransitions) {
     comp.addFormulaToCS(
         std::make_unique<Formula>(formulaOf({{true, on}}), formulaOf({{true, go}}), nullptr));
     add({{true, on}}, off, 0.5)->setID(3);
-    EXPECT_EQ(printed([&] { comp.showComp(std::cout, [](s_Influence const* i) { printInfluence(std::cout, i); }); }),
+    EXPECT_EQ(printed([&] {
+                  comp.showComp(std::cout,
+                                [](s_Influence const* i) { printInfluence(std::cout, i); });
+              }),
               stars + "\nComp : t\n" + stars + "\nnominal cover : 0.25\n" +
                   "States : \n"
                   "t.mode - Mode -\n"
@@ -305,7 +312,9 @@ TEST_F(CompTest, ShowsEachInfluenceThroughItsPrinter) {
         printInfluence(std::cout, &second);
         printInfluence(std::cout, &first);
     });
-    std::string const text = printed([&] { comp.showComp(std::cout, [](s_Influence const* i) { printInfluence(std::cout, i); }); });
+    std::string const text = printed([&] {
+        comp.showComp(std::cout, [](s_Influence const* i) { printInfluence(std::cout, i); });
+    });
     EXPECT_NE(text.find("\nInfluences : \n" + both + dashes + "\n"), std::string::npos) << text;
 }
 

@@ -22,7 +22,8 @@ protected:
     // What the check prints on standard output; *told* is what it says on the error stream.
     std::string check() {
         std::string output;
-        told = complaint([&] { output = printed([] { theRun().scheduler.testTransitionsProbas(); }); });
+        told = complaint(
+            [&] { output = printed([] { theRun().scheduler.testTransitionsProbas(); }); });
         return output;
     }
 

@@ -1,6 +1,6 @@
 // The shared pieces of the tests of the discrete model.
-#include "fixtures/the_run.h"
 #include "model/model_fixture.h"
+#include "fixtures/the_run.h"
 
 namespace model_fixture {
 

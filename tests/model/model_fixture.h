@@ -15,11 +15,11 @@
 #include "model/Atom.h"
 #include "model/CommandVar.h"
 #include "model/CondVarrt.h"
-#include "trajectory/DataManagerrt.h"
 #include "model/ModeVarrt.h"
 #include "model/StateFormula.h"
 #include "model/Transitionrt.h"
 #include "model/labels.h"
+#include "trajectory/DataManagerrt.h"
 
 namespace model_fixture {
 

@@ -61,7 +61,8 @@ TEST_F(ViewsTest, ClausesInOrder) {
     EXPECT_EQ(printed([] { theRun().scheduler.showClauses(); }), "");
     thePlant().addClause(std::make_unique<Clause>(&b, true, nullptr));
     thePlant().addClause(std::make_unique<Clause>(&a, false, nullptr));
-    EXPECT_EQ(printed([] { theRun().scheduler.showClauses(); }), "cl size: 1\nnon - b\ncl size: 1\na\n");
+    EXPECT_EQ(printed([] { theRun().scheduler.showClauses(); }),
+              "cl size: 1\nnon - b\ncl size: 1\na\n");
 }
 
 TEST_F(ViewsTest, AtomsOfTheRegistry) {
@@ -112,7 +113,8 @@ TEST_F(ViewsTest, BagOfSignedAtoms) {
     SignedAtoms bag;
     bag.insert({true, &b});
     bag.insert({false, &a});
-    EXPECT_EQ(printed([&] { theRun().scheduler.viewMultimapAtom(&bag); }), multimapBanner + "1 b\n0 a\n");
+    EXPECT_EQ(printed([&] { theRun().scheduler.viewMultimapAtom(&bag); }),
+              multimapBanner + "1 b\n0 a\n");
 }
 
 TEST_F(ViewsTest, TableOfAtoms) {

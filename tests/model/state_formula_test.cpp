@@ -187,7 +187,8 @@ TEST_F(StateFormulaTest, ShowsNestedAlone) {
     formula.addStateFormula(formulaOf({{true, x}}));
     formula.addStateFormula(formulaOf({{false, y}}));
     formula.negated = true;
-    EXPECT_EQ(printed([&] { formula.showStateFormula(std::cout); }), "non - (v=x  ) or (!v=y  ) or ");
+    EXPECT_EQ(printed([&] { formula.showStateFormula(std::cout); }),
+              "non - (v=x  ) or (!v=y  ) or ");
 }
 
 TEST_F(StateFormulaTest, ShowsAtomsBesideNestedWithoutSeparator) {

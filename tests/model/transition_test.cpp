@@ -259,7 +259,8 @@ TEST_F(MultiValuedTest, AssignsTheFailureFlag) {
 
 TEST_F(TransitionTest, ShowsTheMove) {
     auto const transition = make({{true, mode["on"]}}, {{true, mode["off"]}});
-    EXPECT_EQ(printed([&] { transition->showMove(std::cout, std::cerr); }), "m=on --------> m=off\n");
+    EXPECT_EQ(printed([&] { transition->showMove(std::cout, std::cerr); }),
+              "m=on --------> m=off\n");
 }
 
 TEST_F(TransitionTest, IdleShowsNoMove) {
@@ -271,7 +272,8 @@ TEST_F(TransitionTest, MoveWithoutModesIsToldOnTheErrorStream) {
     auto const noPre = make({{true, command["start"]}}, {{true, mode["off"]}});
     noPre->setID(7);
     std::string output;
-    std::string const message = complaint([&] { output = printed([&] { noPre->showMove(std::cout, std::cerr); }); });
+    std::string const message =
+        complaint([&] { output = printed([&] { noPre->showMove(std::cout, std::cerr); }); });
     EXPECT_EQ(message, "Transition 7 names no mode to leave or none to reach.\n");
     EXPECT_EQ(output, "");
     auto const noPost = make({{true, mode["on"]}}, {{true, otherMode["off"]}});

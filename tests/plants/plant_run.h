@@ -9,9 +9,9 @@
 #include <string>
 #include <vector>
 
-#include "fixtures/the_run.h"
 #include "console/exchange.h"
 #include "fixtures/reference_model.h"
+#include "fixtures/the_run.h"
 #include "reasoning/scheduler_fixture.h"
 
 namespace plants {
@@ -31,14 +31,16 @@ inline std::string line(std::vector<double> const& values) {
 class PlantRun {
 public:
     // *search*: whether the bound search is on; a plant may ask for it in its influences.
-    explicit PlantRun(int search = 0) : before(theRun().engine.env_opti) { theRun().engine.env_opti = search; }
+    explicit PlantRun(int search = 0) : before(theRun().engine.env_opti) {
+        theRun().engine.env_opti = search;
+    }
     ~PlantRun() { theRun().engine.env_opti = before; }
 
     void start(std::vector<double> const& inputs, std::vector<double> const& measures) {
         TextFile const inputFile(line(inputs)), measureFile(line(measures));
         dataIn = std::fopen(inputFile.path.c_str(), "r");
         measIn = std::fopen(measureFile.path.c_str(), "r");
-        streamsOf([] { tavro_initialize(theRun(), 1, 0.01, "", 0); });
+        streamsOf([] { tavro_initialize(theRun(), theRun(), 1, 0.01, "", 0); });
         for (std::FILE** file : {&dataIn, &measIn}) {
             std::fclose(*file);
             *file = nullptr;
@@ -52,7 +54,7 @@ public:
         bool nominal = false;
         theRun().engine.inps = inputs;
         theRun().engine.meas = measures;
-        streamsOf([&] { tavro_doCycle(theRun(), options, 0.0, time, nominal); });
+        streamsOf([&] { tavro_doCycle(theRun(), theRun(), options, 0.0, time, nominal); });
         return nominal;
     }
 

@@ -64,7 +64,8 @@ class DiagnoserCovering : public Covering {};
 
 TEST_F(DiagnoserCovering, WithoutARankToTryNothingIsDone) {
     rest(1);
-    unsigned const others = theRun().scheduler.book.traj_created - theRun().scheduler.book.traj_del - 1;
+    unsigned const others =
+        theRun().scheduler.book.traj_created - theRun().scheduler.book.traj_del - 1;
     theRun().scheduler.transitions_checked = 7;
     theRun().scheduler.trajectories_checked = 7;
     EXPECT_EQ(cover(3.0, 2.0), "");
@@ -170,7 +171,8 @@ TEST_F(DiagnoserCovering, TheResultsFoundBeforeThatStay) {
 TEST_F(DiagnoserCovering, TheSuccessorsBehindItAreLost) {
     move("pops", "m=shut cmd=go", "m=stuck", 0.4);  // likelier than the failures
     obey(1);
-    unsigned const others = theRun().scheduler.book.traj_created - theRun().scheduler.book.traj_del - 1;
+    unsigned const others =
+        theRun().scheduler.book.traj_created - theRun().scheduler.book.traj_del - 1;
     EXPECT_EQ(cover(1.0, 5.0), "");
     EXPECT_EQ(count(trace, "too high rank found: 0\n"), 1);
     EXPECT_EQ(theRun().scheduler.book.traj_created - theRun().scheduler.book.traj_del, others);
@@ -249,7 +251,8 @@ TEST_P(DiagnoserFork, TheLikeliestHistoryIsFollowedFirst) {
 
 TEST_F(DiagnoserCovering, TheHistoryGivenAwayIsDestroyed) {
     obey(1);
-    unsigned const others = theRun().scheduler.book.traj_created - theRun().scheduler.book.traj_del - 1;
+    unsigned const others =
+        theRun().scheduler.book.traj_created - theRun().scheduler.book.traj_del - 1;
     cover(0.0, 5.0);
     results.clear();
     EXPECT_EQ(theRun().scheduler.book.traj_created - theRun().scheduler.book.traj_del, others);

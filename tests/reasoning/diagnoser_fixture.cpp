@@ -1,6 +1,6 @@
 // Building, telling and reading of the tap's history.
-#include "fixtures/the_run.h"
 #include "reasoning/diagnoser_fixture.h"
+#include "fixtures/the_run.h"
 
 namespace diagnoser_fixture {
 

@@ -118,7 +118,8 @@ TEST_F(DiagnoserOlderObservations, TheOutcomesAreTold) {
 
 TEST_F(DiagnoserOlderObservations, TheHistoryGivenAwayIsDestroyed) {
     start(1);
-    unsigned const others = theRun().scheduler.book.traj_created - theRun().scheduler.book.traj_del - 1;
+    unsigned const others =
+        theRun().scheduler.book.traj_created - theRun().scheduler.book.traj_del - 1;
     insert({"out=lo"}, 1, 0.0).clear();
     EXPECT_EQ(theRun().scheduler.book.traj_created - theRun().scheduler.book.traj_del, others);
 }
@@ -174,7 +175,8 @@ TEST_F(DiagnoserOlderCovering, TheRankIsRaisedUntilThereAreResults) {
 
 TEST_F(DiagnoserOlderCovering, WithoutARankToTryNothingIsDone) {
     rest(1);
-    unsigned const others = theRun().scheduler.book.traj_created - theRun().scheduler.book.traj_del - 1;
+    unsigned const others =
+        theRun().scheduler.book.traj_created - theRun().scheduler.book.traj_del - 1;
     EXPECT_EQ(cover(3.0, 2.0), "");
     EXPECT_EQ(reached, 2.0);
     EXPECT_EQ(count(trace, "Rank : "), 0);

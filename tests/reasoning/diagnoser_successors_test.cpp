@@ -182,7 +182,8 @@ TEST_F(DiagnoserSuccessors, AHistoryWithoutAConflictIsEnteredUnderItsLastProbabi
 
 TEST_F(DiagnoserSuccessors, TheHistoryGivenAwayIsDestroyed) {
     believedOpen();
-    unsigned const others = theRun().scheduler.book.traj_created - theRun().scheduler.book.traj_del - 1;
+    unsigned const others =
+        theRun().scheduler.book.traj_created - theRun().scheduler.book.traj_del - 1;
     explainEffect("m=open", 1.0).clear();
     EXPECT_EQ(theRun().scheduler.book.traj_created - theRun().scheduler.book.traj_del, others);
 }
@@ -192,7 +193,8 @@ TEST_F(DiagnoserSuccessors, AnotherEffectOfTheStepInConflictIsExplainedNext) {
     believedOpen();
     takes(turns, 1);
     label(1, "n=x !n=y");
-    TrajectoryMap const finals = explain(theRun().scheduler.getConflicts(history(), 1, true), 1, 0.0, true);
+    TrajectoryMap const finals =
+        explain(theRun().scheduler.getConflicts(history(), 1, true), 1, 0.0, true);
     ASSERT_EQ(finals.size(), 1u);
     std::string const found = moves(*finals.begin()->second);
     // Effects are looked at first, and guards only once those are explained.

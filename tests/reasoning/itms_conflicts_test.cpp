@@ -25,7 +25,7 @@ public:
     }
 
 private:
-    static std::ios& stream() { return consoleHost().propagationLog(); }
+    static std::ios& stream() { return runHost().propagationLog(); }
 
     std::stringstream text;
     std::streambuf* file;

@@ -4,8 +4,8 @@
 #include <cmath>
 #include <set>
 
-#include "fixtures/the_run.h"
 #include "fixtures/reference_model.h"
+#include "fixtures/the_run.h"
 #include "reasoning/reasoning_fixture.h"
 
 using reasoning_fixture::complaint;

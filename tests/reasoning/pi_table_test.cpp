@@ -1,6 +1,6 @@
 // The table of prime implicates, its text, and its file.
-#include "fixtures/the_run.h"
 #include "reasoning/pi_table.h"
+#include "fixtures/the_run.h"
 
 #include <unistd.h>
 
@@ -94,7 +94,7 @@ TEST_F(PiTableTest, ShowsAll) {
 
 TEST_F(PiTableTest, WritesALineForEachAtom) {
     table.addPIAtom((*this)["a"], {{(*this)["b"], (*this)["d"]}, {(*this)["e"]}});
-    table.writePI(consoleHost(), (folder + "/plant").c_str());
+    table.writePI(runHost(), (folder + "/plant").c_str());
     EXPECT_EQ(model.trace.take(), "writing file " + path() + "\n");
     EXPECT_EQ(written(), "c.a=on:c.b=on c.d=on,c.e=on\n");
 }
@@ -102,20 +102,20 @@ TEST_F(PiTableTest, WritesALineForEachAtom) {
 TEST_F(PiTableTest, WritingTruncatesTheOldFile) {
     write("much longer than what will stand there\n");
     table.addPIAtom((*this)["a"], {{(*this)["b"]}});
-    table.writePI(consoleHost(), (folder + "/plant").c_str());
+    table.writePI(runHost(), (folder + "/plant").c_str());
     EXPECT_EQ(written(), "c.a=on:c.b=on\n");
 }
 
 TEST_F(PiTableTest, WritingWhereNothingCanBeWrittenIsSilent) {
     table.addPIAtom((*this)["a"], {{(*this)["b"]}});
-    EXPECT_EQ(complaint([&] { table.writePI(consoleHost(), (folder + "/none/plant").c_str()); }), "");
+    EXPECT_EQ(complaint([&] { table.writePI(runHost(), (folder + "/none/plant").c_str()); }), "");
 }
 
 TEST_F(PiTableTest, WhatWasWrittenIsReadBack) {
     table.addPIAtom((*this)["a"], {{(*this)["b"], (*this)["d"]}, {(*this)["e"]}});
     table.addPIAtom((*this)["b"], {{(*this)["a"]}});
     table.addPIAtom((*this)["e"], {{(*this)["e"], (*this)["a"], (*this)["a"]}});
-    table.writePI(consoleHost(), (folder + "/plant").c_str());
+    table.writePI(runHost(), (folder + "/plant").c_str());
     ASSERT_EQ(model.engine.readPI(), 1);
     EXPECT_EQ(implicates("a"), "bd,e");
     EXPECT_EQ(implicates("b"), "a");

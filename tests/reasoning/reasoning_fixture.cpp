@@ -1,6 +1,6 @@
 // Building and reading of the small models.
-#include "fixtures/the_run.h"
 #include "reasoning/reasoning_fixture.h"
+#include "fixtures/the_run.h"
 
 #include <algorithm>
 #include <iostream>

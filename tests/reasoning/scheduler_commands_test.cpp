@@ -163,7 +163,8 @@ TEST_F(CommandEvents, AResetForgetsTimeEventsAndTrajectories) {
     theRun().sMM->addCommandEvent(model.open, 3);
     theRun().sMM->contCommands.push_back(model.isOpen);
     theRun().sMM->contEvents.insert({true, model.isOpen});
-    theRun().scheduler.tracked_traj.emplace(1.0, std::make_unique<Trajectory>(theRun().scheduler.book));
+    theRun().scheduler.tracked_traj.emplace(1.0,
+                                            std::make_unique<Trajectory>(theRun().scheduler.book));
     theRun().sMM->raz();
     EXPECT_EQ(theRun().sMM->time, 0);
     EXPECT_EQ(theRun().sMM->bound, 0.0);

@@ -49,7 +49,8 @@ TEST_F(DiscreteCycle, AModelWithoutARuntimeTakesACycle) {
     model.start();
     theRun().scheduler.discretemdl = true;
     theRun().sMM->addCommandEvent(model.open, 1);
-    EXPECT_EQ(complaint([&] { theRun().sMM->doCycle(model.traj.get(), nullptr, 1.0); }), "valve.cmd=open\n");
+    EXPECT_EQ(complaint([&] { theRun().sMM->doCycle(model.traj.get(), nullptr, 1.0); }),
+              "valve.cmd=open\n");
     EXPECT_EQ(model.label("valve.mode=open"), "true");
 }
 

@@ -24,7 +24,8 @@ protected:
 
     Streams step(std::vector<Atom*> commands) {
         return streamsOf([&] {
-            theRun().sMM->constructNextNominalStateLarge(model.traj.get(), commands, false, pending);
+            theRun().sMM->constructNextNominalStateLarge(model.traj.get(), commands, false,
+                                                         pending);
         });
     }
     std::vector<Atom*> commandsAt(double step) const {

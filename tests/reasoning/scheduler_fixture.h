@@ -13,8 +13,8 @@
 #include <utility>
 #include <vector>
 
-#include "fixtures/the_run.h"
 #include "continuous/records.h"
+#include "fixtures/the_run.h"
 #include "model/CommandVar.h"
 #include "model/CondVarrt.h"
 #include "model/ModeVarrt.h"

@@ -127,8 +127,8 @@ protected:
         model.start();
         theRun().scheduler.tracked_traj.clear();
         theRun().scheduler.tracked_traj.emplace(1.0, std::move(model.traj));
-        theRun().scheduler.tracked_traj.emplace(0.5,
-                                          std::make_unique<Trajectory>(theRun().scheduler.book, &thePlant().active_atoms));
+        theRun().scheduler.tracked_traj.emplace(
+            0.5, std::make_unique<Trajectory>(theRun().scheduler.book, &thePlant().active_atoms));
     }
 
     HandModel model;

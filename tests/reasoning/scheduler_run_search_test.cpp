@@ -73,7 +73,8 @@ TEST_F(SearchedCopy, TheSearchGetsTheCopyOfBeforeTheObservation) {
         auto copy = std::make_unique<Trajectory>(followed, 2);
         auto further = std::make_unique<Trajectory>(copy.get(), 2);
         expected = orderIn(theRun().sMM->coverTrack3(std::move(copy), 1.0, 10.0, seen, reached));
-        copiedOnceMore = orderIn(theRun().sMM->coverTrack3(std::move(further), 1.0, 10.0, seen, reached));
+        copiedOnceMore =
+            orderIn(theRun().sMM->coverTrack3(std::move(further), 1.0, 10.0, seen, reached));
     });
     ASSERT_NE(expected, copiedOnceMore);
     run("Observation tap.flow=zero\n");

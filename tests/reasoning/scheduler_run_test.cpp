@@ -60,7 +60,7 @@ public:
     std::string lines() const { return masked(text.str()); }
 
 private:
-    static std::ios& stream() { return consoleHost().stepLog(); }
+    static std::ios& stream() { return runHost().stepLog(); }
 
     std::ostringstream text;
     std::streambuf* file;

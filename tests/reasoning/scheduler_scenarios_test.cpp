@@ -207,7 +207,8 @@ TEST_F(Scenarios, UndatedLinesComeOneAtATime) {
     EXPECT_EQ(complaint([&] { event = theRun().sMM->readFromScenario(); }), "");
     ASSERT_NE(event, nullptr);
     EXPECT_TRUE(event->atoms.empty());
-    EXPECT_EQ(complaint([&] { event = theRun().sMM->readFromScenario(); }), "end of the scenario !\n");
+    EXPECT_EQ(complaint([&] { event = theRun().sMM->readFromScenario(); }),
+              "end of the scenario !\n");
     EXPECT_EQ(event, nullptr);
 }
 
@@ -233,7 +234,8 @@ TEST_F(Scenarios, ABlankUndatedLineIsToldAndSkipped) {
 
 TEST_F(Scenarios, WithoutAnOpenFileTheScenarioIsAtItsEnd) {
     std::unique_ptr<scenarEvent> event;
-    EXPECT_EQ(complaint([&] { event = theRun().sMM->readFromScenario(); }), "end of the scenario !\n");
+    EXPECT_EQ(complaint([&] { event = theRun().sMM->readFromScenario(); }),
+              "end of the scenario !\n");
     EXPECT_EQ(event, nullptr);
     EXPECT_EQ(complaint([] { EXPECT_FALSE(theRun().sMM->openScenario("/nonexistent/x")); }),
               "can't open scenario file: /nonexistent/x\n");
@@ -253,7 +255,8 @@ TEST_F(Scenarios, AfterAnUnknownAtomTheFileStaysOpen) {
     ASSERT_NE(event, nullptr);
     EXPECT_EQ(event->atoms, std::vector<Atom*>{model.isOpen});
     load("1 Obs valve.mode=open\n");
-    EXPECT_EQ(complaint([&] { event = theRun().sMM->readFromScenario(); }), "end of the scenario !\n");
+    EXPECT_EQ(complaint([&] { event = theRun().sMM->readFromScenario(); }),
+              "end of the scenario !\n");
 }
 
 }  // namespace

@@ -26,7 +26,8 @@ protected:
     // Builds the next state from *commands*; answers both streams.
     Streams step(std::vector<Atom*> commands, bool keepUnlocked = false) {
         return streamsOf([&] {
-            theRun().sMM->constructNextNominalStateLarge(model.traj.get(), commands, keepUnlocked, pending);
+            theRun().sMM->constructNextNominalStateLarge(model.traj.get(), commands, keepUnlocked,
+                                                         pending);
         });
     }
     void startValve() {

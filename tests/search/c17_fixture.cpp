@@ -1,6 +1,6 @@
 // The circuit as components, transitions and clauses, in the form of a compiled model.
-#include "fixtures/the_run.h"
 #include "search/c17_fixture.h"
+#include "fixtures/the_run.h"
 
 #include <map>
 

@@ -1,6 +1,6 @@
 // The engine's form of a case, its runs, and the histories that it tells.
-#include "fixtures/the_run.h"
 #include "search/engine_model_fixture.h"
+#include "fixtures/the_run.h"
 
 #include <gtest/gtest.h>
 

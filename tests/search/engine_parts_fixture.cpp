@@ -2,9 +2,9 @@
 #include <algorithm>
 
 #include "fixtures/the_run.h"
-#include "trajectory/DataManagerrt.h"
 #include "model/labels.h"
 #include "search/engine_parts_fixture.h"
+#include "trajectory/DataManagerrt.h"
 
 namespace random_models {
 

@@ -1,6 +1,6 @@
 // The engine's form of a model with running transitions, its runs, and what its histories tell.
-#include "fixtures/the_run.h"
 #include "search/executive_fixture.h"
+#include "fixtures/the_run.h"
 
 #include <algorithm>
 
@@ -35,7 +35,8 @@ Executive::Executive(Model const& model) : model(model), built(model.components.
     engine.start();
     for (int more = 1; more < model.histories; ++more)
         theRun().scheduler.tracked_traj.emplace(
-            1.0, std::make_unique<Trajectory>(theRun().scheduler.tracked_traj.begin()->second.get(), 1));
+            1.0,
+            std::make_unique<Trajectory>(theRun().scheduler.tracked_traj.begin()->second.get(), 1));
 }
 
 void Executive::build(int index) {

@@ -67,7 +67,8 @@ std::size_t countLinks() {
 }
 
 Live countLive() {
-    return {theRun().scheduler.book.state_created - theRun().scheduler.book.state_del, theRun().scheduler.book.trajel_created - theRun().scheduler.book.trajel_del,
+    return {theRun().scheduler.book.state_created - theRun().scheduler.book.state_del,
+            theRun().scheduler.book.trajel_created - theRun().scheduler.book.trajel_del,
             theRun().scheduler.book.traj_created - theRun().scheduler.book.traj_del, countLinks()};
 }
 

@@ -51,7 +51,8 @@ public:
     // Once the model is built: tracks one history, of the model's start.
     void start() {
         scheduler->rtInit();
-        auto first = std::make_unique<Trajectory>(theRun().scheduler.book, &thePlant().active_atoms);
+        auto first =
+            std::make_unique<Trajectory>(theRun().scheduler.book, &thePlant().active_atoms);
         for (auto const& entry : thePlant().active_comps)
             first->getState(0)->comps[entry.second->getName()] = entry.second;
         theRun().scheduler.tracked_traj.emplace(1.0, std::move(first));

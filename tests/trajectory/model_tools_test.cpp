@@ -3,15 +3,15 @@
 // The order within a state is that of a table of 193 places, h = 5 h + c over the characters of an
 // id: p.mode=off 25, t.mode=low 65, p.mode=on 147, p.mode=dead 151; the names p and t are in 112
 // and 116.
-#include "fixtures/the_run.h"
 #include "trajectory/model_tools.h"
+#include "fixtures/the_run.h"
 
 #include "fixtures/graph_files.h"
 #include "trajectory/trajectory_fixture.h"
 
 using trajectory_fixture::formulaOf;
-using trajectory_fixture::PumpHistory;
 using trajectory_fixture::printed;
+using trajectory_fixture::PumpHistory;
 using trajectory_fixture::Unit;
 
 namespace {
@@ -57,7 +57,8 @@ TEST_F(GraphTest, NamesOfNodes) {
 
 // 0.125 is a tie, which rounds to the even digit.
 TEST_F(GraphTest, AnEdgeForEachTransition) {
-    EXPECT_EQ(printed([&] { toDot(theRun().host, &pump.comp); }), "[model_tools] --> graphing component p\n");
+    EXPECT_EQ(printed([&] { toDot(theRun().host, &pump.comp); }),
+              "[model_tools] --> graphing component p\n");
     EXPECT_EQ(GraphFiles::text("p.dot"), "digraph p" + componentHead +
                                              "off -> off [  label = \" (0.50)\" ];\n\t"
                                              "on -> on [  label = \" (0.25)\" ];\n\t"

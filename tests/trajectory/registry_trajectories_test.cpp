@@ -4,9 +4,9 @@
 #include "fixtures/the_run.h"
 #include "trajectory/trajectory_fixture.h"
 
-using trajectory_fixture::PumpHistory;
-using trajectory_fixture::PumpAndTank;
 using trajectory_fixture::printed;
+using trajectory_fixture::PumpAndTank;
+using trajectory_fixture::PumpHistory;
 using trajectory_fixture::stateOf;
 using trajectory_fixture::Unit;
 
@@ -163,7 +163,7 @@ TEST_F(PrintModesTest, NoStreamNoText) {
 
 TEST(RegistryEnd, DestroysTheTrackedHistoriesAndTellsSo) {
     Plant const plant("ending");
-    auto registry = std::make_unique<DataManager>(plant, consoleHost());
+    auto registry = std::make_unique<DataManager>(plant, runHost());
     string_map<Atom*> const none;
     TrajectoryBook book(std::cout, std::cerr);
     registry->tracked_traj.emplace(0.5, std::make_unique<Trajectory>(book, &none));
@@ -195,7 +195,8 @@ TEST(RegistryEnd, TrackedHistoriesAreBestFirstAndEqualOnesInTheOrderOfEntry) {
     TrajectoryMap paths;
     int number = 0;
     for (double const probability : {0.25, 0.5, 0.25, 0.75, 0.5})
-        paths.emplace(probability, std::make_unique<Trajectory>(theRun().scheduler.book))->second->stepCount = number++;
+        paths.emplace(probability, std::make_unique<Trajectory>(theRun().scheduler.book))
+            ->second->stepCount = number++;
     std::vector<int> order;
     for (auto const& entry : paths)
         order.push_back(entry.second->stepCount);

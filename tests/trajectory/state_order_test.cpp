@@ -10,8 +10,8 @@
 #include <list>
 #include <map>
 
-#include "fixtures/the_run.h"
 #include "fixtures/reference_model.h"
+#include "fixtures/the_run.h"
 #include "trajectory/trajectory_fixture.h"
 
 using trajectory_fixture::atomsOf;
@@ -47,8 +47,10 @@ protected:
     OneBucket() {
         unit.variable("v", {"bf", "ca", "d\\"});
         for (char const* value : {"v=bf", "v=ca", "v=d\\"})
-            entered.addElt(std::make_unique<TrajEl>(theRun().scheduler.book, unit[value], nullptr, nullptr, "").get(),
-                           false);
+            entered.addElt(
+                std::make_unique<TrajEl>(theRun().scheduler.book, unit[value], nullptr, nullptr, "")
+                    .get(),
+                false);
     }
 
     Unit unit{"u"};

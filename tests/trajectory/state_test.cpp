@@ -6,8 +6,8 @@
 using trajectory_fixture::emptyState;
 using trajectory_fixture::formulaOf;
 using trajectory_fixture::Literals;
-using trajectory_fixture::PumpAndTank;
 using trajectory_fixture::printed;
+using trajectory_fixture::PumpAndTank;
 using trajectory_fixture::stateOf;
 using trajectory_fixture::Unit;
 
@@ -182,7 +182,8 @@ TEST_F(StateTest, RemovingAnElementTakesItOutOfAllConsequences) {
     EXPECT_EQ(off->consequences, (std::vector<TrajEl*>{dead}));
     EXPECT_EQ(replaced->consequences, (std::vector<TrajEl*>{dead}));
     state->removeElt(pump.id("mode=on"));
-    EXPECT_EQ(theRun().scheduler.book.trajel_del, deleted + 1) << "what is not there is not removed";
+    EXPECT_EQ(theRun().scheduler.book.trajel_del, deleted + 1)
+        << "what is not there is not removed";
 }
 
 TEST_F(StateTest, SetsThePreviousTransitionByIdOrByElement) {
@@ -435,7 +436,8 @@ TEST_F(StateTest, ShowsItselfInFullAsItsElementsInFull) {
     EXPECT_EQ(printed([&] { state.showFullState(std::cout); }), expected);
     EXPECT_NE(expected.find("p.mode=off --> [1]\n"), std::string::npos);
     EXPECT_EQ(printed([] { State(theRun().scheduler.book).showFullState(std::cout); }), "");
-    EXPECT_EQ(printed([] { State(theRun().scheduler.book).showState(std::cout); }), "proba : 0\ncover : 0\n");
+    EXPECT_EQ(printed([] { State(theRun().scheduler.book).showState(std::cout); }),
+              "proba : 0\ncover : 0\n");
 }
 
 }  // namespace

@@ -3,8 +3,8 @@
 #include "model/Clause.h"
 #include "trajectory/trajectory_fixture.h"
 
-using trajectory_fixture::PumpAndTank;
 using trajectory_fixture::printed;
+using trajectory_fixture::PumpAndTank;
 
 namespace {
 

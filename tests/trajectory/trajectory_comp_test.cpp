@@ -4,8 +4,8 @@
 
 using trajectory_fixture::atomsOf;
 using trajectory_fixture::emptyState;
-using trajectory_fixture::PumpHistory;
 using trajectory_fixture::printed;
+using trajectory_fixture::PumpHistory;
 using trajectory_fixture::Unit;
 
 namespace {

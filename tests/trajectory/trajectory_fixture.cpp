@@ -1,6 +1,6 @@
 // Building of the components and histories of the tests.
-#include "fixtures/the_run.h"
 #include "trajectory/trajectory_fixture.h"
+#include "fixtures/the_run.h"
 
 namespace trajectory_fixture {
 

@@ -18,9 +18,9 @@
 #include "model/CommandVar.h"
 #include "model/Comprt.h"
 #include "model/CondVarrt.h"
-#include "trajectory/DataManagerrt.h"
 #include "model/ModeVarrt.h"
 #include "model/labels.h"
+#include "trajectory/DataManagerrt.h"
 #include "trajectory/Trajectoryrt.h"
 
 namespace trajectory_fixture {

@@ -1,9 +1,9 @@
 // Times, probabilities and covers of a history.
 #include "trajectory/trajectory_fixture.h"
 
-using trajectory_fixture::PumpHistory;
-using trajectory_fixture::PumpAndTank;
 using trajectory_fixture::printed;
+using trajectory_fixture::PumpAndTank;
+using trajectory_fixture::PumpHistory;
 
 namespace {
 

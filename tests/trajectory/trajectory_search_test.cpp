@@ -1,8 +1,8 @@
 // Searching a history for the newest truth of an atom.
 #include "trajectory/trajectory_fixture.h"
 
-using trajectory_fixture::PumpHistory;
 using trajectory_fixture::printed;
+using trajectory_fixture::PumpHistory;
 
 namespace {
 

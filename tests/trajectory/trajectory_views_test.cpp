@@ -4,8 +4,8 @@
 // t.mode=low 65, t.mode=high 85, p.mode=on 147, p.mode=dead 151.
 #include "trajectory/trajectory_fixture.h"
 
-using trajectory_fixture::PumpHistory;
 using trajectory_fixture::printed;
+using trajectory_fixture::PumpHistory;
 
 namespace {
 
@@ -50,7 +50,8 @@ TEST_F(ViewTest, AStepOutsideTheWindowIsItsBannerAlone) {
 TEST_F(ViewTest, AllStepsFromZeroToTheNumberOfStates) {
     addEmpty();
     EXPECT_EQ(printed([&] { path.showTrajectoryLight(std::cout); }),
-              printed([&] { path.showTrajectory(std::cout, 0); }) + printed([&] { path.showTrajectory(std::cout, 1); }));
+              printed([&] { path.showTrajectory(std::cout, 0); }) +
+                  printed([&] { path.showTrajectory(std::cout, 1); }));
     addEmpty(5);
     std::string expected;
     for (int t = 0; t <= 4; ++t)
@@ -92,12 +93,14 @@ TEST_F(ViewTest, TheStepsOfTheTransitionsAreInTheOrderOfTheTable) {
 }
 
 TEST_F(ViewTest, AHistoryWithoutStates) {
-    EXPECT_EQ(printed([] { Trajectory(theRun().scheduler.book).showTrajectoryTransitions(std::cout); }),
-              ">>>>>>>>>>> viewing Trajectory (0)<<<<<<<<<<<\n"
-              "current time: 0\n"
-              "proba : 0\n"
-              "\n");
-    EXPECT_EQ(printed([] { Trajectory(theRun().scheduler.book).showTrajectoryLight(std::cout); }), "");
+    EXPECT_EQ(
+        printed([] { Trajectory(theRun().scheduler.book).showTrajectoryTransitions(std::cout); }),
+        ">>>>>>>>>>> viewing Trajectory (0)<<<<<<<<<<<\n"
+        "current time: 0\n"
+        "proba : 0\n"
+        "\n");
+    EXPECT_EQ(printed([] { Trajectory(theRun().scheduler.book).showTrajectoryLight(std::cout); }),
+              "");
 }
 
 }  // namespace

@@ -3,9 +3,9 @@
 #include "trajectory/trajectory_fixture.h"
 
 using trajectory_fixture::emptyState;
-using trajectory_fixture::PumpHistory;
-using trajectory_fixture::PumpAndTank;
 using trajectory_fixture::printed;
+using trajectory_fixture::PumpAndTank;
+using trajectory_fixture::PumpHistory;
 using trajectory_fixture::Unit;
 
 namespace {
@@ -87,11 +87,13 @@ TEST_F(WindowTest, HistoriesAndTheirStatesAreCountedInAndOut) {
         other.addCopyState(2, other.getState(1), true);
         Trajectory const copy(&other, 2);
         EXPECT_EQ(theRun().scheduler.book.traj_created, created + 2);
-        EXPECT_EQ(theRun().scheduler.book.state_created, states + 5) << "three states, two of them copied";
+        EXPECT_EQ(theRun().scheduler.book.state_created, states + 5)
+            << "three states, two of them copied";
     }
     EXPECT_EQ(theRun().scheduler.book.traj_del, deleted + 2);
     EXPECT_EQ(theRun().scheduler.book.state_del, statesGone + 5);
-    EXPECT_EQ(theRun().scheduler.book.trajel_del - elementsGone, theRun().scheduler.book.trajel_created - elements);
+    EXPECT_EQ(theRun().scheduler.book.trajel_del - elementsGone,
+              theRun().scheduler.book.trajel_created - elements);
 }
 
 // ---- The truncated copy ----

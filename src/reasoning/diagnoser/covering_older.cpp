@@ -20,12 +20,11 @@ double secondsSince(std::clock_t start) {
 void tellCounters(DataManager const& run) {
     TrajectoryBook const& book = run.book;
     run.err << "transitions checked : " << run.transitions_checked
-              << "\ntrajectories created : " << book.traj_created
-              << "\ntrajectories destroyed : " << book.traj_del
-              << "\nstates created : " << book.state_created
-              << "\nstates deleted : " << book.state_del
-              << "\nelts created : " << book.trajel_created
-              << "\nelts deleted : " << book.trajel_del << "\n";
+            << "\ntrajectories created : " << book.traj_created
+            << "\ntrajectories destroyed : " << book.traj_del
+            << "\nstates created : " << book.state_created
+            << "\nstates deleted : " << book.state_del << "\nelts created : " << book.trajel_created
+            << "\nelts deleted : " << book.trajel_del << "\n";
 }
 
 }  // namespace
@@ -99,6 +98,6 @@ TrajectoryMap Diagnoser::coverTrack2(std::unique_ptr<Trajectory> trajectory, dou
     tellCounters(*this);
     reportResults(results, coverSum);
     err << "trajectories cover : " << traj_cover
-              << "\ncover_track execution time : " << secondsSince(start) << "\n";
+        << "\ncover_track execution time : " << secondsSince(start) << "\n";
     return results;
 }

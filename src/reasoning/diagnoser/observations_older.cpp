@@ -7,14 +7,14 @@
 namespace {
 
 // The history up to *t* with the outcome there, told on the error stream.
-std::unique_ptr<Trajectory> withOutcome(DataManager const& run, Trajectory const* trajectory,
-                                        int t, std::unique_ptr<State> outcome) {
+std::unique_ptr<Trajectory> withOutcome(DataManager const& run, Trajectory const* trajectory, int t,
+                                        std::unique_ptr<State> outcome) {
     auto history = std::make_unique<Trajectory>(trajectory, t);
     State const* state = outcome.get();
     history->addState(t, std::move(outcome));
     history->computeStateProb(t);
     run.err << "posterior proba on obs : " << state->obsProb << "\nproba : " << state->proba
-              << "\ncover : " << state->cover << "\n";
+            << "\ncover : " << state->cover << "\n";
     state->showState(run.out);
     return history;
 }

@@ -151,8 +151,7 @@ bool Diagnoser::isRefused(Selection const& selection, disConflict const& conflic
 bool Diagnoser::tryTransition(Selection& selection, disConflict const& conflict,
                               TrajEl const* through, Transition* transition) {
     if (isRefused(selection, conflict, through, transition)) {
-        err << "[immediateSuccessors] --> transition impossibility (" << selection.t
-                  << ") :\n";
+        err << "[immediateSuccessors] --> transition impossibility (" << selection.t << ") :\n";
         tellTransition(transition);
         return false;
     }
@@ -172,7 +171,7 @@ bool Diagnoser::tryTransition(Selection& selection, disConflict const& conflict,
                                          transition, conflict.position}});
     } else {
         err << "out of rank !\ncurrent rank : " << trajectory->rank
-                  << " -- rank : " << selection.rank << "\n";
+            << " -- rank : " << selection.rank << "\n";
     }
     if (conflict.element->getVarType() == typeCommand && selection.commandVar == nullptr)
         selection.commandVar = transition->modeVar;

@@ -87,7 +87,7 @@ void itms::finishBranch(std::unique_ptr<ItmsRes> cur, ItmsResults& results, Agen
     if (cur->state->observed)
         computeObsCondRough(cur->state.get());
     out << "sol added !\nagenda's size : " << agenda.size()
-              << "\nalready_changed's size end : " << cur->already_changed.size() << "\n";
+        << "\nalready_changed's size end : " << cur->already_changed.size() << "\n";
     results.push_back(std::move(cur));
 }
 

@@ -100,14 +100,13 @@ void itms::weighGuards(Comp const& comp) {
     for (auto const& transition : comp.transitions) {
         if (transition->modeVar == nullptr) {
             err << "Component " << comp.getName()
-                      << ": a transition has no mode in its guard, its guard counts nothing.\n";
+                << ": a transition has no mode in its guard, its guard counts nothing.\n";
             continue;
         }
         StateVar const* variable = transition->modeVar;
         out << "guards number of " << transition->preMode->getId() << " : "
-                  << transition->preMode->guards << "\n"
-                  << "guards number of " << variable->getCharName() << " : " << variable->guards
-                  << "\n";
+            << transition->preMode->guards << "\n"
+            << "guards number of " << variable->getCharName() << " : " << variable->guards << "\n";
         // A count of 0 gives an infinite value, which stands.
         transition->guardProba = transition->proba / static_cast<double>(variable->guards);
         out << "guard proba : " << transition->guardProba << "\n";

@@ -25,7 +25,7 @@ TrajectoryMap Scheduler::Diagnose(Trajectory* traj, Observations const& observat
     bool const explained =
         results.size() == 1 && getConflicts(results.begin()->second.get(), t, true).empty();
     err << "[Scheduler] --> elapsed time (observations insertion) : " << secondsSince(start)
-              << "\n";
+        << "\n";
     if (!explained) {
         err << "---------> Diagnosing...\n";
         double const highest = copy->rank + rankMargin;

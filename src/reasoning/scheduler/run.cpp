@@ -134,8 +134,7 @@ TrajectoryMap Scheduler::explainedBy(Observations const& observations, ElapsedTi
     TrajectoryMap survivors;
     while (!tracked_traj.empty()) {
         Trajectory* traj = tracked_traj.begin()->second.get();
-        err << "[Scheduler] --> updating tracked trajectories with observations (" << time
-                  << ")\n";
+        err << "[Scheduler] --> updating tracked trajectories with observations (" << time << ")\n";
         int const t = traj->getCurrentTime();
         TrajectoryMap outcomes = observationResults(observations, traj, t, 0.0, true);
         if (outcomes.size() == 1 && getConflicts(outcomes.begin()->second.get(), t, true).empty()) {
@@ -170,7 +169,8 @@ void Scheduler::observationStep(scenarEvent const& event) {
         keepSurvivors(std::move(survivors), sum);
     else
         diagnose(std::move(copy), observations);
-    addBmkEntry(time, elapsed.report(err, ""), diagnosing, static_cast<unsigned>(tracked_traj.size()));
+    addBmkEntry(time, elapsed.report(err, ""), diagnosing,
+                static_cast<unsigned>(tracked_traj.size()));
     ++time;
     if (tracked_traj.empty())
         err << "no history explains the observations of step " << time << "\n";

@@ -59,13 +59,12 @@ Atom* knownAtom(DataManager const& run, char const* id) {
 }
 
 void reportInvalid(std::ostream& err, char const* token) {
-    err << "Scheduler::readFromScenario --> received command is not valid : " << token
-              << "\n";
+    err << "Scheduler::readFromScenario --> received command is not valid : " << token << "\n";
 }
 
 void reportReceived(std::ostream& err, bool isCommand, Atom const* atom) {
     err << "Scheduler receives " << (isCommand ? "a command: " : "an observation: ")
-              << atom->getId() << "\n";
+        << atom->getId() << "\n";
 }
 
 // Reads the atoms of the rest of a line into *event*; false on an unknown one.
@@ -85,8 +84,7 @@ bool readAtoms(DataManager const& run, Tokens& tokens, scenarEvent& event, bool 
 }
 
 void reportNoKind(std::ostream& err, std::string const& path, int line) {
-    err << "scenario file " << path << ", line " << line
-              << ": no kind of event, line skipped\n";
+    err << "scenario file " << path << ", line " << line << ": no kind of event, line skipped\n";
 }
 
 }  // namespace

@@ -5,9 +5,9 @@
 #include <random>
 #include <sstream>
 
-#include "fixtures/the_run.h"
 #include "console/exchange.h"
 #include "fixtures/reference_model.h"
+#include "fixtures/the_run.h"
 #include "plain_interval.h"
 #include "reasoning/scheduler_fixture.h"
 

@@ -1,6 +1,7 @@
 // The vat beside true runs of it, and its conditions, constraints and mapping functions beside
 // values worked out by hand.
 #include "generated/vat/vat.h"
+#include "fixtures/the_run.h"
 
 #include "plants/plant_run.h"
 #include "plants/vat/vat_truth.h"
@@ -107,7 +108,7 @@ int detectTruths(int search) {
     for (unsigned seed = firstSeed; seed < firstSeed + runs; ++seed) {
         VatTruth truth(seed);
         PlantRun run(search);
-        for (auto const& influence : tavro_rt->influ)
+        for (auto const& influence : theRun().tavro_rt->influ)
             influence->useOpti = search;
         run.start(truth.inputs(), truth.measures());
         for (int time = 1; time <= detected; ++time) {
@@ -178,10 +179,11 @@ protected:
     void jump(int transition, double inf, double sup, int mode) {
         level->old = level->new_ = makeRange(inf, sup, 1, 1);
         rt->gV[0]->value = level->old;
-        rt->bridgeTrans = {DataManager::getComp("vat")
+        rt->bridgeTrans = {theRun()
+                               .scheduler.getComp("vat")
                                ->getCompTransitions()[static_cast<std::size_t>(transition)]
                                .get()};
-        streamsOf([&] { tavro_reinitialize(rt, 1.0, mode, 2); });
+        streamsOf([&] { tavro_reinitialize(theRun(), rt, 1.0, mode, 2); });
     }
     static constexpr int byItself = 2, byCommand = 4;  // transitions from filling to draining
 

@@ -8,6 +8,7 @@
 
 #include "console/exchange.h"
 #include "fixtures/reference_model.h"
+#include "fixtures/the_run.h"
 #include "reasoning/scheduler_fixture.h"
 
 namespace works_fixture {
@@ -86,7 +87,7 @@ class WorksRun {
 public:
     // *level* is where the tank starts.
     WorksRun(int isolationLevel, double level) {
-        for (s_InitVar& first : tavro_rt->init)
+        for (s_InitVar& first : theRun().tavro_rt->init)
             if (first.var->nom == "tank.level")
                 first.value = makeReal(level);
         options.mode = RUN_DETECT;
@@ -95,19 +96,19 @@ public:
         TextFile const inputs("2 1\n"), measures("2 1 3 3 0\n");
         dataIn = std::fopen(inputs.path.c_str(), "r");
         measIn = std::fopen(measures.path.c_str(), "r");
-        streamsOf([] { tavro_initialize(1, 0.01, "", 0); });
+        streamsOf([] { tavro_initialize(theRun(), 1, 0.01, "", 0); });
         std::fclose(dataIn);
         std::fclose(measIn);
         dataIn = measIn = nullptr;
-        initDispAll(hybNT->rt.get(), 200.0);
+        initDispAll(theRun().hybNT->rt.get(), 200.0);
     }
 
     // One cycle on what the truth measures; answers whether some candidate agrees.
     bool step(TrueWorks const& truth) {
-        inps = {truth.rainNow(), truth.riverNow()};
-        meas = truth.measures();
+        theRun().engine.inps = {truth.rainNow(), truth.riverNow()};
+        theRun().engine.meas = truth.measures();
         bool nominal = false;
-        told = streamsOf([&] { tavro_doCycle(options, 0.0, truth.k, nominal); }).err;
+        told = streamsOf([&] { tavro_doCycle(theRun(), options, 0.0, truth.k, nominal); }).err;
         return nominal;
     }
 
@@ -147,7 +148,7 @@ inline bool covers(hybTrajectory const& candidate, TrueWorks const& truth) {
 }
 
 inline bool isTracked(TrueWorks const& truth) {
-    for (auto const& entry : tracked_trajs)
+    for (auto const& entry : theRun().tracked_trajs)
         if (covers(*entry.second, truth))
             return true;
     return false;

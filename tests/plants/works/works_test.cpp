@@ -1,4 +1,5 @@
 // The waterworks against its truth, drawn by seed.
+#include "fixtures/the_run.h"
 #include "works_fixture.h"
 
 using namespace works_fixture;
@@ -30,7 +31,7 @@ TEST_P(Works, AHealthyPlantIsTrackedThroughItsSplits) {
         truth.step();
         ASSERT_TRUE(run.step(truth)) << "at " << k << run.told;
         ASSERT_TRUE(isTracked(truth)) << "at " << k;
-        most = std::max(most, tracked_trajs.size());
+        most = std::max(most, theRun().tracked_trajs.size());
     }
     EXPECT_GT(most, 1u);
 }
@@ -57,9 +58,9 @@ TEST_P(FailingGate, IsFoundAndNothingElseIsLeft) {
         truth.step();
         ASSERT_TRUE(run.step(truth)) << "at " << k << run.told;
     }
-    ASSERT_EQ(tracked_trajs.size(), 1u);
-    EXPECT_TRUE(holds(*tracked_trajs.begin()->second, "gate1.mode=failed"));
-    EXPECT_TRUE(covers(*tracked_trajs.begin()->second, truth));
+    ASSERT_EQ(theRun().tracked_trajs.size(), 1u);
+    EXPECT_TRUE(holds(*theRun().tracked_trajs.begin()->second, "gate1.mode=failed"));
+    EXPECT_TRUE(covers(*theRun().tracked_trajs.begin()->second, truth));
 }
 
 INSTANTIATE_TEST_SUITE_P(LevelsAndSeeds, FailingGate,

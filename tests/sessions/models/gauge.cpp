@@ -11,8 +11,8 @@
 namespace {
 
 // A mode of the plant that holds from the start. *key* and *otherKey* are string literals.
-Atom* holdingMode(Plant& model, Comp* plant, char const* variable, char const* value, char const* key,
-                  char const* otherKey) {
+Atom* holdingMode(Plant& model, Comp* plant, char const* variable, char const* value,
+                  char const* key, char const* otherKey) {
     ModeVar* mode = plant->addStateVar(
         std::make_unique<ModeVar>(variable, std::set<std::string>{value, "lost"}, value, plant));
     Atom* atom = plant->newAtom(key, mode, value);
@@ -46,8 +46,10 @@ void startinit(Scheduler* scheduler) {
     auto runtime = std::make_shared<s_runtime>();
     Plant& model = scheduler->building();
     Comp* plant = scheduler->addComp(std::make_unique<Comp>("plant"));
-    Atom* powered = holdingMode(model, plant, "plant.power", "on", "plant_power_on", "plant_power_lost");
-    Atom* open = holdingMode(model, plant, "plant.valve", "open", "plant_valve_open", "plant_valve_lost");
+    Atom* powered =
+        holdingMode(model, plant, "plant.power", "on", "plant_power_on", "plant_power_lost");
+    Atom* open =
+        holdingMode(model, plant, "plant.valve", "open", "plant_valve_open", "plant_valve_lost");
     buildContinuousSide(*runtime, powered, open);
     scheduler->building().tavro_rt = std::move(runtime);
 }
