@@ -9,6 +9,7 @@ namespace {
 // A runtime of *displays* displays whose bounds are those of *first*, first + 1 and so on.
 std::unique_ptr<s_runtime> runtimeOf(int displays, double first = 0.0) {
     auto rt = std::make_unique<s_runtime>();
+    rt->engine = &theRun().engine;
     rt->Ts = 1.0;
     rt->display.resize(static_cast<std::size_t>(displays));
     for (int j = 0; j < displays; ++j) {

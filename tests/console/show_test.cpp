@@ -117,7 +117,7 @@ TEST_F(Show, AllComponents) {
 }
 
 TEST_F(Show, AComponentByItsNameOrItsClass) {
-    Comp const* thermostat = theRun().scheduler.getComp("thermostat");
+    Comp const* thermostat = theComp("thermostat");
     std::string const expected = streamsOf([=] {
                                      thermostat->showComp(std::cout, [](s_Influence const* i) {
                                          printInfluence(std::cout, i);

@@ -347,7 +347,7 @@ TEST_F(ReplayStep, EndsWithTheRowOfEachCandidateAndAnEmptyBridge) {
     s_runtime* rt = first().rt.get();
     rt->dinfval = {1.5, 2.5};
     rt->bridgeTrans = {thePlant().active_trans[3]};
-    addBridgeCond(theRun().scheduler.getAtom("thermostat.mode=off"), true, rt);
+    addBridgeCond(theAtom("thermostat.mode=off"), true, rt);
     tavroDiagDiscreteCycle(9.0, candidates);
     EXPECT_EQ(rt->extra[4 * 8], 1.5);
     EXPECT_EQ(rt->extra[4 * 8 + 2], 2.5);

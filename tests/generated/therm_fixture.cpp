@@ -29,6 +29,7 @@ BuiltModel::BuiltModel() {
     R1 = findRoom();
     T1 = findTherm();
     rt = thePlant().tavro_rt.get();
+    rt->engine = &theRun().engine;
 }
 
 BuiltModel::~BuiltModel() {

@@ -109,7 +109,7 @@ TEST_F(CandidateGraphs, TheComponentsOfTheRoomCanBeDrawn) {
         {"room", "closed&#45;&gt;open", "open (0.99)"},
     };
     for (Drawn const& drawn : all) {
-        streamsOf([&] { toDot(theRun().host, theRun().scheduler.getComp(drawn.component)); });
+        streamsOf([&] { toDot(theRun().host, theComp(drawn.component)); });
         std::string const picture = GraphFiles::drawing(std::string(drawn.component) + ".dot");
         EXPECT_NE(picture.find("<title>" + std::string(drawn.move) + "</title>"),
                   std::string::npos);

@@ -10,6 +10,7 @@ namespace {
 // A runtime with two measured variables, one that is not, and a parameter; one display, the first.
 std::unique_ptr<s_runtime> gauges() {
     auto rt = std::make_unique<s_runtime>();
+    rt->engine = &theRun().engine;
     for (char const* name : {"a", "b", "c"})
         mkVariable(*rt, name, 3);
     mkParameter(*rt, "p", 4.0, 0);

@@ -32,7 +32,7 @@ class CausalGraph {
 public:
     static constexpr int past = 8;
 
-    CausalGraph() { rt.engine = &theEngine; }
+    CausalGraph() { rt.engine = &theRun().engine; }
 
     // What is neither measured nor an input.
     s_Variable* variable(std::string const& name);

@@ -24,14 +24,11 @@ protected:
     template <typename Action>
     static void inChild(Action action) {
         dup2(STDERR_FILENO, STDOUT_FILENO);
-        std::atexit([] {
-            theRun().tracked_trajs.clear();
-            theRun().misbtrajs.clear();
-        });
         try {
             action();
         } catch (RunStopped const& stop) {
-            std::exit(stop.exitStatus());
+            std::cout.flush();
+            _exit(stop.exitStatus());
         }
         std::cerr << "still there" << std::endl;
         _exit(0);

@@ -71,7 +71,7 @@ TEST_F(JointProbabilities, LoneTransitionOfALaterComponentIsMultiplied) {
 
 TEST_F(JointProbabilities, SkipNullEntries) {
     component("R", {0.25, 0.75});
-    theRun().scheduler.getComp("S");
+    theComp("S");
     EXPECT_EQ(check(), report("2", "0.25 0.75 test of transitions probabilities : 1\n"));
 }
 

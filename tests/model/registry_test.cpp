@@ -39,6 +39,17 @@ TEST_F(RegistryTest, ConstructionStartsTheCoverOfStepZero) {
     EXPECT_EQ(theRun().scheduler.states_cover[0], 0.0);
 }
 
+TEST_F(RegistryTest, TellsWhatTheMakingOfAComponentComplainedOf) {
+    auto comp = std::make_unique<Comp>("t");
+    auto const values = std::set<std::string>{"on"};
+    ModeVar* mode =
+        comp->addStateVar(std::make_unique<ModeVar>("t.mode", values, "broken", comp.get()));
+    comp->newAtom("t_mode_molten", mode, "molten");
+    EXPECT_EQ(printed([&] { registry.addComp(std::move(comp)); }),
+              "StateVar --> Wrong default value"
+              "Atom --> Cannot create the atom : value not in the variable domain\n");
+}
+
 TEST_F(RegistryTest, FindsComponentsByTheTextOfTheirName) {
     Comp* room = component("room", {});
     std::string const name = "room";

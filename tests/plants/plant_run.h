@@ -40,7 +40,7 @@ public:
         TextFile const inputFile(line(inputs)), measureFile(line(measures));
         dataIn = std::fopen(inputFile.path.c_str(), "r");
         measIn = std::fopen(measureFile.path.c_str(), "r");
-        streamsOf([] { tavro_initialize(theRun(), theRun(), 1, 0.01, "", 0); });
+        streamsOf([] { tavro_initialize(theRun(), 1, 0.01, "", 0); });
         for (std::FILE** file : {&dataIn, &measIn}) {
             std::fclose(*file);
             *file = nullptr;
@@ -54,7 +54,7 @@ public:
         bool nominal = false;
         theRun().engine.inps = inputs;
         theRun().engine.meas = measures;
-        streamsOf([&] { tavro_doCycle(theRun(), theRun(), options, 0.0, time, nominal); });
+        streamsOf([&] { tavro_doCycle(theRun(), options, 0.0, time, nominal); });
         return nominal;
     }
 

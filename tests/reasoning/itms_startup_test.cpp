@@ -299,7 +299,7 @@ TEST_F(ItmsStartup, TheCompiledProbabilityIsThePlainMeanOfWhatLeadsToTheAtom) {
 TEST_F(ItmsStartup, ANullThatALookupEnteredIsSkipped) {
     model.variable("m", {"on"});
     startText();
-    theRun().scheduler.getAtom("nobody");
+    theAtom("nobody");
     theRun().scheduler.getComp("nowhere");
     model.engine.initialize();
     EXPECT_EQ(model.atom("m=on")->label, labelTrue);

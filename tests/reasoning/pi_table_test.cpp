@@ -122,7 +122,7 @@ TEST_F(PiTableTest, WhatWasWrittenIsReadBack) {
     EXPECT_EQ(implicates("e"), "eaa");
     EXPECT_EQ(implicates("d"), "-");
     std::string const first = written();
-    model.engine.piTable->writePI((folder + "/plant").c_str());
+    model.engine.piTable->writePI(runHost(), (folder + "/plant").c_str());
     EXPECT_EQ(written(), first);
 }
 

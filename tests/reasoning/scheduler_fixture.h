@@ -78,6 +78,7 @@ public:
     HandModel() {
         streamsOf([] { newPlant("hand"); });
         scheduler = &theRun().scheduler;
+        rt.engine = &theRun().engine;
     }
     ~HandModel() {
         traj.reset();
