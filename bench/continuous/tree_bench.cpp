@@ -5,6 +5,7 @@
 #include <benchmark/benchmark.h>
 
 #include "fixtures/list_tree.h"
+#include "support/host.h"
 
 namespace {
 

@@ -3,6 +3,7 @@
 
 #include "console/exchange.h"
 #include "console_fixture.h"
+#include "fixtures/the_run.h"
 
 namespace {
 

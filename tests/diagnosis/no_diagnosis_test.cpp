@@ -54,7 +54,12 @@ protected:
     // `detect` in a directory of its own, in a child process.
     void detect(char const* parameters) const {
         std::filesystem::current_path(directory);
-        snDetect(parameters);
+        try {
+            snDetect(parameters);
+        } catch (RunStopped const& stop) {
+            std::fflush(nullptr);
+            _exit(stop.exitStatus());
+        }
         _exit(0);
     }
     std::vector<std::string> cyclesLogged() const {

@@ -11,6 +11,7 @@
 #include "continuous/model_parts.h"
 #include "continuous/sorn-runt.h"
 #include "fixtures/one_engine.h"
+#include "fixtures/the_run.h"
 #include "model/model_fixture.h"
 
 namespace isolation_test {

@@ -299,7 +299,7 @@ TEST_F(ItmsStartup, TheCompiledProbabilityIsThePlainMeanOfWhatLeadsToTheAtom) {
 TEST_F(ItmsStartup, ANullThatALookupEnteredIsSkipped) {
     model.variable("m", {"on"});
     startText();
-    theAtom("nobody");
+    theRun().scheduler.getAtom("nobody");
     theRun().scheduler.getComp("nowhere");
     model.engine.initialize();
     EXPECT_EQ(model.atom("m=on")->label, labelTrue);

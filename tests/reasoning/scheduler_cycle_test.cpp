@@ -232,7 +232,9 @@ TEST_F(DiscreteCycle, AnEventThatNoStateHoldsStopsTheRun) {
     // Of a choice between two, a condition may not become true while observing.
     theRun().sMM->contEvents.insert({false, low});
     int status = -1;
-    EXPECT_EQ(complaint([&] { status = statusOf([&] { theRun().sMM->addContEvents(model.traj.get()); }); }),
+    EXPECT_EQ(complaint([&] {
+                  status = statusOf([&] { theRun().sMM->addContEvents(model.traj.get()); });
+              }),
               "Error adding continuous events: no valid state found.\n");
     EXPECT_EQ(status, 1);
 }

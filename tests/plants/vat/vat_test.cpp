@@ -179,10 +179,8 @@ protected:
     void jump(int transition, double inf, double sup, int mode) {
         level->old = level->new_ = makeRange(inf, sup, 1, 1);
         rt->gV[0]->value = level->old;
-        rt->bridgeTrans = {theRun()
-                               .scheduler.getComp("vat")
-                               ->getCompTransitions()[static_cast<std::size_t>(transition)]
-                               .get()};
+        rt->bridgeTrans = {
+            theComp("vat")->getCompTransitions()[static_cast<std::size_t>(transition)].get()};
         streamsOf([&] { tavro_reinitialize(theRun(), rt, 1.0, mode, 2); });
     }
     static constexpr int byItself = 2, byCommand = 4;  // transitions from filling to draining
