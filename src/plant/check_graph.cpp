@@ -140,8 +140,8 @@ void checkListed(Updates const& updates, s_Variable const& variable, Findings& f
 // A static influence without delay reads what its cause has become in this very cycle.
 bool readsThisCycle(Updates const& updates, s_Influence const& influence) {
     return influence.type == INF_STATIC && influence.delayMin == 0 && influence.cause != nullptr &&
-           influence.effect != nullptr && updates.isUpdated(influence.cause) &&
-           updates.isUpdated(influence.effect);
+           !influence.cause->isParam && influence.effect != nullptr &&
+           updates.isUpdated(influence.cause) && updates.isUpdated(influence.effect);
 }
 
 // A chain of such influences leads from *from* to *to*.

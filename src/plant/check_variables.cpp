@@ -116,9 +116,11 @@ void checkVariable(Holdings const& plant, Comp const& comp, StateVar const& vari
                         " and names another component: add it with addStateVar.");
     checkKind(variable, findings);
     checkDefault(variable, findings);
+    std::size_t const before = findings.list.size();
     checkAtoms(variable, findings);
     checkTable(comp, variable, findings);
-    if (!isExclusive(plant, variable))
+    bool const atomsAreRight = findings.list.size() == before && !variable.values.empty();
+    if (atomsAreRight && !isExclusive(plant, variable))
         findings.refuse(nameOf(variable) +
                         " is not kept to one value by clauses: call addExclusiveChoice for it.");
 }

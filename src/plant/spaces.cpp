@@ -3,17 +3,21 @@
 #include "plant/spaces.h"
 
 #include <algorithm>
+#include <cmath>
 
 namespace {
 
+std::optional<s_Objet> leafValue(s_GVar const* gvar) {
+    if (gvar == nullptr || gvar->kind != GV_CONST || !isValue(gvar->value))
+        return std::nullopt;
+    return gvar->value;
+}
+
+// An operand with a variable is read and not worked out.
 std::optional<s_Objet> operandValue(s_Expr const* operand) {
     if (operand == nullptr)
         return std::nullopt;
-    if (operand->gvar == nullptr)
-        return constantValue(*operand);
-    if (operand->gvar->kind != GV_CONST || !isValue(operand->gvar->value))
-        return std::nullopt;
-    return operand->gvar->value;
+    return operand->gvar != nullptr ? leafValue(operand->gvar) : constantValue(*operand);
 }
 
 // As the engine does it, the power being right to the left.
@@ -58,7 +62,7 @@ Space asSpace(s_Objet const& value) {
 
 std::optional<s_Objet> constantValue(s_Expr const& expr) {
     if (expr.op == EXPR_CONST || expr.op == EXPR_VAR)
-        return operandValue(&expr);
+        return leafValue(expr.gvar);
     if (expr.op < EXPR_CONST || expr.op > EXPR_NEG)
         return std::nullopt;
     std::optional<s_Objet> left = operandValue(expr.left);
@@ -100,7 +104,7 @@ std::optional<Space> spaceOf(s_Condition const& condition, s_Variable const* var
                           condition.expr->gvar != nullptr && condition.expr->gvar->var == variable;
     std::optional<s_Objet> const value =
         compares ? constantValue(*condition.expr) : std::optional<s_Objet>{};
-    if (!value)
+    if (!value || std::isnan(sn_infOf(*value)) || std::isnan(sn_supOf(*value)))
         return std::nullopt;
     return asSpace(*value);
 }
@@ -117,10 +121,11 @@ std::vector<range> gapsBetween(std::vector<Space> spaces, range const& domain) {
         if (!isEmpty(gap))
             gaps.push_back(gap);
     };
-    for (Space const& space : spaces) {
+    for (Space const& given : spaces) {
+        Space const space = intersection(given, {false, domain});
         if (space.empty)
             continue;
-        tellUpTo(std::min(space.where.inf, domain.sup), !isInfClosed(space.where));
+        tellUpTo(space.where.inf, !isInfClosed(space.where));
         bool const further = space.where.sup > covered.sup ||
                              (space.where.sup == covered.sup && isSupClosed(space.where));
         if (further)
