@@ -51,6 +51,23 @@ TEST(LinkSlips, OperandsOfConditions) {
          [](Room& r) { r.rt().condi[10]->var = r.variable("room.xd"); },
          {"Condition 10 (room.c1=c10) compares room.xd by a constraint of room.x: make both the "
           "same."}},
+        {"no constraint",
+         [](Room& r) { r.rt().condi[7]->expr = nullptr; },
+         {"Condition 7 compares by no constraint: name one."}},
+        {"an expression that is no constraint of the runtime",
+         [](Room& r) {
+             // The same threshold as aC 3, which stays for condition 6.
+             s_Condition* second =
+                 mkExprCond(r.rt(), r.variable("room.x"), REL_GE,
+                            mkSpace(r.rt(), r.rt().gV[0], 17.0, r.rt().aC[3]->right->gvar->value),
+                            3, nullptr, 0);
+             r.influence("R1.i1")->cond = second;
+             r.rt().condi[14] = second;
+             r.rt().condPool[8]->left = r.rt().condPool[8]->right = nullptr;
+             r.rt().condPool[8]->kind = COND_CONST;
+         },
+         {"warning: Entry 8 of condPool is used by nothing: number it, or take it out.",
+          "Condition 14 compares by an expression that is not in aC: add it."}},
         {"another constraint by number",
          [](Room& r) { r.rt().condi[10]->acIdx = {2}; },
          {"warning: Constraint 0 of room.x is behind no condition: name it in one, or take it out.",
@@ -338,6 +355,23 @@ TEST(LinkSlips, ConditionsThatBoundAVariable) {
          {"Variable room.xd has 6 in varConds, a condition that does not compare it: take it "
           "out."}},
     });
+}
+
+// xd is split at 1, and nothing says in which range it lies.
+TEST(LinkSlips, AConstrainedVariableWithoutABoundingCondition) {
+    Room room;
+    s_runtime& rt = room.rt();
+    s_GVar* rate = mkConstraintVar(rt, room.variable("room.xd"), makeReal(0.0));
+    rate->acIdx = {1, 4};
+    rt.gV.push_back(rate);
+    rt.aC.push_back(mkSpace(rt, rate, 1.0, rt.aC[0]->right->gvar->value));
+    s_Condition* slow = mkExprCond(rt, rate->var, REL_LT, rt.aC[4], 4, nullptr, 0);
+    rt.condi.push_back(slow);
+    room.influence("R1.i4")->cond = slow;
+    sizeArrays(rt);
+    EXPECT_EQ(room.findings(),
+              (Texts{"Variable room.xd has constraints and no condition that bounds it: link its "
+                     "conditions to atoms."}));
 }
 
 // ---- Links ----
