@@ -5,6 +5,7 @@
 #include "console/console.h"
 #include "console/exchange.h"
 #include "console/process.h"
+#include "run/build_plant.h"
 #include "support/run_stopped.h"
 
 namespace {
@@ -25,6 +26,10 @@ void runExecutive(CompiledModel const& model, int argc, char** argv) {
         runConsole();
     } catch (RunStopped const& stop) {
         leaveProcess(stop.exitStatus());
+    } catch (PlantRefused const& refused) {
+        for (Finding const& finding : refused.findings)
+            std::fprintf(stderr, "plant: %s\n", finding.text.c_str());
+        leaveProcess(1);
     }
     // Files of a run that was begun and not ended.
     closeRunFiles();

@@ -11,4 +11,7 @@ struct CompiledModel {
     // Builds every component, all clauses and, for a hybrid model, tavro_rt, in the plant that the
     // scheduler is building.
     void (*startinit)(Scheduler* scheduler);
+    // False: the model departs from what a plant must be on purpose, as a test of the engine's
+    // rules may, and is run unchecked.
+    bool checked = true;
 };

@@ -5,7 +5,7 @@
 #include "generated/line/line.h"
 
 #include "model/labels.h"
-#include "model/transitionParts.h"
+#include "plant/discrete_parts.h"
 
 namespace {
 
@@ -13,30 +13,24 @@ constexpr double lose = 0.001;  // falls into the unknown mode
 constexpr double breakDown = 0.01;
 constexpr double certain = 1.0;
 
-void addMove(Comp* comp, std::vector<std::pair<Atom*, bool>> const& guard, Atom* to,
-             char const* type, double proba, bool idle) {
-    comp->addTransitionToC(
-        mkTransition(guard, guard.size() > 1 ? "and" : "", to, type, proba, idle));
-}
-
 // A mode that nothing leaves.
 void addAbsorbing(Comp* comp, Atom* mode) {
-    addMove(comp, {{mode, true}}, mode, transNominal, certain, true);
+    addMove(*comp, {{mode, true}}, mode, transNominal, certain, true);
 }
 
 // From *mode*: a command takes it to *to*, any other command leaves it, unless it fails.
 void addCommanded(Comp* comp, Atom* mode, Atom* command, Atom* to, double proba) {
-    addMove(comp, {{mode, true}, {command, true}}, to, transNominal, proba, false);
-    addMove(comp, {{mode, true}, {command, false}}, mode, transNominal, proba, true);
+    addMove(*comp, {{mode, true}, {command, true}}, to, transNominal, proba, false);
+    addMove(*comp, {{mode, true}, {command, false}}, mode, transNominal, proba, true);
 }
 
 void addFailure(Comp* comp, Atom* mode, Atom* to, double proba) {
-    addMove(comp, {{mode, true}}, to, transFail, proba, false);
+    addMove(*comp, {{mode, true}}, to, transFail, proba, false);
 }
 
-std::unique_ptr<StateVar> makeObservable(std::string const& name, std::set<std::string> values,
-                                         char const* start, Comp* comp) {
-    auto variable = std::make_unique<StateVar>(name, std::move(values), start, comp);
+StateVar* addObservable(Comp& comp, std::string const& shortName, char const* start,
+                        std::vector<NamedValue> const& values) {
+    StateVar* variable = addChoice<StateVar>(comp, shortName, start, values);
     variable->type = typeObservable;
     return variable;
 }
@@ -44,17 +38,14 @@ std::unique_ptr<StateVar> makeObservable(std::string const& name, std::set<std::
 }  // namespace
 
 pump::pump(std::string compName) : Comp(std::move(compName)) {
-    cmd = addStateVar(std::make_unique<CommandVar>(
-        name + ".cmd", std::set<std::string>{"none", "start", "stop"}, "none", this));
-    cmd_none = newAtom("pump_cmd_none", cmd, "none");
-    cmd_start = newAtom("pump_cmd_start", cmd, "start");
-    cmd_stop = newAtom("pump_cmd_stop", cmd, "stop");
-    mode = addStateVar(std::make_unique<ModeVar>(
-        name + ".mode", std::set<std::string>{"off", "on", "failed", "unknown"}, "off", this));
-    mode_off = newAtom("pump_mode_off", mode, "off");
-    mode_on = newAtom("pump_mode_on", mode, "on");
-    mode_failed = newAtom("pump_mode_failed", mode, "failed");
-    mode_unknown = newAtom("pump_mode_unknown", mode, "unknown");
+    className = "pump";
+    cmd = addChoice<CommandVar>(*this, "cmd", "none",
+                                {{"none", &cmd_none}, {"start", &cmd_start}, {"stop", &cmd_stop}});
+    mode = addChoice<ModeVar>(*this, "mode", "off",
+                              {{"off", &mode_off},
+                               {"on", &mode_on},
+                               {"failed", &mode_failed},
+                               {"unknown", &mode_unknown}});
     commands = {cmd};
     initTransitions();
 }
@@ -70,23 +61,17 @@ void pump::initTransitions() {
 }
 
 valve::valve(std::string compName) : Comp(std::move(compName)) {
-    cmd = addStateVar(std::make_unique<CommandVar>(
-        name + ".cmd", std::set<std::string>{"none", "open", "close"}, "none", this));
-    cmd_none = newAtom("valve_cmd_none", cmd, "none");
-    cmd_open = newAtom("valve_cmd_open", cmd, "open");
-    cmd_close = newAtom("valve_cmd_close", cmd, "close");
-    mode = addStateVar(std::make_unique<ModeVar>(
-        name + ".mode",
-        std::set<std::string>{"closed", "open", "stuck_closed", "stuck_open", "unknown"}, "closed",
-        this));
-    mode_closed = newAtom("valve_mode_closed", mode, "closed");
-    mode_open = newAtom("valve_mode_open", mode, "open");
-    mode_stuck_closed = newAtom("valve_mode_stuck_closed", mode, "stuck_closed");
-    mode_stuck_open = newAtom("valve_mode_stuck_open", mode, "stuck_open");
-    mode_unknown = newAtom("valve_mode_unknown", mode, "unknown");
-    passage = addStateVar(makeObservable(name + ".passage", {"shut", "through"}, "shut", this));
-    passage_shut = newAtom("valve_passage_shut", passage, "shut");
-    passage_through = newAtom("valve_passage_through", passage, "through");
+    className = "valve";
+    cmd = addChoice<CommandVar>(*this, "cmd", "none",
+                                {{"none", &cmd_none}, {"open", &cmd_open}, {"close", &cmd_close}});
+    mode = addChoice<ModeVar>(*this, "mode", "closed",
+                              {{"closed", &mode_closed},
+                               {"open", &mode_open},
+                               {"stuck_closed", &mode_stuck_closed},
+                               {"stuck_open", &mode_stuck_open},
+                               {"unknown", &mode_unknown}});
+    passage = addObservable(*this, "passage", "shut",
+                            {{"shut", &passage_shut}, {"through", &passage_through}});
     commands = {cmd};
     initTransitions();
 }
@@ -104,7 +89,7 @@ void valve::initTransitions() {
 }
 
 sensor::sensor(std::string compName) : Comp(std::move(compName)) {
-    flow = addStateVar(makeObservable(name + ".flow", {"zero", "positive"}, "zero", this));
-    flow_zero = newAtom("sensor_flow_zero", flow, "zero");
-    flow_positive = newAtom("sensor_flow_positive", flow, "positive");
+    className = "sensor";
+    flow =
+        addObservable(*this, "flow", "zero", {{"zero", &flow_zero}, {"positive", &flow_positive}});
 }

@@ -10,21 +10,19 @@
 #include "model/Comprt.h"
 #include "model/CondVarrt.h"
 #include "model/ModeVarrt.h"
+#include "plant/builder.h"
 
 class therm;
 
 class room : public Comp {
 public:
     room(std::string name, std::vector<CommandVar*> importedCommands,
-         std::vector<CommandVar*> commands, therm* peer, s_runtime& rt);
+         std::vector<CommandVar*> commands, therm* peer, PlantBuilder& plant);
 
     therm* peer;  // null: the thermostat is built later
 
     s_Variable *xd, *x, *xdq;                 // rate of change, temperature, driving difference
     s_Variable *xext, *Qc, *Qo, *m, *M, *un;  // outside, coefficients, thresholds, unit input
-
-    s_GVar* gv_x;
-    s_Expr *below_m, *from_m, *below_M, *from_M;  // the constraints on x, in the order of aC
 
     CommandVar* cmdin;
     Atom *cmdin_none, *cmdin_open, *cmdin_close;
@@ -33,23 +31,17 @@ public:
     ModeVar* mode;
     Atom *mode_closed, *mode_open, *mode_unknown;
 
-    s_Condition *cond_c12, *cond_from_m, *cond_below_M, *cond_c11, *cond_c10;
-    s_Condition *cond_closed, *cond_open, *cond_unknown;
+    s_Condition *cond_closed, *cond_open;
     s_Condition* cond_not_heating;  // operands belong to the thermostat: set by the top level
     s_Condition* cond_known;        // closed or open
 
     s_Influence *i1, *i2, *i3, *i4, *i5, *i6;
-    s_CGraph *graph_xd, *graph_x, *graph_xdq, *graph_xext, *graph_un;
-
-    std::vector<Transition*> transitions_;
 
 private:
-    void init(s_runtime& rt);
-    void initVariables(s_runtime& rt);
-    void initConstraints(s_runtime& rt);
+    void initVariables(PlantPart& part);
     void initDiscrete();
-    void initConditions(s_runtime& rt);
-    void initInfluences(s_runtime& rt);
-    void initGraph(s_runtime& rt);
+    void initTemperatureRanges(PlantBuilder& plant, PlantPart& part);
+    void initConditions(PlantBuilder& plant, PlantPart& part);
+    void initInfluences(PlantPart& part);
     void initTransitions();
 };

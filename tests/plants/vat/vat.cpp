@@ -318,7 +318,7 @@ s_GVar* Vat::constrained(s_Variable* variable, s_Objet const& first,
 }
 
 s_GVar* Vat::dependingOn(s_GVar* gvar, std::vector<int> const& dependents) {
-    gvar->gcIdx = {0};
+    gvar->gcIdx = {static_cast<int>(dependents.size())};
     gvar->gcIdx.insert(gvar->gcIdx.end(), dependents.begin(), dependents.end());
     rt.gV.push_back(gvar);
     return gvar;

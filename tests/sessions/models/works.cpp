@@ -40,8 +40,9 @@
 
 namespace {
 
-constexpr int window = 40;     // cycles that the runtime can be moved back by
-constexpr int condWindow = 8;  // more than the longest delay of a suspect
+constexpr int window = 40;       // cycles that the runtime can be moved back by
+constexpr int condWindow = 8;    // more than the longest delay of a suspect
+constexpr int longestDelay = 3;  // histories reach as far behind the window
 
 // A component with one mode that works, by an idle move or for good, until it fails.
 struct Device {
@@ -90,11 +91,11 @@ void buildWater(Scheduler* scheduler, s_runtime& rt) {
     Device const pump2 = makeDevice(scheduler, rt, "pump2", "on", "pump2_on", "pump2_failed");
     Device const gate1 = makeDevice(scheduler, rt, "gate1", "open", "gate1_open", "gate1_failed");
     Device const gate2 = makeDevice(scheduler, rt, "gate2", "open", "gate2_open", "gate2_failed");
-    s_Variable* rain = mkVariable(rt, "works.rain", window);
-    s_Variable* river = mkVariable(rt, "works.river", window);
-    s_Variable* pond = mkVariable(rt, "works.pond", window);
-    s_Variable* pool = mkVariable(rt, "works.pool", window);
-    s_Variable* mainPipe = mkVariable(rt, "works.main", window);
+    s_Variable* rain = mkVariable(rt, "works.rain", window + longestDelay);
+    s_Variable* river = mkVariable(rt, "works.river", window + longestDelay);
+    s_Variable* pond = mkVariable(rt, "works.pond", window + longestDelay);
+    s_Variable* pool = mkVariable(rt, "works.pool", window + longestDelay);
+    s_Variable* mainPipe = mkVariable(rt, "works.main", window + longestDelay);
     s_Variable* pondGauge = mkVariable(rt, "works.pondGauge", window);
     s_Variable* poolGauge = mkVariable(rt, "works.poolGauge", window);
     s_Variable* near = mkVariable(rt, "works.near", window);
