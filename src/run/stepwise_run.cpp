@@ -18,7 +18,7 @@ namespace {
 // A misbehaviour is remembered for at most this many cycles: the memory that it takes is set aside.
 constexpr int longestAccumulation = 1000000;
 
-void require(bool holds, ErrorKind kind, std::string const& text) {
+void require(bool holds, ErrorKind kind, char const* text) {
     if (!holds)
         throw Error(kind, text);
 }
@@ -96,12 +96,13 @@ void StepwiseRun::mustBe(bool started) const {
 
 void StepwiseRun::checkValues(std::vector<double> const& values,
                               std::vector<std::string> const& expected, char const* what) const {
-    require(values.size() == expected.size(), ErrorKind::data,
-            std::to_string(values.size()) + " " + what + " given, the plant has " +
-                std::to_string(expected.size()));
+    if (values.size() != expected.size())
+        throw Error(ErrorKind::data, std::to_string(values.size()) + " " + what +
+                                         " given, the plant has " +
+                                         std::to_string(expected.size()));
     for (std::size_t i = 0; i < values.size(); ++i)
-        require(std::isfinite(values[i]), ErrorKind::data,
-                "the value of " + expected[i] + " is no finite number");
+        if (!std::isfinite(values[i]))
+            throw Error(ErrorKind::data, "the value of " + expected[i] + " is no finite number");
 }
 
 void StepwiseRun::checkLine(tavro::Line const& line, bool starting) const {
@@ -119,8 +120,8 @@ std::vector<Atom*> StepwiseRun::atomsOf(std::vector<std::string> const& ids,
                                         char const* what) const {
     std::vector<Atom*> atoms;
     for (std::string const& id : ids) {
-        require(std::find(known.begin(), known.end(), id) != known.end(), ErrorKind::data,
-                "the plant has no " + std::string(what) + " " + id);
+        if (std::find(known.begin(), known.end(), id) == known.end())
+            throw Error(ErrorKind::data, "the plant has no " + std::string(what) + " " + id);
         atoms.push_back(run.plant.active_atoms.find(id.c_str())->second);
     }
     return atoms;

@@ -48,6 +48,7 @@ std::vector<std::string> consoleRow(std::string const& day, int until,
     fs::path const place = fs::temp_directory_path() / ("tavro_api_" + day + std::to_string(until));
     fs::remove_all(place);
     fs::create_directories(place / "disp");
+    fs::create_directories(place / "inp");
     fs::create_directory_symlink(TAVRO_EXAMPLES "/room/obs", place / "obs");
     std::string const command = "cd " + place.string() + " && printf 'init\\ndetect " +
                                 std::to_string(until) + " " + isolation + " 3\\nquit\\n' | " +
