@@ -59,6 +59,7 @@ install(FILES ${CMAKE_BINARY_DIR}/package/tavroConfig.cmake
 
 file(RELATIVE_PATH tavro_prefix_from_pc ${CMAKE_INSTALL_FULL_LIBDIR}/pkgconfig
      ${CMAKE_INSTALL_PREFIX})
+string(REGEX REPLACE "/$" "" tavro_prefix_from_pc "${tavro_prefix_from_pc}")
 configure_file(${CMAKE_CURRENT_LIST_DIR}/tavro.pc.in ${CMAKE_BINARY_DIR}/package/tavro.pc @ONLY)
 install(FILES ${CMAKE_BINARY_DIR}/package/tavro.pc DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig
         COMPONENT library)

@@ -224,7 +224,7 @@ struct Explanation {
 
 struct Step {
     double time = 0.0;
-    std::vector<Candidate> candidates;  // the best first
+    std::vector<Candidate> candidates;  // the best first: by rank, or by probability
     // Empty while some candidate agrees. At a diagnosis: what led to it.
     std::vector<Alarm> alarms;
     // No candidate agreed, and new ones were searched for in this step. A run with measures accepts

@@ -6,6 +6,7 @@
 #include <cmath>
 #include <cstdio>
 #include <limits>
+#include <utility>
 
 #include "continuous/records.h"
 #include "model/Comprt.h"
@@ -83,6 +84,16 @@ tavro::Explanation explain(Transition const& transition, int step, double time) 
     return e;
 }
 
+bool isLost(Plant const& plant, Trajectory const& history) {
+    return std::any_of(plant.stateVars.begin(), plant.stateVars.end(), [&](auto const* variable) {
+        return variable->type == typeMode && valueOf(history, *variable) == valueUnknown;
+    });
+}
+
+std::pair<double, bool> orderOf(Plant const& plant, Trajectory const& history) {
+    return {history.rank, isLost(plant, history)};
+}
+
 }  // namespace
 
 std::vector<CandidateView> candidatesOf(RunState const& run) {
@@ -94,9 +105,10 @@ std::vector<CandidateView> candidatesOf(RunState const& run) {
     }
     for (auto const& entry : run.tracked_trajs)
         candidates.push_back({entry.second->traj.get(), entry.second->rt.get()});
-    std::stable_sort(candidates.begin(), candidates.end(), [](auto const& a, auto const& b) {
-        return a.history->rank < b.history->rank;
-    });
+    std::stable_sort(candidates.begin(), candidates.end(),
+                     [&plant = run.plant](auto const& a, auto const& b) {
+                         return orderOf(plant, *a.history) < orderOf(plant, *b.history);
+                     });
     return candidates;
 }
 

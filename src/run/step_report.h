@@ -16,8 +16,8 @@ struct CandidateView {
 // The time of a step of a history.
 using TimeOfStep = std::function<double(Trajectory const& history, int step)>;
 
-// Of a hybrid run by rank, and otherwise in the order of the run; of a discrete one in its order,
-// which is that of probability.
+// Of a hybrid run by rank, those in an unknown mode behind their equals, and otherwise in the order
+// of the run; of a discrete one in its order, which is that of probability.
 std::vector<CandidateView> candidatesOf(RunState const& run);
 
 tavro::Candidate describe(Plant const& plant, CandidateView const& candidate, bool detecting);
