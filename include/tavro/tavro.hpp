@@ -50,8 +50,6 @@
 
 #define TAVRO_API __attribute__((visibility("default")))
 
-class StepwiseRun;
-
 namespace tavro {
 
 // The version of the library that is linked, as "0.1.0".
@@ -242,6 +240,8 @@ struct Step {
 
 // ---- The following ----
 
+struct RunData;
+
 class TAVRO_API Run {
 public:
     // Costs a copy of the plant's runtime. Error: options.
@@ -262,7 +262,7 @@ public:
 
 private:
     Plant followed;
-    std::unique_ptr<StepwiseRun> steps;
+    std::unique_ptr<RunData> data;
 };
 
 }  // namespace tavro

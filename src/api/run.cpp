@@ -4,30 +4,33 @@
 
 namespace tavro {
 
+struct RunData {
+    StepwiseRun steps;
+};
+
 char const* version() {
     return TAVRO_VERSION_TEXT;
 }
 
 Run::Run(Plant const& plant, Options options)
-    : followed(plant),
-      steps(std::make_unique<StepwiseRun>(*plant.data->engine, plant.data->names, options)) {}
+    : followed(plant), data(new RunData{{*plant.data->engine, plant.data->names, options}}) {}
 
 Run::Run(Run&&) noexcept = default;
 Run::~Run() = default;
 
 // The run that stood here goes before its plant does.
 Run& Run::operator=(Run&& other) noexcept {
-    steps = std::move(other.steps);
+    data = std::move(other.data);
     followed = other.followed;
     return *this;
 }
 
 Step Run::start(Line const& line) {
-    return steps->start(line);
+    return data->steps.start(line);
 }
 
 Step Run::step(Line const& line) {
-    return steps->step(line);
+    return data->steps.step(line);
 }
 
 Plant const& Run::plant() const {
@@ -35,7 +38,7 @@ Plant const& Run::plant() const {
 }
 
 double Run::time() const {
-    return steps->time();
+    return data->steps.time();
 }
 
 }  // namespace tavro

@@ -5,7 +5,6 @@
 
 namespace {
 
-using tavro::Suspect;
 using tavro::SuspectSet;
 using Sets = std::vector<SuspectSet>;
 
@@ -15,7 +14,7 @@ TEST(DiagnosisText, ReadsSetsAndSuspects) {
     EXPECT_EQ(readDiagnosis(""), Sets{});
     EXPECT_EQ(readDiagnosis("[]"), Sets{SuspectSet{}});
     EXPECT_EQ(readDiagnosis("[{T1.i1,0,((thermostat.mode=on))}]"),
-              Sets{SuspectSet{Suspect{"T1.i1", 0, "((thermostat.mode=on))"}}});
+              (Sets{{{"T1.i1", 0, "((thermostat.mode=on))"}}}));
     EXPECT_EQ(readDiagnosis("[{a,12,()}{b,3,(((m=1)) | ((m=2)))}][{c,0,()}]"),
               (Sets{{{"a", 12, "()"}, {"b", 3, "(((m=1)) | ((m=2)))"}}, {{"c", 0, "()"}}}));
 }
