@@ -62,6 +62,11 @@ public:
     // Runs the undated scenario of *path* over the tracked trajectories; returns 1.
     int runSchD(std::string const& path);
     void run2();
+    // Makes ready for steps over the tracked trajectories; run2 does so itself.
+    void beginSteps();
+    // One step: the commands or the observations of *event*, which takes up the commands that still
+    // run. Returns whether histories had to be searched for.
+    bool step(scenarEvent& event);
     // Writes traj0.dot, traj1.dot and so on, a file a trajectory, in the order of the map.
     void graphTraj(TrajectoryMap const& trajectories);
 
@@ -102,8 +107,8 @@ private:
     struct ElapsedTime;
     void lockFirstStates();
     void announceStep(scenarEvent const& event) const;
-    void commandStep(scenarEvent& event, PendingTransitions& pending);
-    void observationStep(scenarEvent const& event);
+    void commandStep(scenarEvent& event);
+    bool observationStep(scenarEvent const& event);
     void diagnose(std::unique_ptr<Trajectory> refuted, Observations const& observations);
     void skipObservations();
     TrajectoryMap explainedBy(Observations const& observations, ElapsedTime const& elapsed,
@@ -128,6 +133,7 @@ private:
     static void takeBackEmptyState(Trajectory* traj);
     std::vector<Atom*> commandsAt(double time, Trajectory* traj);
 
+    PendingTransitions running;  // transitions of a discrete run whose effects are still to come
     std::string scenarioPath;
     int scenarioLine = 0;
     std::unique_ptr<std::istream> scenarioFile;

@@ -62,9 +62,27 @@ void Scheduler::announceStep(scenarEvent const& event) const {
     err << "\n";
 }
 
-void Scheduler::run2() {
+void Scheduler::beginSteps() {
     discretemdl = true;
-    PendingTransitions pending;
+    running.clear();
+    if (time == 0)
+        lockFirstStates();
+}
+
+bool Scheduler::step(scenarEvent& event) {
+    announceStep(event);
+    bool searched = false;
+    if (event.isCommand)
+        commandStep(event);
+    else if (tracked_traj.empty())
+        skipObservations();
+    else
+        searched = observationStep(event);
+    scenario.erase(time);
+    return searched;
+}
+
+void Scheduler::run2() {
     if (!openScenario(scenarioPath))
         return;
     if (tracked_traj.empty()) {
@@ -76,27 +94,18 @@ void Scheduler::run2() {
         err << "exiting run2.\n";
         throw RunStopped(RunStopped::scenarioEnded, "the scenario has no first event");
     }
-    if (time == 0)
-        lockFirstStates();
+    beginSteps();
     // A null event, or none, ends the run.
     for (auto next = scenario.find(time + 1); next != scenario.end() && next->second != nullptr;
          next = scenario.find(time + 1)) {
-        scenarEvent& event = *next->second;
-        announceStep(event);
-        if (event.isCommand)
-            commandStep(event, pending);
-        else if (tracked_traj.empty())
-            skipObservations();
-        else
-            observationStep(event);
-        scenario.erase(time);
+        step(*next->second);
         // The line stands for the step, also where a transition has scheduled a command for it.
         auto& following = scenario[time + 1];
         following = readFromScenario();
     }
 }
 
-void Scheduler::commandStep(scenarEvent& event, PendingTransitions& pending) {
+void Scheduler::commandStep(scenarEvent& event) {
     ++time;
     ElapsedTime const elapsed;
     double sum = 0.0;
@@ -105,7 +114,7 @@ void Scheduler::commandStep(scenarEvent& event, PendingTransitions& pending) {
         int const before = traj->getCurrentTime();
         // Required: one list for all histories, to which each adds the commands that still run, and
         // those that one of its transitions gives for this very step.
-        constructNextNominalStateLarge(traj, event.atoms, false, pending);
+        constructNextNominalStateLarge(traj, event.atoms, false, running);
         if (traj->getCurrentTime() == before)
             syncPreviousState(traj);
         if (State const* state = traj->getState(time)) {
@@ -157,7 +166,8 @@ void Scheduler::keepSurvivors(TrajectoryMap survivors, double sum) {
     }
 }
 
-void Scheduler::observationStep(scenarEvent const& event) {
+// Returns whether histories had to be searched for.
+bool Scheduler::observationStep(scenarEvent const& event) {
     ElapsedTime const elapsed;
     Observations const observations = allTrue(event.atoms);
     Trajectory const* first = tracked_traj.begin()->second.get();
@@ -174,6 +184,7 @@ void Scheduler::observationStep(scenarEvent const& event) {
     ++time;
     if (tracked_traj.empty())
         err << "no history explains the observations of step " << time << "\n";
+    return diagnosing;
 }
 
 // Required: the search gets the copy itself. A copy turns around the order of elements that share a

@@ -1,0 +1,90 @@
+// The plants of the library.
+#include <algorithm>
+#include <array>
+
+#include "api/plant_data.h"
+#include "continuous/records.h"
+#include "run/build_plant.h"
+
+extern CompiledModel const therm_model;
+extern CompiledModel const line_model;
+
+namespace tavro {
+
+namespace {
+
+constexpr std::array models{&therm_model, &line_model};
+
+std::unique_ptr<::Plant> build(CompiledModel const& model) {
+    Host silent;
+    try {
+        return buildPlant(model, silent);
+    } catch (PlantRefused const& refused) {
+        throw Error(ErrorKind::plant, refused.what());
+    }
+}
+
+}  // namespace
+
+Plant::Plant(std::shared_ptr<PlantData const> data) : data(std::move(data)) {}
+Plant::Plant(Plant const&) = default;
+Plant& Plant::operator=(Plant const&) = default;
+Plant::~Plant() = default;
+
+Plant Plant::builtin(std::string_view name) {
+    auto const found = std::find_if(models.begin(), models.end(), [name](auto const* model) {
+        return name == model->model_name;
+    });
+    if (found == models.end())
+        throw Error(ErrorKind::plant, "no plant is named " + std::string(name));
+    return Plant(std::make_shared<PlantData const>(build(**found)));
+}
+
+std::vector<std::string> Plant::builtins() {
+    std::vector<std::string> names;
+    for (CompiledModel const* model : models)
+        names.emplace_back(model->model_name);
+    return names;
+}
+
+std::string const& Plant::name() const {
+    return data->engine->name;
+}
+
+bool Plant::discrete() const {
+    return data->engine->tavro_rt == nullptr;
+}
+
+double Plant::period() const {
+    return discrete() ? 1.0 : data->engine->tavro_rt->Ts;
+}
+
+std::vector<std::string> const& Plant::inputs() const {
+    return data->names.inputs;
+}
+
+std::vector<std::string> const& Plant::measures() const {
+    return data->names.measures;
+}
+
+std::vector<std::string> const& Plant::variables() const {
+    return data->names.variables;
+}
+
+std::vector<std::string> const& Plant::components() const {
+    return data->names.components;
+}
+
+std::vector<std::string> const& Plant::modes() const {
+    return data->names.modes;
+}
+
+std::vector<std::string> const& Plant::commands() const {
+    return data->names.commands;
+}
+
+std::vector<std::string> const& Plant::observations() const {
+    return data->names.observations;
+}
+
+}  // namespace tavro

@@ -1,0 +1,46 @@
+// What a run inside another program reads and tells.
+#include "run/library_host.h"
+
+#include <algorithm>
+#include <cstddef>
+
+LineStream::LineStream(Sink sink) : std::ostream(nullptr), buffer(sink) {
+    if (sink)
+        rdbuf(&buffer);
+}
+
+int LineStream::Buffer::overflow(int c) {
+    if (c != traits_type::eof())
+        put(static_cast<char>(c));
+    return traits_type::not_eof(c);
+}
+
+std::streamsize LineStream::Buffer::xsputn(char const* text, std::streamsize count) {
+    std::for_each(text, text + count, [this](char c) { put(c); });
+    return count;
+}
+
+void LineStream::Buffer::put(char c) {
+    if (c != '\n') {
+        line += c;
+        return;
+    }
+    sink(line);
+    line.clear();
+}
+
+LibraryHost::LibraryHost(LineStream::Sink trace, LineStream::Sink messages, bool watchesMemory)
+    : trace(std::move(trace)), told(std::move(messages)), watchesMemory(watchesMemory) {}
+
+void LibraryHost::inputs(int count, double* values) {
+    std::copy_n(firstInputs.begin(), std::min<std::size_t>(firstInputs.size(), count), values);
+}
+
+void LibraryHost::measures(int count, double* values) {
+    std::copy_n(firstMeasures.begin(), std::min<std::size_t>(firstMeasures.size(), count), values);
+}
+
+void LibraryHost::diagnosis(std::string const& text) {
+    if (!text.empty())
+        diagnoses.push_back(text);
+}

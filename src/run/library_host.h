@@ -1,0 +1,57 @@
+// The host of a run inside another program: it gives the values of one step, keeps the texts of its
+// diagnoses, and tells what was asked for, a line at a time. It has no files.
+#pragma once
+
+#include <functional>
+#include <ostream>
+#include <streambuf>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "support/host.h"
+#include "support/memory_watch.h"
+
+// A stream whose whole lines go to a function. What is written without a function goes nowhere, and
+// costs no formatting.
+class LineStream : public std::ostream {
+public:
+    using Sink = std::function<void(std::string_view)>;
+    explicit LineStream(Sink sink);
+
+private:
+    class Buffer : public std::streambuf {
+    public:
+        explicit Buffer(Sink sink) : sink(std::move(sink)) {}
+
+    private:
+        int overflow(int c) override;
+        std::streamsize xsputn(char const* text, std::streamsize count) override;
+        void put(char c);
+
+        Sink sink;
+        std::string line;  // as far as it has come
+    };
+    Buffer buffer;
+};
+
+class LibraryHost : public Host {
+public:
+    LibraryHost(LineStream::Sink trace, LineStream::Sink messages, bool watchesMemory);
+
+    std::ostream& out() override { return trace; }
+    std::ostream& err() override { return told; }
+    void inputs(int count, double* values) override;
+    void measures(int count, double* values) override;
+    void diagnosis(std::string const& text) override;
+    bool memoryRunsShort() override { return watchesMemory && memory.runsShort(); }
+
+    std::vector<double> firstInputs, firstMeasures;  // given to the run's start
+    std::vector<std::string> diagnoses;              // of the current step, none of them empty
+
+private:
+    LineStream trace;
+    LineStream told;
+    bool const watchesMemory;
+    SystemMemoryWatch memory;
+};

@@ -1,0 +1,16 @@
+// The names by which the world outside speaks of a plant.
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "model/Plant.h"
+
+struct PlantNames {
+    explicit PlantNames(Plant const& plant);
+
+    std::vector<std::string> inputs, measures, variables;  // empty in a discrete plant
+    std::vector<std::string> components;                   // in alphabetical order
+    std::vector<std::string> modes;                        // of variables
+    std::vector<std::string> commands, observations;       // ids of atoms
+};

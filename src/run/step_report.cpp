@@ -1,0 +1,161 @@
+// From candidates to what is told of them.
+#include "run/step_report.h"
+
+#include <algorithm>
+#include <cfloat>
+#include <cmath>
+#include <limits>
+#include <utility>
+
+#include "continuous/records.h"
+#include "model/Comprt.h"
+#include "model/labels.h"
+#include "support/numbers.h"
+
+namespace {
+
+bool misbehaves(s_runtime const& rt) {
+    return std::any_of(rt.measure.begin(), rt.measure.end(), [](s_Variable const* measure) {
+        return measure->meslowmisb != 0 || measure->meshighmisb != 0;
+    });
+}
+
+// The largest double stands for infinity inside.
+double toOutside(double bound) {
+    if (bound == DBL_MAX || bound == -DBL_MAX)
+        return std::copysign(std::numeric_limits<double>::infinity(), bound);
+    return bound;
+}
+
+tavro::Bounds boundsOf(s_Variable const& variable) {
+    if (!variable.defined || !isValue(variable.old)) {
+        constexpr double infinity = std::numeric_limits<double>::infinity();
+        return {-infinity, infinity};
+    }
+    return {toOutside(sn_infOf(variable.old)), toOutside(sn_supOf(variable.old))};
+}
+
+// The value that the newest state with this variable holds; "" when none does.
+std::string valueOf(Trajectory const& history, StateVar const& variable) {
+    for (int step = history.currentTime; step >= history.firstTime; --step) {
+        bool present = false;
+        for (Atom const* atom : variable.getAtomLinks()) {
+            TrajEl const* element = history.getElt(step, atom->getId());
+            present = present || element != nullptr;
+            if (element != nullptr && element->evalTrajEl())
+                return atom->value;
+        }
+        if (present)
+            return "";
+    }
+    return "";
+}
+
+// A later turn of the search may have put another transition in the place of this one. What has
+// left the window is settled.
+bool isStillTaken(Trajectory const& history, int step, Transition const* transition) {
+    State const* state = history.getState(step);
+    if (state == nullptr)
+        return true;
+    return std::any_of(state->elts.begin(), state->elts.end(), [transition](auto const& entry) {
+        return entry.second != nullptr && entry.second->prevTrans == transition;
+    });
+}
+
+tavro::Explanation explain(Transition const& transition, int step, double time) {
+    tavro::Explanation e;
+    if (Comp const* comp = transition.modeVar != nullptr ? transition.modeVar->getComp() : nullptr)
+        e.component = comp->getName();
+    if (transition.preMode != nullptr)
+        e.from = transition.preMode->value;
+    if (transition.postMode != nullptr)
+        e.to = transition.postMode->value;
+    e.step = step;
+    e.time = time;
+    e.failure = transition.type == transFail;
+    e.unknown = transition.unknownPost;
+    e.summary = e.component + " " + e.from + " -> " + e.to + " at " + shortText(time);
+    return e;
+}
+
+bool isLost(Plant const& plant, Trajectory const& history) {
+    return std::any_of(plant.stateVars.begin(), plant.stateVars.end(), [&](auto const* variable) {
+        return variable->type == typeMode && valueOf(history, *variable) == valueUnknown;
+    });
+}
+
+std::pair<double, bool> orderOf(Plant const& plant, Trajectory const& history) {
+    return {history.rank, isLost(plant, history)};
+}
+
+}  // namespace
+
+std::vector<CandidateView> candidatesOf(RunState const& run) {
+    std::vector<CandidateView> candidates;
+    if (run.tavro_rt == nullptr) {
+        for (auto const& entry : run.scheduler.tracked_traj)
+            candidates.push_back({entry.second.get(), nullptr});
+        return candidates;
+    }
+    for (auto const& entry : run.tracked_trajs)
+        candidates.push_back({entry.second->traj.get(), entry.second->rt.get()});
+    std::stable_sort(candidates.begin(), candidates.end(),
+                     [&plant = run.plant](auto const& a, auto const& b) {
+                         return orderOf(plant, *a.history) < orderOf(plant, *b.history);
+                     });
+    return candidates;
+}
+
+tavro::Candidate describe(Plant const& plant, CandidateView const& candidate, bool detecting) {
+    tavro::Candidate described;
+    for (StateVar const* variable : plant.stateVars)
+        if (variable->type == typeMode)
+            described.modes[variable->name] = valueOf(*candidate.history, *variable);
+    described.rank = candidate.history->rank;
+    described.probability = candidate.history->proba;
+    if (candidate.runtime == nullptr)
+        return described;
+    for (auto const& variable : candidate.runtime->dico)
+        if (!variable->isParam)
+            described.bounds[variable->nom] = boundsOf(*variable);
+    described.agrees = !detecting || !misbehaves(*candidate.runtime);
+    return described;
+}
+
+std::vector<tavro::Alarm> alarmsOf(std::vector<CandidateView> const& candidates) {
+    std::vector<tavro::Alarm> alarms;
+    if (candidates.empty())
+        return alarms;
+    std::vector<s_Variable*> const& measures = candidates.front().runtime->measure;
+    for (std::size_t i = 0; i < measures.size(); ++i) {
+        auto const any = [&](int s_Variable::*misbehaves) {
+            return std::any_of(candidates.begin(), candidates.end(), [&](auto const& candidate) {
+                return candidate.runtime->measure[i]->*misbehaves != 0;
+            });
+        };
+        if (any(&s_Variable::meslowmisb))
+            alarms.push_back({measures[i]->nom, tavro::Side::low});
+        if (any(&s_Variable::meshighmisb))
+            alarms.push_back({measures[i]->nom, tavro::Side::high});
+    }
+    return alarms;
+}
+
+std::vector<tavro::Explanation> explanationsOf(std::vector<CandidateView> const& candidates,
+                                               TimeOfStep const& timeOfStep) {
+    std::vector<tavro::Explanation> explanations;
+    for (std::size_t i = 0; i < candidates.size(); ++i) {
+        Trajectory const& history = *candidates[i].history;
+        if (!history.transByTime)
+            continue;
+        for (auto const& [step, transition] : *history.transByTime) {
+            if (transition->idle || !isStillTaken(history, step, transition))
+                continue;
+            tavro::Explanation e = explain(*transition, step, timeOfStep(history, step));
+            e.candidate = i;
+            e.rank = history.rank;
+            explanations.push_back(std::move(e));
+        }
+    }
+    return explanations;
+}

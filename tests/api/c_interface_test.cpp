@@ -1,0 +1,199 @@
+// The C interface: codes, the text of the last error, null handles, and the same answers.
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <cstring>
+#include <memory>
+#include <thread>
+
+#include "api/days.h"
+#include "tavro/tavro.h"
+
+namespace {
+
+struct Free {
+    void operator()(tavro_plant* plant) const { tavro_plant_free(plant); }
+    void operator()(tavro_run* run) const { tavro_run_free(run); }
+};
+using PlantHandle = std::unique_ptr<tavro_plant, Free>;
+using RunHandle = std::unique_ptr<tavro_run, Free>;
+
+PlantHandle builtin(char const* name) {
+    tavro_plant* plant = nullptr;
+    EXPECT_EQ(tavro_plant_builtin(name, &plant), TAVRO_OK);
+    return PlantHandle(plant);
+}
+
+RunHandle runOf(PlantHandle const& plant, tavro_options const* options = nullptr) {
+    tavro_run* run = nullptr;
+    EXPECT_EQ(tavro_run_new(plant.get(), options, &run), TAVRO_OK);
+    return RunHandle(run);
+}
+
+tavro_line measured(double const& value) {
+    tavro_line line{};
+    line.measures = &value;
+    line.measure_count = 1;
+    return line;
+}
+
+}  // namespace
+
+TEST(C, FollowsTheStuckThermostat) {
+    PlantHandle const plant = builtin("therm");
+    EXPECT_EQ(tavro_plant_is_discrete(plant.get()), 0);
+    EXPECT_EQ(tavro_plant_period(plant.get()), 1.0);
+    EXPECT_EQ(tavro_plant_count(plant.get(), TAVRO_MEASURES), 1U);
+    EXPECT_STREQ(tavro_plant_name(plant.get(), TAVRO_MEASURES, 0), "room.xd");
+    EXPECT_EQ(tavro_plant_name(plant.get(), TAVRO_MEASURES, 1), nullptr);
+
+    std::vector<double> const measures = measuresOf("stuck_on");
+    RunHandle const run = runOf(plant);
+    tavro_step const* step = nullptr;
+    tavro_line line = measured(measures[0]);
+    ASSERT_EQ(tavro_run_start(run.get(), &line, &step), TAVRO_OK);
+    for (std::size_t time = 1; time <= 27; ++time) {
+        EXPECT_EQ(tavro_step_alarms(step), 0U);
+        EXPECT_EQ(tavro_step_diagnosed(step), 0);
+        line = measured(measures[time]);
+        ASSERT_EQ(tavro_run_step(run.get(), &line, &step), TAVRO_OK);
+    }
+    EXPECT_EQ(tavro_step_time(step), 27.0);
+    EXPECT_EQ(tavro_step_diagnosed(step), 1);
+    tavro_alarm alarm{};
+    ASSERT_EQ(tavro_step_alarm(step, 0, &alarm), TAVRO_OK);
+    EXPECT_STREQ(alarm.measure, "room.xd");
+    EXPECT_EQ(alarm.high, 1);
+
+    bool cooling = false;
+    for (std::size_t set = 0; set < tavro_step_suspect_sets(step); ++set) {
+        tavro_suspect suspect{};
+        ASSERT_EQ(tavro_step_suspects(step, set), 1U);
+        ASSERT_EQ(tavro_step_suspect(step, set, 0, &suspect), TAVRO_OK);
+        cooling = cooling || std::strcmp(suspect.influence, "R1.i1") == 0;
+    }
+    EXPECT_TRUE(cooling);
+    EXPECT_NE(std::strstr(tavro_step_diagnosis(step), "{R1.i1,0,"), nullptr);
+
+    bool stuck = false;
+    for (std::size_t i = 0; i < tavro_step_explanations(step); ++i) {
+        tavro_explanation e{};
+        ASSERT_EQ(tavro_step_explanation(step, i, &e), TAVRO_OK);
+        if (std::strcmp(e.summary, "thermostat on -> stuck_on at 24") != 0)
+            continue;
+        stuck = true;
+        EXPECT_STREQ(e.component, "thermostat");
+        EXPECT_STREQ(e.to, "stuck_on");
+        EXPECT_EQ(e.time, 24.0);
+        EXPECT_STREQ(tavro_step_mode(step, e.candidate, "thermostat.mode"), "stuck_on");
+        tavro_candidate candidate{};
+        ASSERT_EQ(tavro_step_candidate(step, e.candidate, &candidate), TAVRO_OK);
+        EXPECT_EQ(candidate.rank, 1.0);
+        EXPECT_EQ(candidate.agrees, 1);
+    }
+    EXPECT_TRUE(stuck);
+
+    double lower = 0.0, upper = 0.0;
+    EXPECT_EQ(tavro_step_bounds(step, 0, "room.x", &lower, &upper), TAVRO_OK);
+    EXPECT_LT(lower, upper);
+    EXPECT_EQ(tavro_step_bounds(step, 0, "room.y", &lower, &upper), TAVRO_DATA);
+    EXPECT_EQ(tavro_step_mode(step, 0, "room.x"), nullptr);
+}
+
+TEST(C, FollowsTheFeedLine) {
+    PlantHandle const plant = builtin("line");
+    EXPECT_EQ(tavro_plant_is_discrete(plant.get()), 1);
+    RunHandle const run = runOf(plant);
+    tavro_step const* step = nullptr;
+    ASSERT_EQ(tavro_run_start(run.get(), nullptr, &step), TAVRO_OK);
+    char const* const start[] = {"pump.cmd=start", "valve1.cmd=none", "valve2.cmd=none"};
+    tavro_line line{};
+    line.commands = start;
+    line.command_count = 3;
+    ASSERT_EQ(tavro_run_step(run.get(), &line, &step), TAVRO_OK);
+    EXPECT_STREQ(tavro_step_mode(step, 0, "pump.mode"), "on");
+}
+
+TEST(C, TellsWhatFailed) {
+    tavro_plant* none = nullptr;
+    EXPECT_EQ(tavro_plant_builtin("house", &none), TAVRO_PLANT);
+    EXPECT_EQ(none, nullptr);
+    EXPECT_STREQ(tavro_last_error(), "no plant is named house");
+
+    PlantHandle const plant = builtin("therm");
+    // A success leaves the text of the last failure.
+    EXPECT_STREQ(tavro_last_error(), "no plant is named house");
+    tavro_options options;
+    tavro_options_init(&options);
+    options.isolation = 9;
+    tavro_run* noRun = nullptr;
+    EXPECT_EQ(tavro_run_new(plant.get(), &options, &noRun), TAVRO_OPTIONS);
+    EXPECT_EQ(noRun, nullptr);
+    EXPECT_STREQ(tavro_last_error(), "the level of isolation is 0, 1, 2 or 3");
+    options = {};  // never initialised
+    EXPECT_EQ(tavro_run_new(plant.get(), &options, &noRun), TAVRO_OPTIONS);
+
+    RunHandle const run = runOf(plant);
+    tavro_line line = measured(NAN);
+    EXPECT_EQ(tavro_run_step(run.get(), &line, nullptr), TAVRO_STATE);
+    EXPECT_EQ(tavro_run_start(run.get(), &line, nullptr), TAVRO_DATA);
+    EXPECT_STREQ(tavro_last_error(), "the value of room.xd is no finite number");
+    line.measures = nullptr;  // with a count of 1
+    EXPECT_EQ(tavro_run_start(run.get(), &line, nullptr), TAVRO_DATA);
+
+    // Each thread has its own.
+    std::thread([] { EXPECT_STREQ(tavro_last_error(), ""); }).join();
+}
+
+TEST(C, TakesNullHandles) {
+    tavro_plant_free(nullptr);
+    tavro_run_free(nullptr);
+    tavro_options_init(nullptr);
+    tavro_run* run = nullptr;
+    tavro_step const* step = nullptr;
+    EXPECT_EQ(tavro_plant_builtin("therm", nullptr), TAVRO_ARGUMENT);
+    EXPECT_EQ(tavro_plant_builtin(nullptr, nullptr), TAVRO_ARGUMENT);
+    EXPECT_EQ(tavro_run_new(nullptr, nullptr, &run), TAVRO_ARGUMENT);
+    EXPECT_STREQ(tavro_last_error(), "no plant");
+    EXPECT_EQ(tavro_run_start(nullptr, nullptr, &step), TAVRO_ARGUMENT);
+    EXPECT_EQ(tavro_run_step(nullptr, nullptr, &step), TAVRO_ARGUMENT);
+    EXPECT_EQ(tavro_plant_count(nullptr, TAVRO_MODES), 0U);
+    EXPECT_EQ(tavro_plant_name(nullptr, TAVRO_MODES, 0), nullptr);
+    EXPECT_EQ(tavro_plant_is_discrete(nullptr), 0);
+    EXPECT_TRUE(std::isnan(tavro_plant_period(nullptr)));
+    EXPECT_TRUE(std::isnan(tavro_step_time(nullptr)));
+    EXPECT_EQ(tavro_step_diagnosis(nullptr), nullptr);
+    EXPECT_EQ(tavro_step_mode(nullptr, 0, "m"), nullptr);
+    EXPECT_EQ(tavro_step_diagnosed(nullptr), 0);
+    EXPECT_EQ(tavro_step_candidates(nullptr) + tavro_step_alarms(nullptr) +
+                  tavro_step_suspect_sets(nullptr) + tavro_step_suspects(nullptr, 0) +
+                  tavro_step_explanations(nullptr),
+              0U);
+    tavro_candidate candidate{};
+    tavro_alarm alarm{};
+    tavro_suspect suspect{};
+    tavro_explanation explanation{};
+    double bound = 0.0;
+    EXPECT_EQ(tavro_step_candidate(nullptr, 0, &candidate), TAVRO_ARGUMENT);
+    EXPECT_EQ(tavro_step_alarm(nullptr, 0, &alarm), TAVRO_ARGUMENT);
+    EXPECT_EQ(tavro_step_suspect(nullptr, 0, 0, &suspect), TAVRO_ARGUMENT);
+    EXPECT_EQ(tavro_step_explanation(nullptr, 0, &explanation), TAVRO_ARGUMENT);
+    EXPECT_EQ(tavro_step_bounds(nullptr, 0, "v", &bound, &bound), TAVRO_ARGUMENT);
+}
+
+TEST(C, HandsLinesToTheCallback) {
+    PlantHandle const plant = builtin("therm");
+    tavro_options options;
+    tavro_options_init(&options);
+    std::string told;
+    options.messages = [](void* context, char const* line) {
+        static_cast<std::string*>(context)->append(line).append("\n");
+    };
+    options.context = &told;
+    RunHandle const run = runOf(plant, &options);
+    double const first = 0.93835;
+    tavro_line const line = measured(first);
+    ASSERT_EQ(tavro_run_start(run.get(), &line, nullptr), TAVRO_OK);
+    EXPECT_EQ(told.rfind("-- time = 0 --------------------------\n", 0), 0U);
+    EXPECT_STREQ(tavro_version(), tavro::version());
+}
