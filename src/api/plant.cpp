@@ -1,6 +1,6 @@
 // The plants of the library.
 #include <algorithm>
-#include <array>
+#include <iterator>
 
 #include "api/plant_data.h"
 #include "continuous/records.h"
@@ -13,7 +13,7 @@ namespace tavro {
 
 namespace {
 
-constexpr std::array models{&therm_model, &line_model};
+constexpr CompiledModel const* models[] = {&therm_model, &line_model};
 
 std::unique_ptr<::Plant> build(CompiledModel const& model) {
     Host silent;
@@ -32,10 +32,10 @@ Plant& Plant::operator=(Plant const&) = default;
 Plant::~Plant() = default;
 
 Plant Plant::builtin(std::string_view name) {
-    auto const found = std::find_if(models.begin(), models.end(), [name](auto const* model) {
-        return name == model->model_name;
-    });
-    if (found == models.end())
+    auto const found =
+        std::find_if(std::begin(models), std::end(models),
+                     [name](auto const* model) { return name == model->model_name; });
+    if (found == std::end(models))
         throw Error(ErrorKind::plant, "no plant is named " + std::string(name));
     return Plant(std::make_shared<PlantData const>(build(**found)));
 }

@@ -68,8 +68,8 @@ void checkDefault(StateVar const& variable, Findings& findings) {
 }
 
 void checkKind(StateVar const& variable, Findings& findings) {
-    static std::set<std::string> const kinds = {typeMode, typeCond, typeCommand, typeObservable,
-                                                typeDependent};
+    std::set<std::string> const kinds = {typeMode, typeCond, typeCommand, typeObservable,
+                                         typeDependent};
     if (kinds.count(variable.type) == 0)
         findings.warn(nameOf(variable) + " has the kind \"" + variable.type +
                       "\", which is treated as none: make it a mode, a condition, a command or an "

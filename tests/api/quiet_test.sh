@@ -21,7 +21,7 @@ for archive; do
   kept=$(objdump -t -C "$archive" 2>/dev/null |
     awk '$4 ~ /^\.(data|bss|tbss|tdata)(\.|$)/ && $4 !~ /^\.data\.rel\.ro/ && $5 != "0000000000000000" {
            $1 = $2 = ""; print }' |
-    grep -v '__asan\|__odr_asan\|\.LC\|__tsan' || true)
+    grep -v 'DW\.ref\.\|__asan\|__odr_asan\|\.LC\|__tsan' || true)
   if [ -n "$kept" ]; then
     printf '%s holds what may change:\n%s\n' "$archive" "$kept"
     status=1

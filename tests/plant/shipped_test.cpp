@@ -49,7 +49,7 @@ TEST(TestPlants, TheRigIsRefused) {
     };
     EXPECT_TRUE(tells("Variable rig.drift is integrated and has no initial value: give it one."));
     EXPECT_TRUE(
-        tells("Variable rig.late follows from the cycle before and is updated after the "
+        tells("warning: Variable rig.late follows from the cycle before and is updated after the "
               "measures of this one came in: name it in temporal."));
     EXPECT_EQ(findings.size(), 6u);
     EXPECT_FALSE(rig_model.checked);
