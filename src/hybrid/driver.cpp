@@ -99,6 +99,7 @@ int tavro_doCycle(RunState& run, RunOptions const& options, double countdown, do
     splitTrajs(run, options);
     tavroDiscreteCycle(run, options, time, nominal);
     run.hybNT = run.tracked_trajs.empty() ? nullptr : run.tracked_trajs.begin()->second.get();
+    run.checkRunState();
     return 1;
 }
 

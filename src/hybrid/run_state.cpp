@@ -37,7 +37,8 @@ void RunState::checkRunState() const {
     assert(engine.nrt.empty());
     for (auto const& [key, candidate] : tracked_trajs) {
         assert(candidate != nullptr && candidate->traj != nullptr);
-        assert((candidate->rt != nullptr) == (tavro_rt != nullptr));
+        assert(candidate->rt != nullptr || tavro_rt == nullptr);
+        assert(candidate->rt == nullptr || candidate->rt->engine == &engine);
     }
 #endif
 }
