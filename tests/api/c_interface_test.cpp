@@ -134,7 +134,8 @@ TEST(C, TellsWhatFailed) {
     EXPECT_EQ(tavro_run_new(plant.get(), &options, &noRun), TAVRO_OPTIONS);
 
     RunHandle const run = runOf(plant);
-    tavro_line line = measured(NAN);
+    double const notANumber = NAN;
+    tavro_line line = measured(notANumber);
     EXPECT_EQ(tavro_run_step(run.get(), &line, nullptr), TAVRO_STATE);
     EXPECT_EQ(tavro_run_start(run.get(), &line, nullptr), TAVRO_DATA);
     EXPECT_STREQ(tavro_last_error(), "the value of room.xd is no finite number");
