@@ -19,8 +19,7 @@ protected:
     static constexpr int threshold = 3;
 
     // Runs an action in a child process, with both streams on the error stream, and ends with the
-    // status of a run that stops. Like the program,
-    // it lets the candidates go before the model on its way out.
+    // status of a run that stops.
     template <typename Action>
     static void inChild(Action action) {
         dup2(STDERR_FILENO, STDOUT_FILENO);
