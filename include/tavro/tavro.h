@@ -88,6 +88,9 @@ typedef struct tavro_options {
     double precision;
     int accumulation;
     int merge;
+    char const* rules; /* null for the default */
+    int candidates;
+    double noise; /* of every measure */
     int multi;
     double reset;
     int watch_memory;

@@ -142,6 +142,14 @@ struct Options {
     int accumulation = 0;
     // Candidates that have become equal are merged.
     bool merge = true;
+    // How the run reasons: "classic", "sharp", or names of rules with commas between. docs/rules.md
+    // tells what each rule does.
+    std::string rules = "classic";
+    // At most so many candidates are followed, the likeliest; 0: as many as the rules say.
+    int candidates = 0;
+    // How far a measure may be from the truth, by the name of its variable; "" stands for all
+    // measures that are not named. Read by the rule "narrow".
+    std::map<std::string, double> noise = {};
     // Of a simulation: follow every way that the plant can go, not one alone.
     bool multi = true;
     // Of a simulation: the prediction is set to the measures once, at this time; 0 for never.

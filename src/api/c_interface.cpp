@@ -112,6 +112,11 @@ tavro::Options optionsOf(tavro_options const* given) {
     options.precision = given->precision;
     options.accumulation = given->accumulation;
     options.merge = given->merge != 0;
+    if (given->rules != nullptr)
+        options.rules = given->rules;
+    options.candidates = given->candidates;
+    if (given->noise != 0.0)
+        options.noise[""] = given->noise;
     options.multi = given->multi != 0;
     options.reset = given->reset;
     options.watchMemory = given->watch_memory != 0;
@@ -234,6 +239,7 @@ void tavro_options_init_sized(tavro_options* options, size_t size) {
     options->precision = defaults.precision;
     options->accumulation = defaults.accumulation;
     options->merge = defaults.merge;
+    options->candidates = defaults.candidates;
     options->multi = defaults.multi;
 }
 

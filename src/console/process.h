@@ -3,7 +3,8 @@
 
 // The one way out of the process for every state in which the system must stop: buffered files are
 // written and closed on the way. Statuses: 0 regular end, missing arguments, or a value that no
-// condition covers; 1 unusable files or windows; 255 (-1) no diagnosis.
+// condition covers; 1 unusable files or windows; 2 an option that cannot be taken; 255 (-1) no
+// diagnosis.
 [[noreturn]] void leaveProcess(int status);
 
 // Opens the null device in place of a standard stream that the caller of the program had closed, so

@@ -5,6 +5,7 @@
 
 #include "console/console.h"
 #include "console/console_host.h"
+#include "console/options.h"
 #include "console/process.h"
 #include "continuous/records.h"
 #include "run/build_plant.h"
@@ -17,6 +18,15 @@ constexpr char const* version = "0.1.0";
 class Arguments {
 public:
     Arguments(int count, char** values) : count(count), values(values) {}
+
+    // Takes the options, which stand before the file names. An argument that is none is a file
+    // name, whatever it begins with.
+    RunSettings takeOptions() {
+        RunSettings settings;
+        while (following() != nullptr && takeOption(following(), settings))
+            ++position;
+        return settings;
+    }
 
     // The argument that follows, or null; it is not taken.
     char const* following() const { return position < count ? values[position] : nullptr; }
@@ -106,15 +116,17 @@ std::string baseName(char const* path) {
 void printUsage(s_runtime const* rt) {
     std::cout << "usage: " << auxFile;
     if (rt == nullptr) {
-        std::cout << " SCENARIO-FILE [MODE-FILE]\n"
-                  << "The scenario file is looked for under inp/.\n";
+        std::cout << " [OPTION]... SCENARIO-FILE [MODE-FILE]\n"
+                  << "The scenario file is looked for under inp/.\n"
+                  << optionsHelp();
     } else {
         std::cout
-            << (rt->input.empty() ? "" : " INPUT-FILE")
+            << " [OPTION]..." << (rt->input.empty() ? "" : " INPUT-FILE")
             << (rt->measure.empty() ? "" : " MEASURE-FILE")
             << (rt->display.empty() ? "" : " DISPLAY-FILE") << " [SCENARIO-FILE [MODE-FILE]]\n"
             << "Input and scenario files are looked for under inp/, measure files under obs/;\n"
-            << "display files are written under disp/.\n";
+            << "display files are written under disp/.\n"
+            << optionsHelp();
     }
     std::cout << "Commands are read from standard input; `help` lists them.\n";
 }
@@ -144,11 +156,12 @@ void releaseAll() {
     consolePlant.reset();
 }
 
-void buildModel(CompiledModel const& model) {
+void buildModel(CompiledModel const& model, RunSettings settings) {
     Host& host = consoleHost();
     std::atexit(releaseAll);
     consolePlant = buildPlant(model, host);
-    consoleRun = std::make_unique<RunState>(*consolePlant, host);
+    checkNoise(settings, consolePlant->tavro_rt.get());
+    consoleRun = std::make_unique<RunState>(*consolePlant, host, std::move(settings));
     // Without a file of prime implicates nothing is said.
     if (host.open(consolePlant->name + ".pi") != nullptr)
         consoleRun->sMM->readPI();
@@ -163,10 +176,10 @@ void startConsole(CompiledModel const& model, int argc, char** argv) {
     auxFile = baseName(argc > 0 ? argv[0] : nullptr);
     consoleHost();
     answerQuestions(model, argc, argv);
-    buildModel(model);
+    Arguments arguments(argc, argv);
+    buildModel(model, arguments.takeOptions());
     ligneInit();
     setPrefixes();
-    Arguments arguments(argc, argv);
     if (discrete)
         takeDiscreteFiles(arguments);
     else

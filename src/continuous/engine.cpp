@@ -1,7 +1,8 @@
 // The engine of a run at its start.
 #include "continuous/engine.h"
 
-s_engine::s_engine(Host& host) : host(host), out(host.out()), err(host.err()) {}
+s_engine::s_engine(Host& host, Rules const& rules)
+    : host(host), rules(rules), out(host.out()), err(host.err()) {}
 
 s_Printer peoplePrinter(s_engine& engine) {
     return {engine.err, engine.out, true, &engine.err};

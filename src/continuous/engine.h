@@ -16,16 +16,18 @@
 #include "support/host.h"
 #include "support/nelder.h"
 #include "support/optim.h"
+#include "support/rules.h"
 
 struct s_runtime;
 
 struct s_engine {
-    // The host must outlive the engine, and keep its streams.
-    explicit s_engine(Host& host);
+    // The host and the rules must outlive the engine, and the host keep its streams.
+    explicit s_engine(Host& host, Rules const& rules = classicRules);
     s_engine(s_engine const&) = delete;
     s_engine& operator=(s_engine const&) = delete;
 
     Host& host;
+    Rules const& rules;
     std::ostream& out;  // of the host: what the engine tells of its work
     std::ostream& err;  // of the host: messages for the user
 

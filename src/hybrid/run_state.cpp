@@ -2,6 +2,7 @@
 #include "hybrid/run_state.h"
 
 #include <cassert>
+#include <utility>
 
 #include "continuous/sorn-runt.h"
 
@@ -18,13 +19,14 @@ std::unique_ptr<s_runtime> copyTemplate(Plant const& plant, s_engine& engine) {
 
 }  // namespace
 
-RunState::RunState(Plant const& plant, Host& host)
+RunState::RunState(Plant const& plant, Host& host, RunSettings settings)
     : plant(plant),
       host(host),
+      settings(std::move(settings)),
       out(host.out()),
       err(host.err()),
-      engine(host),
-      scheduler(plant, host),
+      engine(host, rules),
+      scheduler(plant, host, rules),
       ownTemplate(copyTemplate(plant, engine)),
       tavro_rt(ownTemplate.get()) {}
 

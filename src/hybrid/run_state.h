@@ -14,10 +14,11 @@
 #include "continuous/engine.h"
 #include "hybrid/hybTrajectory.h"
 #include "hybrid/hybrid_candidates.h"
+#include "hybrid/run_settings.h"
 #include "reasoning/Scheduler.h"
 
 struct RunState {
-    RunState(Plant const& plant, Host& host);
+    RunState(Plant const& plant, Host& host, RunSettings settings = {});
     ~RunState();
     RunState(RunState const&) = delete;
     RunState& operator=(RunState const&) = delete;
@@ -26,6 +27,8 @@ struct RunState {
 
     Plant const& plant;
     Host& host;
+    RunSettings const settings;
+    Rules const& rules = settings.rules;
     std::ostream& out;
     std::ostream& err;
     s_engine engine;

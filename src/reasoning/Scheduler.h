@@ -29,7 +29,7 @@ using PendingTransitions = hash_map<int, transitionCM>;
 class Scheduler : public Diagnoser {
 public:
     // Throws RunStopped when the initialisation fails.
-    Scheduler(Plant const& plant, Host& host);
+    Scheduler(Plant const& plant, Host& host, Rules const& rules = classicRules);
     ~Scheduler();
 
     int initSchD();

@@ -23,6 +23,19 @@ void require(bool holds, ErrorKind kind, char const* text) {
         throw Error(kind, text);
 }
 
+void checkNoise(Plant const& plant, tavro::Options const& o) {
+    for (auto const& [name, bound] : o.noise) {
+        if (!std::isfinite(bound) || bound < 0.0)
+            throw Error(ErrorKind::options, "the noise of a measure is not negative");
+        auto const isIt = [&key = name](s_Variable const* v) { return v->nom == key; };
+        bool const known = name.empty() || (plant.tavro_rt != nullptr &&
+                                            std::any_of(plant.tavro_rt->measure.begin(),
+                                                        plant.tavro_rt->measure.end(), isIt));
+        if (!known)
+            throw Error(ErrorKind::options, name + " is not measured in this plant");
+    }
+}
+
 void checkOptions(Plant const& plant, tavro::Options const& o) {
     auto const option = [](bool holds, char const* text) {
         require(holds, ErrorKind::options, text);
@@ -35,12 +48,29 @@ void checkOptions(Plant const& plant, tavro::Options const& o) {
            "the precision is a number that is not negative");
     option(o.accumulation >= 0 && o.accumulation <= longestAccumulation,
            "the accumulation time lies from 0 to 1000000");
+    std::string wrong;
+    Rules rules;
+    if (!Rules::read(o.rules, rules, wrong))
+        throw Error(ErrorKind::options, "there is no rule \"" + wrong +
+                                            "\"; there are classic, sharp, " + Rules::names());
+    option(o.candidates >= 0, "the number of candidates is not negative");
+    checkNoise(plant, o);
     option(std::isfinite(o.reset) && o.reset >= 0.0,
            "the time of the reset is a number that is not negative");
     if (plant.tavro_rt == nullptr)
         option(o.mode == tavro::Mode::detect, "a discrete plant has nothing to simulate");
     else if (o.mode == tavro::Mode::detect)
         option(!plant.tavro_rt->measure.empty(), "without a measure there is no detection");
+}
+
+// The options have been checked.
+RunSettings settingsOf(tavro::Options const& o) {
+    RunSettings settings;
+    std::string wrong;
+    Rules::read(o.rules, settings.rules, wrong);
+    settings.candidates = o.candidates;
+    settings.noise = o.noise;
+    return settings;
 }
 
 RunOptions engineOptions(tavro::Options const& o) {
@@ -79,7 +109,7 @@ StepwiseRun::StepwiseRun(Plant const& plant, PlantNames const& names, tavro::Opt
     : names(names),
       options((checkOptions(plant, options), options)),
       host(options.trace, options.messages, options.watchMemory),
-      run(plant, host),
+      run(plant, host, settingsOf(options)),
       asked(engineOptions(options)),
       memoryShort(ErrorKind::memory, "memory ran short, the run stopped") {}
 

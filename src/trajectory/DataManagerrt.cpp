@@ -9,12 +9,13 @@
 #include "model/StateVar.h"
 #include "trajectory/Trajectoryrt.h"
 
-DataManager::DataManager(Plant const& plant, Host& host)
+DataManager::DataManager(Plant const& plant, Host& host, Rules const& rules)
     : plant(plant),
       host(host),
+      rules(rules),
       out(host.out()),
       err(host.err()),
-      book(out, err),
+      book(out, err, rules),
       active_comps(plant.active_comps),
       active_atoms(plant.active_atoms),
       active_trans(plant.active_trans),

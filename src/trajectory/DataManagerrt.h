@@ -21,6 +21,7 @@
 #include "model/signedAtoms.h"
 #include "support/hash_map.h"
 #include "support/host.h"
+#include "support/rules.h"
 #include "trajectory/TrajectoryBook.h"
 
 class State;
@@ -37,8 +38,8 @@ using TrajectoryMap = std::multimap<double, std::unique_ptr<Trajectory>, std::gr
 
 class DataManager {
 public:
-    // The plant is only read.
-    DataManager(Plant const& plant, Host& host);
+    // The plant is only read; it and the rules outlive the view.
+    DataManager(Plant const& plant, Host& host, Rules const& rules = classicRules);
     // Frees what the run holds, and tells so.
     ~DataManager();
     DataManager(DataManager const&) = delete;
@@ -120,6 +121,7 @@ public:
 
     Plant const& plant;
     Host& host;
+    Rules const& rules;
     std::ostream& out;
     std::ostream& err;
     TrajectoryBook book;

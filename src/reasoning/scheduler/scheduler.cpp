@@ -4,7 +4,8 @@
 #include "support/run_stopped.h"
 #include "trajectory/model_tools.h"
 
-Scheduler::Scheduler(Plant const& plant, Host& host) : Diagnoser(plant, host) {
+Scheduler::Scheduler(Plant const& plant, Host& host, Rules const& rules)
+    : Diagnoser(plant, host, rules) {
     if (initSchD() != 1)
         throw RunStopped(RunStopped::initialisation, "the scheduler could not be made ready");
 }
