@@ -129,6 +129,23 @@ public:
         checkHistory();
     }
 
+    // Changes each entry with *widen*, which takes the entry and the other history's and tells
+    // whether it changed; entries that both hold in a shared block are the same and are passed
+    // over. Both have the same length.
+    template <typename Widen>
+    void cover(History const& other, Widen widen) {
+        assert(length == other.length);
+        for (int i = 0; i < length; ++i) {
+            if (int const shared = sharedWith(other, i); shared > 0) {
+                i += shared - 1;
+                continue;
+            }
+            T value = (*this)[i];
+            if (widen(value, other[i]))
+                set(i, value);
+        }
+    }
+
 private:
     static constexpr int blockSize = 32;
     struct Block {
@@ -146,6 +163,17 @@ private:
         int const behind = i - head;
         return {blocks.size() - 2 - static_cast<std::size_t>(behind / blockSize),
                 blockSize - 1 - behind % blockSize};
+    }
+
+    // How many entries from *i* on are the very same storage in both.
+    int sharedWith(History const& other, int i) const {
+        if (i >= pushed || i >= other.pushed)
+            return 0;
+        auto const [block, position] = locate(i);
+        auto const [otherBlock, otherPosition] = other.locate(i);
+        if (position != otherPosition || !blocks[block].isSameAs(other.blocks[otherBlock]))
+            return 0;
+        return std::min(position + 1, std::min(pushed, other.pushed) - i);
     }
 
     T const& inRuns(int i) const {

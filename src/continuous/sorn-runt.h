@@ -46,6 +46,10 @@ std::unique_ptr<s_runtime> sn_copyRuntime(s_runtime const* source, s_engine* eng
 // (in steps, *window*) or outside the continuous one.
 std::unique_ptr<s_runtime> sn_copyPartialFaultyRt(s_runtime const* source, int faultCycle,
                                                   double contTime, double curTime, int window);
+// A copy as it stood at the end of the cycle *cycles* before this one, to the cycle: values,
+// measures and alarms in the making. Conditions and the validity space stay as they are, for the
+// caller to set.
+std::unique_ptr<s_runtime> sn_copyMovedBack(s_runtime const* source, int cycles);
 // Moves the histories of *variable* back from time *to* to time *from*.
 void moveHistory(s_runtime* rt, s_Variable* variable, double from, double to);
 

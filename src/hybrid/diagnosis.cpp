@@ -1,14 +1,16 @@
 // Hybrid diagnosis: from the alarm to candidates that explain it.
 //
-// When every candidate misbehaves for the first time in a run, each is isolated on its continuous
-// side; the conditions of the suspects give sets of atoms; each set is taken to be false, and the
-// covering search looks for discrete histories of least failure in which that holds; each of them
-// is replayed from its fault time up to now. Later detections of the same run do not diagnose
-// again.
+// When every candidate misbehaves, each is isolated on its continuous side; the conditions of the
+// suspects give sets of atoms; each set is taken to be false, and the covering search looks for
+// discrete histories of least failure in which that holds; each of them is replayed from its fault
+// time up to now. By the classic rules only the first loss of a run is diagnosed.
+#include <algorithm>
 #include <ctime>
 
 #include "continuous/isolation.h"
 #include "continuous/sorn-runt.h"
+#include "hybrid/answer.h"
+#include "hybrid/dates.h"
 #include "hybrid/tavro-runt.h"
 #include "reasoning/Scheduler.h"
 #include "support/run_stopped.h"
@@ -52,9 +54,76 @@ void insertDiagnosis(RunState& run, std::unique_ptr<hybTrajectory> candidate, Hy
     }
 }
 
+namespace {
+
+// What was found for one misbehaving candidate.
+struct Explained {
+    std::unique_ptr<hybTrajectory> candidate;
+    HybMap explanations;
+};
+
+// The explanations of each, which are searched for on a copy.
+std::vector<Explained> explainEach(RunState& run, HybMap misbehaving, int isolation) {
+    std::vector<Explained> all;
+    for (auto& entry : misbehaving) {
+        isolate(run, entry.second->rt.get(), isolation);
+        int const steps = entry.second->traj->getCurrentTime() + 1;
+        auto copy = std::make_unique<hybTrajectory>(entry.second.get(), steps);
+        all.push_back({std::move(entry.second), {}});
+        insertDiagnosis(run, std::move(copy), all.back().explanations);
+    }
+    return all;
+}
+
+// Follows the explanations from every date that agrees with the measures, or, when none does, from
+// where the search placed them.
+HybMap followDated(RunState& run, std::vector<Explained> all, int threshold, double time) {
+    HybMap dated;
+    for (Explained const& one : all)
+        dateExplanations(run, *one.candidate, one.explanations, threshold, time, dated);
+    if (!dated.empty())
+        return dated;
+    for (Explained& one : all)
+        for (auto& entry : one.explanations)
+            replayExplanation(run, std::move(entry.second), time, threshold, dated);
+    return dated;
+}
+
+bool areAllUnknown(HybMap const& candidates) {
+    return std::all_of(candidates.begin(), candidates.end(),
+                       [](auto const& entry) { return entry.second->traj->isUnknown(); });
+}
+
+void tellNothingFound(RunState& run) {
+    run.err << "[Error]: Can't find any diagnose for this fault.\n";
+    if (!run.rules.again)
+        throw RunStopped(RunStopped::noDiagnosis, "nothing explains the misbehaviour");
+}
+
+bool handleDated(RunState& run, int isolation, int threshold, double time) {
+    std::vector<Explained> all = explainEach(run, std::move(run.misbtrajs), isolation);
+    run.misbtrajs.clear();
+    run.err << "Diagnosis completed\n";
+    if (std::all_of(all.begin(), all.end(),
+                    [](Explained const& one) { return one.explanations.empty(); })) {
+        tellNothingFound(run);
+        return false;
+    }
+    HybMap followed = followDated(run, std::move(all), threshold, time);
+    if (followed.size() > 1)
+        sn_reduxTrajs(followed, time);
+    run.tracked_trajs = std::move(followed);
+    tellAnswers(run, run.tracked_trajs);
+    return areAllUnknown(run.tracked_trajs);
+}
+
+}  // namespace
+
 bool handleMisbTrajs(RunState& run, int isolation, int threshold, double time) {
     run.ntrajs.clear();
     run.tracked_trajs.clear();
+    if (run.rules.dates)
+        return handleDated(run, isolation, threshold, time);
     for (auto& entry : run.misbtrajs) {
         isolate(run, entry.second->rt.get(), isolation);
         insertDiagnosis(run, std::move(entry.second), run.tracked_trajs);
@@ -62,9 +131,10 @@ bool handleMisbTrajs(RunState& run, int isolation, int threshold, double time) {
     run.misbtrajs.clear();
     run.err << "Diagnosis completed\n";
     if (run.tracked_trajs.empty()) {
-        run.err << "[Error]: Can't find any diagnose for this fault.\n";
-        throw RunStopped(RunStopped::noDiagnosis, "nothing explains the misbehaviour");
+        tellNothingFound(run);
+        return false;
     }
+    tellAnswers(run, run.tracked_trajs);
     return verifyAndUpdateTrajs(run, time, threshold);
 }
 
@@ -77,10 +147,28 @@ HybMap copyHybTrajectories(HybMap const& trajectories) {
     return copies;
 }
 
+// Rule `again`. The classic run diagnoses once: whatever is lost after an explanation has been
+// accepted is called misbehaviour for ever, so that of two faults the second is never named. Here
+// every new loss of all candidates is diagnosed, a loss being new when some candidate has agreed
+// since the last one. It is sound as the first diagnosis is: the candidates that are explained are
+// those that were followed. When nothing explains a loss, the run does not end, as the classic one
+// does: its candidates are followed on, as misbehaving ones, until they agree again.
+bool mayDiagnose(RunState const& run) {
+    return run.rules.again ? !run.lost : !run.diag_flag;
+}
+
 void diagnoseMisbTrajs(RunState& run, RunOptions const& options, double time) {
     run.last_detection_time = time;
+    run.lost = true;
     HybMap copies = copyHybTrajectories(run.misbtrajs);
-    if (handleMisbTrajs(run, options.isolation, options.threshold, time)) {
+    bool const blind = handleMisbTrajs(run, options.isolation, options.threshold, time);
+    if (run.tracked_trajs.empty()) {
+        run.tracked_trajs = std::move(copies);
+        return;
+    }
+    // Explanations that were dated agree with the measures.
+    run.lost = !run.rules.dates;
+    if (blind) {
         switchToBST(run, run.tracked_trajs, std::move(copies), time, run.last_detection_time,
                     options.threshold);
         return;

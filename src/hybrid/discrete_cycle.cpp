@@ -4,6 +4,7 @@
 #include "continuous/sorn-runt.h"
 #include "hybrid/tavro-runt.h"
 #include "reasoning/Scheduler.h"
+#include "support/numbers.h"
 
 namespace {
 
@@ -75,6 +76,7 @@ void visit(DiscreteWalk& walk) {
 }
 
 void keepNominal(RunState& run, RunOptions const& options, double time) {
+    run.lost = false;
     run.misbtrajs.clear();
     run.tracked_trajs = std::move(run.ntrajs);
     if (options.mode == RUN_DETECT && run.tracked_trajs.size() > 1)
@@ -87,23 +89,49 @@ void keepMisbehaving(RunState& run) {
     run.tracked_trajs = std::move(run.misbtrajs);
 }
 
-}  // namespace
-
-void tavroDiscreteCycle(RunState& run, RunOptions const& options, double time, bool& nominal) {
+// The discrete step of every tracked candidate and its check; each goes into ntrajs or misbtrajs,
+// but in a simulation, where it stays. Returns whether one agrees.
+bool walkCandidates(RunState& run, RunOptions const& options, double time) {
     run.ntrajs.clear();
-    nominal = false;
+    bool nominal = false;
     DiscreteWalk walk{run, options, time, run.engine.rt_num, nominal, run.tracked_trajs.begin()};
     while (walk.at != run.tracked_trajs.end())
         visit(walk);
+    return nominal;
+}
+
+void watchBounds(RunState& run, double time) {
+    std::string const measure = run.bounds.look(run.tracked_trajs);
+    if (!measure.empty())
+        run.err << "answer: the bounds of " << measure << " have grown past use at "
+                << shortText(time) << ": little will be noticed from here on\n";
+}
+
+}  // namespace
+
+void stepAndCheck(RunState& run, RunOptions const& options, double time) {
+    run.misbtrajs.clear();
+    stepContinuousSide(run, options, 0.0);
+    splitTrajs(run, options);
+    walkCandidates(run, options, time);
+    run.tracked_trajs.clear();
+    run.misbtrajs.clear();
+}
+
+void tavroDiscreteCycle(RunState& run, RunOptions const& options, double time, bool& nominal) {
+    bool const any = !run.tracked_trajs.empty();
+    nominal = walkCandidates(run, options, time);
     if (options.mode <= RUN_RESET)
         return;
     run.tracked_trajs.clear();
     if (nominal)
         keepNominal(run, options, time);
-    else if (options.isolation > CYCLE_DETECT && !run.diag_flag)
+    else if (options.isolation > CYCLE_DETECT && mayDiagnose(run) && any)
         diagnoseMisbTrajs(run, options, time);
     else
         keepMisbehaving(run);
     run.ntrajs.clear();
     run.misbtrajs.clear();
+    limitCandidates(run, time, nominal);
+    watchBounds(run, time);
 }

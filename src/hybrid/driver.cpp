@@ -51,7 +51,8 @@ int tavro_initialize_discrete(RunState& run) {
 
 int tavro_initialize(RunState& run, int global, double precision, char const* diagBuf,
                      int accuTime) {
-    run.diag_flag = false;
+    run.diag_flag = run.lost = run.limitAdvised = false;
+    run.bounds = BoundsWatch();
     initNominalTraj(run, &run.plant.active_atoms, run.tavro_rt);
     s_runtime* rt = run.hybNT->rt.get();
     sn_updateDico(rt);
@@ -89,13 +90,17 @@ void lockFirstTrajState(Trajectory* traj) {
     }
 }
 
+void stepContinuousSide(RunState& run, RunOptions const& options, double countdown) {
+    for (auto const& entry : run.tracked_trajs)
+        if (sorn_doCycle2(entry.second->rt.get(), stepCode(options, countdown)) == -1)
+            run.err << "Invalid model !\n";
+}
+
 int tavro_doCycle(RunState& run, RunOptions const& options, double countdown, double time,
                   bool& nominal) {
     run.ntrajs.clear();
     run.misbtrajs.clear();
-    for (auto const& entry : run.tracked_trajs)
-        if (sorn_doCycle2(entry.second->rt.get(), stepCode(options, countdown)) == -1)
-            run.err << "Invalid model !\n";
+    stepContinuousSide(run, options, countdown);
     splitTrajs(run, options);
     tavroDiscreteCycle(run, options, time, nominal);
     run.hybNT = run.tracked_trajs.empty() ? nullptr : run.tracked_trajs.begin()->second.get();

@@ -6,6 +6,7 @@
 #include <algorithm>
 
 #include "continuous/sorn-runt.h"
+#include "hybrid/continuity.h"
 #include "hybrid/tavro-runt.h"
 #include "model/Transitionrt.h"
 #include "reasoning/Scheduler.h"
@@ -60,9 +61,12 @@ bool applyBounds(s_runtime* rt, bool testGuards) {
 
 void defineTheRest(s_runtime* rt) {
     for (auto const* list : {&rt->temporal, &rt->untemporal})
-        for (s_Variable* variable : *list)
+        for (s_Variable* variable : *list) {
+            if (rt->engine->rules.continuity && carriesState(*variable))
+                variable->defined = 1;
             if (!variable->defined)
                 sn_compInitVar(rt, variable);
+        }
 }
 
 void takeMeasure(s_runtime* rt, s_Variable* variable) {
@@ -89,6 +93,18 @@ void coverBothJumps(s_runtime* rt, s_runtime const* copy) {
         sn_putObjet(&variable->new_, &variable->old);
         sn_fillHisto(variable.get());
     }
+}
+
+bool applyContinuously(s_runtime* rt) {
+    std::unique_ptr<s_runtime> const copy = copyOfJumpBefore(rt);
+    applyBounds(copy.get(), false);
+    sn_doStepTempo(copy.get());
+    sn_doStepUntemp(copy.get());
+    bool const assigned = applyBounds(rt, false);
+    walkMappingFuncs(rt, false,
+                     [rt](s_Variable* variable, s_Expr const*) { takeMeasure(rt, variable); });
+    coverJumpBefore(rt, copy.get());
+    return assigned;
 }
 
 }  // namespace
@@ -132,6 +148,8 @@ bool tavro_applyMappingFuncs(s_runtime* rt) {
 }
 
 bool tavro_applyMappingFuncs2(RunState& run, s_runtime* rt, double time) {
+    if (run.rules.continuity)
+        return applyContinuously(rt);
     std::unique_ptr<s_runtime> copy =
         sn_copyPartialFaultyRt(rt, 0, time - 1.0, time, run.scheduler.book.twd);
     applyBounds(copy.get(), false);

@@ -24,9 +24,33 @@ bool overlap(s_Objet const& a, s_Objet const& b) {
     return sn_interObjet(&common, &b) == 1 || sn_eqObjet(&a, &b) == 1;
 }
 
+// Rule `regions`. The last states of two histories may be equal while their runtimes lie in
+// different validity spaces: a state holds the components that changed at its step, and the space
+// may have been entered at an earlier one. The classic merge unites them all the same, and the
+// value of the variable that the space is about then lies on both sides of a threshold, in a
+// runtime that counts as being on one. The next split parts them again, each as wide as the piece
+// allows, and with the conditions of neither. Here candidates of different spaces stay apart. That
+// is sound, since nothing is lost by not merging.
+bool liesApart(s_runtime const& a, s_runtime const& b) {
+    return a.engine->rules.regions && a.valSpc != b.valSpc;
+}
+
 bool areTheSame(hybTrajectory& a, hybTrajectory const& b) {
     return DataManager::compareTrajsStates(a.traj->getLastState(), b.traj->getLastState()) &&
-           intersectObsRt(a.rt.get(), b.rt.get());
+           !liesApart(*a.rt, *b.rt) && intersectObsRt(a.rt.get(), b.rt.get());
+}
+
+// What was, as far as either knows: a failure that is dated later may have begun in the past of
+// either.
+void coverPast(s_runtime* a, s_runtime const* b) {
+    for (auto const& variable : a->dico)
+        variable->histo.cover(sameVariable(b, variable.get())->histo,
+                              [](s_Objet& value, s_Objet const& other) {
+                                  if (sn_eqObjet(&value, &other))
+                                      return false;
+                                  sn_uniObjet(&value, &other);
+                                  return true;
+                              });
 }
 
 }  // namespace
@@ -62,6 +86,10 @@ void sn_reduxTrajs(HybMap& trajectories, double time) {
                 continue;
             }
             mergeRuntimes(i->second->rt.get(), j->second->rt.get(), time);
+            if (i->second->rt->engine->rules.dates) {
+                coverPast(i->second->rt.get(), j->second->rt.get());
+                i->second->traj->coverDates(*j->second->traj);
+            }
             j = trajectories.erase(j);
         }
 }

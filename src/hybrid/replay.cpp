@@ -74,18 +74,23 @@ void tavro_diagGetMeasures(s_runtime const* rt, double from, double now, double*
         out[i] = pastValue(rt->measure[i]->mes, rt->measure[i]->mesHisto, from, now);
 }
 
+void replayExplanation(RunState& run, std::unique_ptr<hybTrajectory> explanation, double time,
+                       int threshold, HybMap& result) {
+    if (std::optional<int> const faultStep = faultStepOf(*explanation->traj)) {
+        replay(run, *explanation, *faultStep, time, threshold, result);
+        return;
+    }
+    double const rank = explanation->traj->rank;
+    result.emplace(rank, std::move(explanation));
+}
+
 bool verifyAndUpdateTrajs(RunState& run, double time, int threshold) {
     bool allUnknown = true;
     HybMap result;
     for (auto& entry : run.tracked_trajs) {
         if (!entry.second->traj->isUnknown())
             allUnknown = false;
-        if (std::optional<int> const faultStep = faultStepOf(*entry.second->traj)) {
-            replay(run, *entry.second, *faultStep, time, threshold, result);
-        } else {
-            double const rank = entry.second->traj->rank;
-            result.emplace(rank, std::move(entry.second));
-        }
+        replayExplanation(run, std::move(entry.second), time, threshold, result);
     }
     run.tracked_trajs = std::move(result);
     return allUnknown;

@@ -12,6 +12,7 @@
 #pragma once
 
 #include "continuous/engine.h"
+#include "hybrid/bounds_watch.h"
 #include "hybrid/hybTrajectory.h"
 #include "hybrid/hybrid_candidates.h"
 #include "hybrid/run_settings.h"
@@ -48,4 +49,7 @@ public:
 
     double last_detection_time = -1.0;  // of the first detection that came last; -1 at first
     bool diag_flag = false;             // a diagnosis has been accepted in this run
+    bool lost = false;                  // no candidate has agreed since the last diagnosis
+    bool limitAdvised = false;          // the user knows how to bound the number of candidates
+    BoundsWatch bounds;                 // whether the bounds can still tell anything
 };

@@ -1,4 +1,5 @@
 // From the runtimes of a split to candidates.
+#include <algorithm>
 #include <cassert>
 
 #include "continuous/sorn-runt.h"
@@ -12,6 +13,12 @@ std::unique_ptr<s_runtime> takeFromNrt(RunState& run) {
     std::erase_if(run.engine.nrt,
                   [&taken](auto const& entry) { return entry.second == taken.get(); });
     return taken;
+}
+
+// A runtime whose value no condition covers may have been left out.
+bool isInNrt(RunState const& run, s_runtime const* rt) {
+    return std::any_of(run.engine.nrt.begin(), run.engine.nrt.end(),
+                       [rt](auto const& entry) { return entry.second == rt; });
 }
 
 // What a split that ran out of memory leaves in nrt belongs to no candidate. Allocates nothing.
@@ -46,12 +53,16 @@ void splitRuntime(RunState& run, std::unique_ptr<hybTrajectory> candidate, HybMa
     sn_splitValiditySpc(candidate->rt.get());
     if (mode > RUN_RESET || multi == 1) {
         guard.keep = nullptr;
-        candidate->rt.release();  // it is in nrt, with its copies
+        if (isInNrt(run, candidate->rt.get()))
+            candidate->rt.release();  // its copies are there too
         createNewTrajs(run, candidate->traj.get(), out);
         return;
     }
     // A simulation of one candidate: it goes on as it is, without what the split added.
+    bool const covered = isInNrt(run, candidate->rt.get());
     clearNrt(run, candidate->rt.get());
+    if (!covered)
+        return;
     double const key = candidate->traj->proba;
     out.emplace(key, std::move(candidate));
 }

@@ -50,6 +50,8 @@ int tavro_doCycle(RunState& run, RunOptions const& options, double countdown, do
 // What a run has to show of the steps before must have been taken before.
 int tavro_tryCycle(RunState& run, RunOptions const& options, double countdown, double time,
                    bool& nominal);
+// The continuous step of every tracked candidate.
+void stepContinuousSide(RunState& run, RunOptions const& options, double countdown);
 // Forgets what the bridge carries.
 void clearRunTime(s_runtime* rt);
 // Ends a run: every candidate goes, and hybNT is null.
@@ -69,6 +71,14 @@ void clearNrt(RunState& run, s_runtime const* keep);
 // ---- The discrete step (discrete_cycle.cpp) ----
 
 void tavroDiscreteCycle(RunState& run, RunOptions const& options, double time, bool& nominal);
+// One whole step of the tracked candidates; those that agree with the measures are left in ntrajs,
+// the others go. Nothing is diagnosed, merged or told.
+void stepAndCheck(RunState& run, RunOptions const& options, double time);
+
+// ---- The number of candidates (limit.cpp) ----
+
+// Keeps at most as many candidates as the run's settings allow.
+void limitCandidates(RunState& run, double time, bool nominal);
 
 // ---- Merging and misbehaviour (merging.cpp) ----
 
@@ -81,14 +91,20 @@ void mergeRuntimes(s_runtime* a, s_runtime const* b, double time);
 
 // ---- Hybrid diagnosis (diagnosis.cpp, replay.cpp) ----
 
-// The first time that every candidate misbehaves: isolates, searches for discrete explanations,
+// Whether a loss of all candidates is diagnosed now.
+bool mayDiagnose(RunState const& run);
+// Every candidate misbehaves: isolates, searches for discrete explanations,
 // replays them, and tracks what they give. The process ends with status 255 without any.
 void diagnoseMisbTrajs(RunState& run, RunOptions const& options, double time);
-// The sequence up to the replay; true when every explanation holds an unknown mode.
+// The sequence up to the replay; true when every explanation holds an unknown mode. Without any
+// explanation the run stops, or, when each loss is diagnosed, tracked_trajs is left empty.
 bool handleMisbTrajs(RunState& run, int isolation, int threshold, double time);
 // Discrete candidates for each atom set of a misbehaving one, which is consumed.
 void insertDiagnosis(RunState& run, std::unique_ptr<hybTrajectory> candidate, HybMap& out);
-// Replays every candidate with a new fault from its fault time on.
+// Replays an explanation with a new fault from its fault time on, and keeps one without.
+void replayExplanation(RunState& run, std::unique_ptr<hybTrajectory> explanation, double time,
+                       int threshold, HybMap& result);
+// The same for every candidate.
 bool verifyAndUpdateTrajs(RunState& run, double time, int threshold);
 HybMap copyHybTrajectories(HybMap const& trajectories);
 // Blind state tracking. Consumes *copies*.

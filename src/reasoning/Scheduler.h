@@ -87,6 +87,11 @@ public:
     // hold is told, and then nothing has fired: nothing of the transition stays.
     void triggerTransition(Transition* transition, State* current, std::unique_ptr<State>& next,
                            Trajectory* traj, PendingTransitions& pending, int time);
+    // The failure is taken at *when*, at the end of the history; *events* on the values come first,
+    // and trigger nothing else. False, with the history as it was but for the events, when no state
+    // can hold its effect. Throws RunStopped when the events are impossible.
+    bool takeFailure(Trajectory* traj, s_runtime* rt, Transition* failure,
+                     SignedAtoms const& events, double when);
     void addBridgeConditions(ElementTable const& table);
     // Fixes the events of the continuous side in the current state.
     void addContEvents(Trajectory* traj);

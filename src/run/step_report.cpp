@@ -8,6 +8,7 @@
 #include <utility>
 
 #include "continuous/records.h"
+#include "hybrid/answer.h"
 #include "model/Comprt.h"
 #include "model/labels.h"
 #include "support/numbers.h"
@@ -35,31 +36,8 @@ tavro::Bounds boundsOf(s_Variable const& variable) {
     return {toOutside(sn_infOf(variable.old)), toOutside(sn_supOf(variable.old))};
 }
 
-// The value that the newest state with this variable holds; "" when none does.
-std::string valueOf(Trajectory const& history, StateVar const& variable) {
-    for (int step = history.currentTime; step >= history.firstTime; --step) {
-        bool present = false;
-        for (Atom const* atom : variable.getAtomLinks()) {
-            TrajEl const* element = history.getElt(step, atom->getId());
-            present = present || element != nullptr;
-            if (element != nullptr && element->evalTrajEl())
-                return atom->value;
-        }
-        if (present)
-            return "";
-    }
-    return "";
-}
-
-// A later turn of the search may have put another transition in the place of this one. What has
-// left the window is settled.
-bool isStillTaken(Trajectory const& history, int step, Transition const* transition) {
-    State const* state = history.getState(step);
-    if (state == nullptr)
-        return true;
-    return std::any_of(state->elts.begin(), state->elts.end(), [transition](auto const& entry) {
-        return entry.second != nullptr && entry.second->prevTrans == transition;
-    });
+std::string textOf(Atom const* atom) {
+    return atom != nullptr ? atom->value : "";
 }
 
 tavro::Explanation explain(Transition const& transition, int step, double time) {
@@ -78,16 +56,6 @@ tavro::Explanation explain(Transition const& transition, int step, double time) 
     return e;
 }
 
-bool isLost(Plant const& plant, Trajectory const& history) {
-    return std::any_of(plant.stateVars.begin(), plant.stateVars.end(), [&](auto const* variable) {
-        return variable->type == typeMode && valueOf(history, *variable) == valueUnknown;
-    });
-}
-
-std::pair<double, bool> orderOf(Plant const& plant, Trajectory const& history) {
-    return {history.rank, isLost(plant, history)};
-}
-
 }  // namespace
 
 std::vector<CandidateView> candidatesOf(RunState const& run) {
@@ -101,7 +69,7 @@ std::vector<CandidateView> candidatesOf(RunState const& run) {
         candidates.push_back({entry.second->traj.get(), entry.second->rt.get()});
     std::stable_sort(candidates.begin(), candidates.end(),
                      [&plant = run.plant](auto const& a, auto const& b) {
-                         return orderOf(plant, *a.history) < orderOf(plant, *b.history);
+                         return isLikelier(plant, *a.history, *b.history);
                      });
     return candidates;
 }
@@ -110,7 +78,7 @@ tavro::Candidate describe(Plant const& plant, CandidateView const& candidate, bo
     tavro::Candidate described;
     for (StateVar const* variable : plant.stateVars)
         if (variable->type == typeMode)
-            described.modes[variable->name] = valueOf(*candidate.history, *variable);
+            described.modes[variable->name] = textOf(valueOf(*candidate.history, *variable));
     described.rank = candidate.history->rank;
     described.probability = candidate.history->proba;
     if (candidate.runtime == nullptr)
@@ -146,11 +114,7 @@ std::vector<tavro::Explanation> explanationsOf(std::vector<CandidateView> const&
     std::vector<tavro::Explanation> explanations;
     for (std::size_t i = 0; i < candidates.size(); ++i) {
         Trajectory const& history = *candidates[i].history;
-        if (!history.transByTime)
-            continue;
-        for (auto const& [step, transition] : *history.transByTime) {
-            if (transition->idle || !isStillTaken(history, step, transition))
-                continue;
+        for (auto const& [transition, step] : movesOf(history)) {
             tavro::Explanation e = explain(*transition, step, timeOfStep(history, step));
             e.candidate = i;
             e.rank = history.rank;

@@ -256,12 +256,14 @@ tavro::Step StepwiseRun::hybridStep(tavro::Line const& line) {
     countdown -= run.tavro_rt->Ts;
     bool nominal = false;
     tavro_doCycle(run, asked, countdown, when, nominal);
-    run.scheduler.scenario.erase(when);
+    // A diagnosis that goes back in time gives past commands again.
+    if (!run.rules.dates)
+        run.scheduler.scenario.erase(when);
     tavro::Step told;
     told.time = when;
     if (detecting() && !nominal) {
         told.alarms = alarmsOf(candidatesOf(run));
-        if (options.isolation > 0 && !run.diag_flag)
+        if (options.isolation > 0 && mayDiagnose(run))
             diagnose(told);
     }
     describeCandidates(told);

@@ -1,4 +1,5 @@
 // Times, probabilities and covers of a trajectory.
+#include <algorithm>
 #include <cassert>
 #include <set>
 
@@ -21,6 +22,32 @@ int Trajectory::getDiscTimeCorr(double time) const {
         if (continuous == time)
             return discrete;
     return noStep;
+}
+
+Trajectory::DateRange Trajectory::datesOf(int step) const {
+    auto const found = stepDates.find(step);
+    if (found != stepDates.end())
+        return found->second;
+    double const time = getTimeCorr(step);
+    return {time, time};
+}
+
+void Trajectory::coverDates(Trajectory const& other) {
+    int const ahead = currentTime - other.currentTime;
+    for (int step = std::max(firstTime, other.firstTime + ahead); step <= currentTime; ++step) {
+        DateRange const theirs = other.datesOf(step - ahead);
+        DateRange const own = datesOf(step);
+        if (theirs.from == noTime || own.from == noTime)
+            continue;
+        DateRange const both{std::min(own.from, theirs.from), std::max(own.to, theirs.to)};
+        if (both.from < both.to)
+            stepDates[step] = both;
+    }
+    for (auto const& [transition, range] : other.dated) {
+        auto const own = dated.try_emplace(transition, range).first;
+        own->second.from = std::min(own->second.from, range.from);
+        own->second.to = std::max(own->second.to, range.to);
+    }
 }
 
 std::vector<Transition*> Trajectory::getStateTransitions(int t) const {

@@ -24,6 +24,8 @@ Trajectory::Trajectory(Trajectory const* source, int upTo) : Trajectory(source->
     proba = source->proba;
     transByTime = source->transByTime;
     timeCorr = source->timeCorr;
+    dated = source->dated;
+    stepDates = source->stepDates;
     unknown = source->unknown;
     eventTime = source->eventTime;
     for (auto const& [t, state] : source->states)
@@ -99,6 +101,7 @@ void Trajectory::reduceTrajectory() {
     next->lockStatePerm();
     ++firstTime;
     takeState(oldest);
+    stepDates.erase(oldest);
     if (!timeCorr.empty())
         timeCorr.erase(timeCorr.begin());
 }

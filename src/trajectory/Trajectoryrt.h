@@ -24,6 +24,9 @@ class Trajectory {
 public:
     using States = hash_map<int, State*>;
     using TransByTime = std::multimap<int, Transition*>;
+    struct DateRange {
+        double from, to;  // the same for a single time
+    };
 
     // What the time table answers for a step or a time that it does not hold.
     static constexpr double noTime = 9999.0;
@@ -80,6 +83,11 @@ public:
     // Failures among the transitions into a state.
     double getStateRank(State const* state) const;
 
+    // The times at which a step was taken: of this history and of those merged into it.
+    DateRange datesOf(int step) const;
+    // The dates cover those of a history that is being merged into this one. Steps are matched from
+    // the last one back, since both end in the same state.
+    void coverDates(Trajectory const& other);
     // Relates the current step to a continuous time.
     void setTimeCorr(double time);
     double getTimeCorr(int step) const;
@@ -112,7 +120,11 @@ public:
     int stepCount = 0;   // goes up with currentTime, but not down again
     std::optional<TransByTime> transByTime;        // transitions by step, of a diagnosed history
     std::vector<std::pair<int, double>> timeCorr;  // discrete step to continuous time
-    bool unknown = false;                          // a state with an unknown mode was added
+    // When a transition of the history was taken, by its id, where that is a range of times; and
+    // the same of every step, where candidates that were merged had taken it at different times.
+    std::map<int, DateRange> dated;
+    std::map<int, DateRange> stepDates;
+    bool unknown = false;     // a state with an unknown mode was added
     double eventTime = -1.0;  // date of the scenario event taken last; -1 for none
 
     TrajectoryBook& book;

@@ -63,6 +63,42 @@ void moveHistory(s_runtime* rt, s_Variable* variable, double from, double to) {
     shiftBack(variable->highHisto, distance, 0);
 }
 
+namespace {
+
+// The variable as it stood *cycles* ago; what its histories no longer reach becomes their oldest
+// entry, since nothing is known to have been different.
+void moveVariableBack(s_Variable* variable, int cycles) {
+    auto const shift = [cycles](auto& history) {
+        if (history.size() > 0)
+            history.forgetNewest(cycles, history[history.size() - 1]);
+    };
+    auto const flagged = [cycles](History<int> const& flags) {
+        return cycles <= flags.size() && flags[cycles - 1] != 0 ? 1 : 0;
+    };
+    if (!variable->isParam && cycles <= variable->histo.size())
+        variable->old = variable->new_ = variable->histo[cycles - 1];
+    if (cycles <= variable->mesHisto.size())
+        variable->mes = variable->mesHisto[cycles - 1];
+    variable->lowalarm = flagged(variable->lowHisto);
+    variable->highalarm = flagged(variable->highHisto);
+    variable->meslowmisb = variable->meshighmisb = variable->mesmisb = 0;
+    shift(variable->histo);
+    shift(variable->mesHisto);
+    shift(variable->lowHisto);
+    shift(variable->highHisto);
+}
+
+}  // namespace
+
+std::unique_ptr<s_runtime> sn_copyMovedBack(s_runtime const* source, int cycles) {
+    std::unique_ptr<s_runtime> copy = sn_copyRuntime(source);
+    if (cycles <= 0)
+        return copy;
+    for (auto const& variable : copy->dico)
+        moveVariableBack(variable.get(), cycles);
+    return copy;
+}
+
 std::unique_ptr<s_runtime> sn_copyPartialFaultyRt(s_runtime const* source, int faultCycle,
                                                   double contTime, double curTime, int window) {
     std::unique_ptr<s_runtime> copy = sn_copyRuntime(source);

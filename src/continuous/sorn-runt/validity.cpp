@@ -81,11 +81,34 @@ std::unique_ptr<s_runtime> copyForPiece(s_runtime const* rt, s_Objet const& piec
     return owned;
 }
 
+// Rule `cover`. Where no condition of the plant covers a value, nothing tells which modes are
+// possible. The classic way ends the whole run there, with status 0, though every other candidate
+// may be fine. Here only what reached that value goes: a piece of a split, or the candidate itself,
+// which has no consistent mode; it is told, and the others go on. That is sound as far as the plant
+// is: a state of which it says nothing is one that it excludes, and a plant that leaves such a gap
+// by mistake is told when it is checked. At the start of a run there are no others, and the run
+// ends as in the classic way.
+template <typename Work>
+bool isCovered(s_runtime const* rt, Work work) {
+    if (!rt->engine->rules.cover || !rt->varsInitialised) {
+        work();
+        return true;
+    }
+    try {
+        work();
+        return true;
+    } catch (RunStopped const& why) {
+        if (why.reason != RunStopped::noCover)
+            throw;
+        rt->engine->err << "A candidate is dropped: " << why.what() << ".\n";
+        return false;
+    }
+}
+
 void sn_splitRt(s_runtime* rt, SpacePieces const& pieces, std::size_t index, Pending* pending) {
-    if (pieces.first)
-        pending->push(copyForPiece(rt, *pieces.first, index));
-    if (pieces.second)
-        pending->push(copyForPiece(rt, *pieces.second, index));
+    for (auto const* piece : {&pieces.first, &pieces.second})
+        if (*piece)
+            isCovered(rt, [&] { pending->push(copyForPiece(rt, **piece, index)); });
 }
 
 // The value has left the range of constraint *index*, which is in TMP4: another space holds now.
@@ -163,13 +186,16 @@ void storeValues(s_runtime* rt) {
         }
 }
 
-// Entering it into nrt comes last: until then the part belongs to whoever made it.
-void settlePart(s_runtime* rt, Pending& pending) {
+// Entering it into nrt comes last: until then the part belongs to whoever made it. False when it
+// is dropped.
+bool settlePart(s_runtime* rt, Pending& pending) {
     Split split{rt, &pending};
-    settle(split);
+    if (!isCovered(rt, [&split] { settle(split); }))
+        return false;
     storeValues(rt);
     sn_yieldDisplays(rt);
     rt->engine->nrt.insert({rt->num, rt});
+    return true;
 }
 
 // The conditions that cover the first values, all entered into the space.
@@ -206,7 +232,7 @@ std::vector<s_Condition*> sn_findCondCover(s_GVar* gvar, s_runtime* rt) {
             cover.push_back(conditionAt(rt, index));
     if (cover.empty()) {
         rt->engine->out << "[findCover -->] returning NULL\n" << std::flush;
-        throw RunStopped(RunStopped::noCover, "no condition covers a value");
+        throw RunStopped(RunStopped::noCover, "no condition covers a value of " + gvar->var->nom);
     }
     return cover;
 }
@@ -264,9 +290,11 @@ void sn_splitValiditySpc(s_runtime* rt) {
     loadValues(rt);
     settlePart(rt, pending);
     while (!pending.empty()) {
-        settlePart(pending.front().get(), pending);
-        pending.front().release();  // it is in nrt
+        // It must be taken out first: settling it may add to what is pending.
+        std::unique_ptr<s_runtime> part = std::move(pending.front());
         pending.pop();
+        if (settlePart(part.get(), pending))
+            part.release();  // it is in nrt
     }
 }
 

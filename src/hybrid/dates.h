@@ -1,0 +1,36 @@
+// Rule `dates`: a failure is dated by a range of steps.
+//
+// The classic way. The search places a failure at the one step of the discrete history where its
+// guard fits. The candidate's runtime is moved back to that step, changed over, and replayed up to
+// now, without a look at the measures and without a discrete step.
+//
+// What goes wrong. A history has a step only where something happened that the plant knows of, and
+// candidates that were merged had that step at different times, of which one is kept. So the date
+// is one among many, and mostly too late. The runtime is moved back one cycle too far besides, and
+// what happened to the rest of the plant after the failure is not repeated. The bounds that are
+// followed from there are those of another run than the one that is watched.
+//
+// What this does. Every cycle of the window at which the failure was possible is tried: the mode
+// that it leaves was one in which the candidate, or one merged into it, may have been; the
+// conditions of its guard could hold by the bounds of that time; and every measure was still inside
+// its bounds. From there the run itself is run again, with the inputs, measures and commands of the
+// past: with splits, discrete steps and the check of every measure. A start that loses all its
+// candidates by the alarm threshold on the way disagrees with what was measured, and is no date.
+// What the others lead to is merged where it is the same, so that the bounds cover every date that
+// agrees; the range of these dates is the answer.
+//
+// Why it is sound. The truth is one of the starts that are tried, as long as the failure is the
+// true one and lies within the window, and then it is never dropped but by the same check that
+// raises alarms; the union covers it.
+//
+// An explanation without a failure keeps its classic replay. When no date of any explanation
+// agrees, the explanations are followed from the steps where the search placed them.
+#pragma once
+
+#include "hybrid/tavro-runt.h"
+
+// Replaces the candidates *found*, explanations of the misbehaving *candidate*, by what they come
+// to from every date that agrees with the measures, in *out*.
+// Uses the tracked candidates of the run as its work place.
+void dateExplanations(RunState& run, hybTrajectory const& candidate, HybMap const& found,
+                      int threshold, double now, HybMap& out);
