@@ -57,7 +57,8 @@ int dePrint(char const* arg);
 
 // Makes the first, empty line.
 void ligneInit();
-// Reads a line into `ligne` and into the history; null at end of input, after a short sleep.
+// Reads a line into `ligne` and into the history; null at end of input, after a short sleep. Lines
+// are edited at a terminal only.
 char* do_gets(char const* prompt);
 // Removes white space at both ends, in place. Required: the first character is never removed from
 // the end.
