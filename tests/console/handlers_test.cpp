@@ -269,7 +269,8 @@ TEST_F(HandlerTest, TheLastCycleMayFallOutThroughRounding) {
     call(snSimul, "0.3 multi");
     EXPECT_EQ(said.err,
               "-- time = 0.1 --------------------------\n"
-              "-- time = 0.2 --------------------------\n");
+              "-- time = 0.2 --------------------------\n"
+              "obs/day, line 2, column 1: last line: the values stay from time 0.2 on\n");
     std::string const display = WorkDirectory::read(displayFile);
     EXPECT_EQ(std::count(display.begin(), display.end(), '\n'), 3) << "time 0, and two cycles";
 }
