@@ -72,7 +72,7 @@ bool ConsoleHost::write(std::string const& path, std::string const& text) {
 
 // Read again for every search, so that the optimiser can be tuned anew without a restart.
 void ConsoleHost::optimiserOptions(Nelder_options& options) {
-    if (std::ifstream file("nelder.dat"); file)
+    if (std::ifstream file(optimiserOptionsFile); file)
         Nelder_read_options(file, options);
 }
 

@@ -8,6 +8,7 @@
 
 #include "console/console.h"
 #include "console/exchange.h"
+#include "console/overwriting.h"
 #include "console/parameters.h"
 #include "continuous/sorn-runt.h"
 #include "hybrid/tavro-runt.h"
@@ -87,6 +88,8 @@ bool startRun(int global) {
 }
 
 void initHybrid(int global) {
+    if (wouldOverwriteInputs())
+        return;
     if (!prepareEI() || !prepareMS() || !prepareDO() || !prepareMO())
         return;
     if (!startRun(global)) {

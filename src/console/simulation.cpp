@@ -238,8 +238,6 @@ bool canDetect() {
     return true;
 }
 
-constexpr char const* cycleBenchmark = "cycbench.bmk";
-
 std::FILE* openCycleBenchmark() {
     std::FILE* file = std::fopen(cycleBenchmark, "w");
     if (file == nullptr) {

@@ -113,6 +113,25 @@ TEST_F(HandlerTest, InitEndsTheDisplayLineWhateverHappens) {
     EXPECT_EQ(WorkDirectory::read(displayFile), "\n");
 }
 
+TEST_F(HandlerTest, InitNeverEmptiesAFileThatItReads) {
+    std::string const measures = WorkDirectory::read(measureFile);
+    displayFile = "disp/../obs/./day";
+    EXPECT_EQ(call(snInit, nullptr), 0);
+    EXPECT_EQ(said.err, "Can't write file disp/../obs/./day: it is the measure file obs/day\n");
+    EXPECT_EQ(said.out, "");
+    EXPECT_EQ(theRun().hybNT, nullptr);
+    EXPECT_EQ(measIn, nullptr);
+    EXPECT_EQ(dataOut, nullptr);
+    EXPECT_EQ(WorkDirectory::read(measureFile), measures);
+}
+
+// A device at both ends loses nothing.
+TEST_F(HandlerTest, InitReadsAndWritesTheSameDevice) {
+    measureFile = displayFile = "/dev/null";
+    EXPECT_EQ(call(snInit, nullptr), 0);
+    EXPECT_NE(theRun().hybNT, nullptr) << said.err;
+}
+
 TEST_F(HandlerTest, InitOfADiscreteModelIsSilent) {
     discrete = true;
     EXPECT_EQ(call(snInit, nullptr), 0);
