@@ -55,14 +55,14 @@ InitOptions readInitOptions(char const* arg) {
         return options;
     if (!isNumeric(*word))
         return refuse("Accumulation time should be a number !\n");
-    accuTime = truncateToInt(std::atof(word->c_str()));
+    accuTime = truncateToInt(numberOf(*word));
     if (accuTime > longestAccumulation)
         return refuse("Accumulation time is too long !\n");
     if (word = parameters.next(); !word)
         return options;
     if (!isNumeric(*word))
         return refuse("Precision should be a number !\n");
-    precision = std::atof(word->c_str());
+    precision = numberOf(*word);
     if (word = parameters.next(); word)
         std::fprintf(stderr, "Unexpected parameter %s\n", word->c_str());
     return options;

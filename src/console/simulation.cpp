@@ -127,8 +127,11 @@ bool readTotalTime(std::optional<std::string> const& word, char const* missing) 
         std::fprintf(stderr, "Total time should be a number !\n");
         return false;
     }
-    totalTime = std::atof(word->c_str());
-    return totalTime > 0.0;
+    totalTime = numberOf(*word);
+    if (totalTime > 0.0)
+        return true;
+    std::fprintf(stderr, "Total time is 0: no cycle is run.\n");
+    return false;
 }
 
 // ---- simul ----
@@ -140,7 +143,7 @@ bool readSimulation(char const* arg, RunOptions& options) {
         return false;
     std::optional<std::string> word = parameters.next();
     if (word && isNumeric(*word)) {
-        options.period = std::atof(word->c_str());
+        options.period = numberOf(*word);
         options.mode = RUN_RESET;
         if (measIn == nullptr) {
             std::fprintf(stderr, "Resetting impossible (no measure file) !\n");
@@ -215,7 +218,7 @@ bool readDetection(char const* arg, RunOptions& options) {
         std::fprintf(stderr, "Alarm threshold should be a number !\n");
         return false;
     }
-    options.threshold = truncateToInt(std::atof(threshold->c_str()));
+    options.threshold = truncateToInt(numberOf(*threshold));
     std::optional<std::string> const merging = parameters.next();
     bool const nomerge = merging && merging->find("nomerge") != std::string::npos;
     options.mode = nomerge ? RUN_NOMERGE : RUN_DETECT;

@@ -161,8 +161,11 @@ TEST_F(HandlerTest, SimulRefusesAndTheRunGoesOn) {
         {"", "Missing parameter ! (expecting total time)\n"},
         {"x", "Total time should be a number !\n"},
         {"-1", "Total time should be a number !\n"},
-        {"0", ""},
-        {"0 multi", ""},
+        {"0", "Total time is 0: no cycle is run.\n"},
+        {"0 multi", "Total time is 0: no cycle is run.\n"},
+        {"0x0 multi",
+         "Parameter 0x0 is read as 0\n"
+         "Total time is 0: no cycle is run.\n"},
         {"1e999 multi", "Total time is too long !\n"},
     };
     for (auto const& [arg, message] : cases) {
