@@ -13,6 +13,7 @@
 #include "console/parameters.h"
 #include "console/process.h"
 #include "console/run.h"
+#include "console/stale_graphs.h"
 #include "continuous/sorn-runt.h"
 #include "hybrid/tavro-runt.h"
 #include "reasoning/Scheduler.h"
@@ -103,11 +104,21 @@ bool beginRun() {
     return false;
 }
 
-// Writes the rows of the cycles and, if asked for, the graphs of the candidates; ends the run.
-void endRun(Cycles const& cycles, bool graphs) {
+// Whether a run leaves graphs of its candidates: never, or not this time, or it does.
+enum class Graphs { NEVER, MISSING, WRITTEN };
+
+void writeGraphs() {
+    removeStaleGraphs(static_cast<int>(consoleRun->tracked_trajs.size()));
+    graphTrajs(consoleRun->host, consoleRun->tracked_trajs);
+}
+
+// Writes the rows of the cycles and the graphs of the candidates; ends the run.
+void endRun(Cycles const& cycles, Graphs graphs) {
     cycles.writeRows();
-    if (graphs)
-        graphTrajs(consoleRun->host, consoleRun->tracked_trajs);
+    if (graphs == Graphs::WRITTEN)
+        writeGraphs();
+    else if (graphs == Graphs::MISSING)
+        tellStaleGraphs();
     clearMultiTrajs(*consoleRun);
     consoleRun->sMM->reportUnmetEvents(std::min(simTime, totalTime));
     closeRunFiles();
@@ -179,7 +190,7 @@ void simulate(RunOptions const& options) {
         if (!cycles.run(options, countdown, Ts))
             break;
     }
-    endRun(cycles, false);
+    endRun(cycles, Graphs::NEVER);
 }
 
 // ---- detect ----
@@ -274,7 +285,7 @@ void detect(RunOptions const& options) {
             break;
     }
     // A run that was stopped may hold more candidates than anyone wants as files.
-    endRun(cycles, simTime > totalTime);
+    endRun(cycles, simTime > totalTime ? Graphs::WRITTEN : Graphs::MISSING);
     closeOutput(benchmark, cycleBenchmark);
 }
 
