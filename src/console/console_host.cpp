@@ -1,6 +1,7 @@
 // Streams, files and requests of a console's runs.
 #include "console/console_host.h"
 
+#include <filesystem>
 #include <iostream>
 
 #include "console/exchange.h"
@@ -56,7 +57,13 @@ void ConsoleHost::diagnosis(std::string const& text) {
     sorn_sendDiagnosis("", text.c_str());
 }
 
+// A directory could be opened, and would read as an empty file.
 std::unique_ptr<std::istream> ConsoleHost::open(std::string const& path) {
+    std::error_code error;
+    if (std::filesystem::is_directory(path, error)) {
+        std::cerr << path << " is a directory\n";
+        return nullptr;
+    }
     auto file = std::make_unique<std::ifstream>(path);
     if (!*file)
         return nullptr;

@@ -2,6 +2,7 @@
 #include "console/exchange.h"
 
 #include <algorithm>
+#include <filesystem>
 #include <iostream>
 
 #include "console/console.h"
@@ -71,9 +72,19 @@ int prepareMO() {
     return prepare(modesOut, modesFile, "w", nullptr, "modes file is ok\n");
 }
 
+namespace {
+
+// Required: that there is no scenario is told only when its directory is missing too.
+bool isScenarioNamed() {
+    std::error_code error;
+    return scenarFile != inputPrefix || !std::filesystem::is_directory(inputPrefix, error);
+}
+
+}  // namespace
+
 int prepareSc() {
     std::cout << "scenarFIle: " << scenarFile << "\n";
-    if (!scenarFile.empty())
+    if (!scenarFile.empty() && isScenarioNamed())
         consoleRun->sMM->loadScenario(scenarFile);
     return 1;
 }

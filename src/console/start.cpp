@@ -84,7 +84,7 @@ void takeModesFile(Arguments& arguments) {
 }
 
 void setPrefixes() {
-    inputFile = scenarFile = "inp/";
+    inputFile = scenarFile = inputPrefix;
     measureFile = "obs/";
     displayFile = "disp/";
     modesFile.clear();
