@@ -9,6 +9,7 @@
 #include <cstdlib>
 #include <cstring>
 
+#include "console/plain_reader.h"
 #include "console/run.h"
 
 int done = 0;
@@ -125,12 +126,27 @@ void ligneInit() {
     ligne = static_cast<char*>(std::calloc(size, 1));
 }
 
-// The console runs with the library's own completion: Tab completes file names, not commands.
+namespace {
+
+// A line that the caller frees, or null. Keys are for terminals: what comes from elsewhere is read
+// as it is. At a terminal the library's own completion works: Tab completes file names, not
+// commands.
+char* readLine(char const* prompt) {
+    std::FILE* const in = rl_instream != nullptr ? rl_instream : stdin;
+    if (isatty(fileno(in)))
+        return readline(prompt);
+    std::FILE* const out = rl_outstream != nullptr ? rl_outstream : stdout;
+    std::optional<std::string> const line = readPlainLine(in, out, prompt);
+    return line ? strdup(line->c_str()) : nullptr;
+}
+
+}  // namespace
+
 char* do_gets(char const* prompt) {
     std::free(ligne);
     ligne = nullptr;
     std::fflush(stdout);
-    ligne = readline(prompt);
+    ligne = readLine(prompt);
     if (ligne == nullptr)
         usleep(endOfInputPause);
     else if (*ligne != '\0')

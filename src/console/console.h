@@ -15,6 +15,8 @@ extern char* ligne;     // the current input line, owned by the reader; null at 
 extern bool discrete;   // the model has no continuous side
 extern bool disc_init;  // `init` has run for a discrete model, and `disc` has not yet used it
 
+// Where inputs and scenarios are. Without a scenario this is all of its path.
+constexpr char const* inputPrefix = "inp/";
 // Paths of the data files. Each begins as the prefix of its directory; modesFile has none.
 extern std::string inputFile, scenarFile, measureFile, displayFile, modesFile;
 extern std::string auxFile;  // base name of the program
@@ -57,7 +59,8 @@ int dePrint(char const* arg);
 
 // Makes the first, empty line.
 void ligneInit();
-// Reads a line into `ligne` and into the history; null at end of input, after a short sleep.
+// Reads a line into `ligne` and into the history; null at end of input, after a short sleep. Lines
+// are edited at a terminal only.
 char* do_gets(char const* prompt);
 // Removes white space at both ends, in place. Required: the first character is never removed from
 // the end.

@@ -1,6 +1,7 @@
 // Streams, files and requests of a console's runs.
 #include "console/console_host.h"
 
+#include <filesystem>
 #include <iostream>
 
 #include "console/exchange.h"
@@ -56,7 +57,13 @@ void ConsoleHost::diagnosis(std::string const& text) {
     sorn_sendDiagnosis("", text.c_str());
 }
 
+// A directory could be opened, and would read as an empty file.
 std::unique_ptr<std::istream> ConsoleHost::open(std::string const& path) {
+    std::error_code error;
+    if (std::filesystem::is_directory(path, error)) {
+        std::cerr << path << " is a directory\n";
+        return nullptr;
+    }
     auto file = std::make_unique<std::ifstream>(path);
     if (!*file)
         return nullptr;
@@ -72,7 +79,7 @@ bool ConsoleHost::write(std::string const& path, std::string const& text) {
 
 // Read again for every search, so that the optimiser can be tuned anew without a restart.
 void ConsoleHost::optimiserOptions(Nelder_options& options) {
-    if (std::ifstream file("nelder.dat"); file)
+    if (std::ifstream file(optimiserOptionsFile); file)
         Nelder_read_options(file, options);
 }
 

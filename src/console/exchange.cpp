@@ -2,10 +2,11 @@
 #include "console/exchange.h"
 
 #include <algorithm>
-#include <cmath>
+#include <filesystem>
 #include <iostream>
 
 #include "console/console.h"
+#include "console/data_lines.h"
 #include "console/run.h"
 #include "continuous/sorn-runt.h"
 #include "reasoning/Scheduler.h"
@@ -15,6 +16,9 @@ std::FILE *dataIn = nullptr, *measIn = nullptr, *dataOut = nullptr, *modesOut = 
 int memFr = 0;
 
 namespace {
+
+// Where dataIn and measIn are.
+DataLines inputLines, measureLines;
 
 // Closes the stream, unless it is standard output; the pointer becomes null either way.
 // Returns whether everything was written.
@@ -50,11 +54,13 @@ void closeOutput(std::FILE*& stream, std::string const& path) {
 
 int prepareEI() {
     std::cout << "inputfile : " << inputFile << "\n";
+    inputLines = DataLines(inputFile);
     return prepare(dataIn, inputFile, "r", nullptr, "input file is ok\n");
 }
 
 int prepareMS() {
     std::cout << "inputfile : " << measureFile << "\n";
+    measureLines = DataLines(measureFile);
     return prepare(measIn, measureFile, "r", nullptr, "measure file is ok\n");
 }
 
@@ -66,45 +72,28 @@ int prepareMO() {
     return prepare(modesOut, modesFile, "w", nullptr, "modes file is ok\n");
 }
 
+namespace {
+
+// Required: that there is no scenario is told only when its directory is missing too.
+bool isScenarioNamed() {
+    std::error_code error;
+    return scenarFile != inputPrefix || !std::filesystem::is_directory(inputPrefix, error);
+}
+
+}  // namespace
+
 int prepareSc() {
     std::cout << "scenarFIle: " << scenarFile << "\n";
-    if (!scenarFile.empty())
+    if (!scenarFile.empty() && isScenarioNamed())
         consoleRun->sMM->loadScenario(scenarFile);
     return 1;
 }
 
 namespace {
 
-// Says why a value was not read.
-void reportUnread(std::FILE* stream, int result, std::string const& path, int column, double kept) {
-    if (result != EOF)
-        std::fprintf(stderr, "%s: value %d of time %g is not a number, %g stays\n", path.c_str(),
-                     column + 1, simTime, kept);
-    else if (std::ferror(stream) != 0)
-        std::fprintf(stderr, "Can't read file %s\n", path.c_str());
-}
-
-// Reads one value. What is no number leaves the value as it was, and so does the end of the file,
-// about which nothing is said: the last line then stands for every later one.
-bool readValue(std::FILE* stream, std::string const& path, int column, double* value) {
-    double read = *value;
-    int const result = std::fscanf(stream, "%lg", &read);
-    if (result == 1 && std::isfinite(read)) {
-        *value = read;
-        return true;
-    }
-    reportUnread(stream, result, path, column, *value);
-    return result == 1;
-}
-
-int readLine(char const* label, std::FILE* stream, std::string const& path, int count,
-             double* values) {
-    if (stream != nullptr) {
-        bool reading = true;
-        for (int i = 0; i < count && reading; ++i)
-            reading = readValue(stream, path, i, &values[i]);
-        [[maybe_unused]] int const skipped = std::fscanf(stream, "%*[^\n]");
-    }
+int readLine(char const* label, std::FILE* stream, DataLines& lines, int count, double* values) {
+    if (stream != nullptr)
+        lines.read(stream, count, values);
     std::cout << label;
     for (int i = 0; i < count; ++i)
         std::cout << values[i] << " ";
@@ -115,11 +104,11 @@ int readLine(char const* label, std::FILE* stream, std::string const& path, int 
 }  // namespace
 
 int tavro_getInputs(char const*, int count, double* values) {
-    return readLine("inputs: ", dataIn, inputFile, count, values);
+    return readLine("inputs: ", dataIn, inputLines, count, values);
 }
 
 int tavro_getMeasures(char const*, int count, double* values) {
-    return readLine("measures: ", measIn, measureFile, count, values);
+    return readLine("measures: ", measIn, measureLines, count, values);
 }
 
 int tavro_setDisplays(char const*, int count, double const* inf, double const* sup) {

@@ -12,6 +12,11 @@
 #include "continuous/displays.h"
 #include "hybrid/tavro-runt.h"
 
+// Further files in the working directory: the log of the cycles of `detect`, and what tunes the
+// optimiser.
+constexpr char const* cycleBenchmark = "cycbench.bmk";
+constexpr char const* optimiserOptionsFile = "nelder.dat";
+
 // Streams are open from `init` to the end of the run; null when there is none.
 extern std::FILE *dataIn, *measIn, *dataOut, *modesOut;
 extern int memFr;  // bytes released of the value arrays

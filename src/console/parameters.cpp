@@ -2,6 +2,8 @@
 #include "console/parameters.h"
 
 #include <cctype>
+#include <cstdio>
+#include <cstdlib>
 
 #include "console/console.h"
 
@@ -19,4 +21,13 @@ std::optional<std::string> Parameters::next() {
 
 bool isNumeric(std::string const& word) {
     return !word.empty() && std::isdigit(static_cast<unsigned char>(word.front())) != 0;
+}
+
+double numberOf(std::string const& word) {
+    char* end = nullptr;
+    double const number = std::strtod(word.c_str(), &end);
+    bool const decimal = word.find_first_not_of("0123456789.eE+-") == std::string::npos;
+    if (!decimal || *end != '\0')
+        std::fprintf(stderr, "Parameter %s is read as %g\n", word.c_str(), number);
+    return number;
 }

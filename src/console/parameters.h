@@ -17,3 +17,6 @@ private:
 
 // A number begins with a digit: a leading sign or point is refused.
 bool isNumeric(std::string const& word);
+// The value of a numeric word. Required: only the beginning has to be a number. It is told what a
+// word is read as that does not look like the decimal number that it is read as.
+double numberOf(std::string const& word);

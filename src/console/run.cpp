@@ -8,6 +8,7 @@
 
 #include "console/console.h"
 #include "console/exchange.h"
+#include "console/overwriting.h"
 #include "console/parameters.h"
 #include "continuous/sorn-runt.h"
 #include "hybrid/tavro-runt.h"
@@ -54,14 +55,14 @@ InitOptions readInitOptions(char const* arg) {
         return options;
     if (!isNumeric(*word))
         return refuse("Accumulation time should be a number !\n");
-    accuTime = truncateToInt(std::atof(word->c_str()));
+    accuTime = truncateToInt(numberOf(*word));
     if (accuTime > longestAccumulation)
         return refuse("Accumulation time is too long !\n");
     if (word = parameters.next(); !word)
         return options;
     if (!isNumeric(*word))
         return refuse("Precision should be a number !\n");
-    precision = std::atof(word->c_str());
+    precision = numberOf(*word);
     if (word = parameters.next(); word)
         std::fprintf(stderr, "Unexpected parameter %s\n", word->c_str());
     return options;
@@ -87,6 +88,8 @@ bool startRun(int global) {
 }
 
 void initHybrid(int global) {
+    if (wouldOverwriteInputs())
+        return;
     if (!prepareEI() || !prepareMS() || !prepareDO() || !prepareMO())
         return;
     if (!startRun(global)) {

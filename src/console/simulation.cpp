@@ -13,6 +13,7 @@
 #include "console/parameters.h"
 #include "console/process.h"
 #include "console/run.h"
+#include "console/stale_graphs.h"
 #include "continuous/sorn-runt.h"
 #include "hybrid/tavro-runt.h"
 #include "reasoning/Scheduler.h"
@@ -103,11 +104,21 @@ bool beginRun() {
     return false;
 }
 
-// Writes the rows of the cycles and, if asked for, the graphs of the candidates; ends the run.
-void endRun(Cycles const& cycles, bool graphs) {
+// Whether a run leaves graphs of its candidates: never, or not this time, or it does.
+enum class Graphs { NEVER, MISSING, WRITTEN };
+
+void writeGraphs() {
+    removeStaleGraphs(static_cast<int>(consoleRun->tracked_trajs.size()));
+    graphTrajs(consoleRun->host, consoleRun->tracked_trajs);
+}
+
+// Writes the rows of the cycles and the graphs of the candidates; ends the run.
+void endRun(Cycles const& cycles, Graphs graphs) {
     cycles.writeRows();
-    if (graphs)
-        graphTrajs(consoleRun->host, consoleRun->tracked_trajs);
+    if (graphs == Graphs::WRITTEN)
+        writeGraphs();
+    else if (graphs == Graphs::MISSING)
+        tellStaleGraphs();
     clearMultiTrajs(*consoleRun);
     consoleRun->sMM->reportUnmetEvents(std::min(simTime, totalTime));
     closeRunFiles();
@@ -127,8 +138,11 @@ bool readTotalTime(std::optional<std::string> const& word, char const* missing) 
         std::fprintf(stderr, "Total time should be a number !\n");
         return false;
     }
-    totalTime = std::atof(word->c_str());
-    return totalTime > 0.0;
+    totalTime = numberOf(*word);
+    if (totalTime > 0.0)
+        return true;
+    std::fprintf(stderr, "Total time is 0: no cycle is run.\n");
+    return false;
 }
 
 // ---- simul ----
@@ -140,7 +154,7 @@ bool readSimulation(char const* arg, RunOptions& options) {
         return false;
     std::optional<std::string> word = parameters.next();
     if (word && isNumeric(*word)) {
-        options.period = std::atof(word->c_str());
+        options.period = numberOf(*word);
         options.mode = RUN_RESET;
         if (measIn == nullptr) {
             std::fprintf(stderr, "Resetting impossible (no measure file) !\n");
@@ -176,7 +190,7 @@ void simulate(RunOptions const& options) {
         if (!cycles.run(options, countdown, Ts))
             break;
     }
-    endRun(cycles, false);
+    endRun(cycles, Graphs::NEVER);
 }
 
 // ---- detect ----
@@ -215,7 +229,7 @@ bool readDetection(char const* arg, RunOptions& options) {
         std::fprintf(stderr, "Alarm threshold should be a number !\n");
         return false;
     }
-    options.threshold = truncateToInt(std::atof(threshold->c_str()));
+    options.threshold = truncateToInt(numberOf(*threshold));
     std::optional<std::string> const merging = parameters.next();
     bool const nomerge = merging && merging->find("nomerge") != std::string::npos;
     options.mode = nomerge ? RUN_NOMERGE : RUN_DETECT;
@@ -237,8 +251,6 @@ bool canDetect() {
     }
     return true;
 }
-
-constexpr char const* cycleBenchmark = "cycbench.bmk";
 
 std::FILE* openCycleBenchmark() {
     std::FILE* file = std::fopen(cycleBenchmark, "w");
@@ -273,7 +285,7 @@ void detect(RunOptions const& options) {
             break;
     }
     // A run that was stopped may hold more candidates than anyone wants as files.
-    endRun(cycles, simTime > totalTime);
+    endRun(cycles, simTime > totalTime ? Graphs::WRITTEN : Graphs::MISSING);
     closeOutput(benchmark, cycleBenchmark);
 }
 

@@ -94,7 +94,7 @@ void takeModesFile(Arguments& arguments) {
 }
 
 void setPrefixes() {
-    inputFile = scenarFile = "inp/";
+    inputFile = scenarFile = inputPrefix;
     measureFile = "obs/";
     displayFile = "disp/";
     modesFile.clear();

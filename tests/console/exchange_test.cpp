@@ -167,9 +167,7 @@ TEST_F(ReadTest, MissingNumbersComeFromTheNextLine) {
 TEST_F(ReadTest, BeyondTheEndTheValuesStay) {
     open("1 2 3\n4");
     read(3);
-    Streams const said = read(3);
-    EXPECT_EQ(said.out, "measures: 4 2 3 \n");
-    EXPECT_EQ(said.err, "");
+    EXPECT_EQ(read(3).out, "measures: 4 2 3 \n");
     EXPECT_EQ(read(3).out, "measures: 4 2 3 \n");
 }
 
@@ -219,6 +217,109 @@ TEST_F(ReadTest, InputsHaveTheirOwnFileAndLabel) {
     Streams const said = streamsOf([&] { EXPECT_EQ(tavro_getInputs("", 2, values.data()), 1); });
     EXPECT_EQ(said.out, "inputs: 7 8 \n");
     EXPECT_EQ(read(2).out, "measures: 1 2 \n");
+}
+
+// ---- What is told of a file ----
+
+using Told = std::vector<std::string>;
+
+// What three lines of two numbers tell.
+class OddLinesTest : public ReadTest {
+protected:
+    Told told(std::string const& text) {
+        open(text);
+        Told messages;
+        for (simTime = 0.0; simTime < 3.0; ++simTime)
+            messages.push_back(read(2).err);
+        return messages;
+    }
+};
+
+TEST_F(OddLinesTest, NothingOfLinesThatAreInOrder) {
+    EXPECT_EQ(told("1 2\n 3\t4 \r\n5 6"), (Told{"", "", ""}));
+    EXPECT_EQ(told("1 2 # 3\n3 4 five\n5 6 7th"), (Told{"", "", ""})) << "comments";
+    EXPECT_EQ(told("1 2\n3 4\n5 6\n\n\n"), (Told{"", "", ""})) << "nothing is read behind them";
+}
+
+TEST_F(OddLinesTest, TextBehindANumberWithoutABlank) {
+    EXPECT_EQ(told("0,5 2\n3 4\n5 6\n"),
+              (Told{"obs/day, line 1, column 2: text follows 0 without a blank, 0 is taken\n"
+                    "obs/day: value 2 of time 0 is not a number, -2 stays\n",
+                    "", ""}));
+    EXPECT_EQ(
+        told("1 2\n  3 4.5kg\n5 6#\n"),
+        (Told{"", "obs/day, line 2, column 8: text follows 4.5 without a blank, 4.5 is taken\n",
+              ""}))
+        << "once";
+    EXPECT_EQ(
+        told("1-2\n3 4\n5 6\n"),
+        (Told{"obs/day, line 1, column 2: text follows 1 without a blank, 1 is taken\n", "", ""}))
+        << "the text may be the next number";
+}
+
+TEST_F(OddLinesTest, ALineWithTooFewNumbers) {
+    EXPECT_EQ(
+        told("1\n2 3\n4\n5\n6 7\n"),
+        (Told{"obs/day, line 1, column 2: too few numbers, 1 of 2: the next ones come from line "
+              "2\n"
+              "obs/day, line 2, column 3: too many numbers, more than 2: the rest of the line is "
+              "skipped\n",
+              "", ""}))
+        << "the first number of the next line is the second one, and then it has one too many";
+    EXPECT_EQ(
+        told("1 2\n3 4\n5  \n\n"),
+        (Told{"", "", "obs/day, line 3, column 4: too few numbers, 1 of 2: the next ones stay\n"}));
+}
+
+TEST_F(OddLinesTest, ALineWithTooManyNumbers) {
+    EXPECT_EQ(told("1 2 \t3 4\n5 6 7\n8 9\n"),
+              (Told{"obs/day, line 1, column 6: too many numbers, more than 2: the rest of the "
+                    "line is skipped\n",
+                    "", ""}));
+    EXPECT_EQ(
+        told("1 2\n3 4\n5 6 7"),
+        (Told{"", "",
+              "obs/day, line 3, column 5: too many numbers, more than 2: the rest of the line is "
+              "skipped\n"}));
+}
+
+TEST_F(OddLinesTest, ABlankLine) {
+    EXPECT_EQ(told("\n1 2\n\n3 4\n5 6\n"),
+              (Told{"obs/day, line 1, column 1: blank line, skipped: line 2 stands for time 0\n",
+                    "", ""}));
+    EXPECT_EQ(told("1 2\n3 4 x\n \t\r\n\n5 6\n"),
+              (Told{"", "",
+                    "obs/day, line 3, column 1: blank line, skipped: line 5 stands for time 2\n"}));
+    EXPECT_EQ(
+        told("1\n\n2\n3 4\n5 6\n"),
+        (Told{"obs/day, line 1, column 2: too few numbers, 1 of 2: the next ones come from line "
+              "3\n"
+              "obs/day, line 2, column 1: blank line, skipped: line 3 stands for time 0\n",
+              "", ""}));
+}
+
+TEST_F(OddLinesTest, TheFirstStepPastTheEnd) {
+    EXPECT_EQ(
+        told("1 2\n\n"),
+        (Told{"", "obs/day, line 1, column 1: last line: the values stay from time 1 on\n", ""}));
+    EXPECT_EQ(
+        told("1 2\n3 4"),
+        (Told{"", "", "obs/day, line 2, column 1: last line: the values stay from time 2 on\n"}));
+    EXPECT_EQ(
+        told("\n\n"),
+        (Told{"obs/day, line 1, column 1: no line: the values stay from time 0 on\n", "", ""}));
+}
+
+// A sign alone, at which the file ends.
+TEST_F(OddLinesTest, AWordThatBeginsLikeANumber) {
+    EXPECT_EQ(told("1 2\n3 -"),
+              (Told{"", "obs/day: value 2 of time 1 is not a number, 2 stays\n",
+                    "obs/day, line 2, column 1: last line: the values stay from time 2 on\n"}));
+}
+
+TEST_F(OddLinesTest, AFileThatIsOpenedAgainIsToldAgain) {
+    Told const once = told("0,5 2\n");
+    EXPECT_EQ(told("0,5 2\n"), once) << "the second value is -2 as before";
 }
 
 // ---- Writing and closing ----

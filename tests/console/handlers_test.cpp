@@ -113,6 +113,25 @@ TEST_F(HandlerTest, InitEndsTheDisplayLineWhateverHappens) {
     EXPECT_EQ(WorkDirectory::read(displayFile), "\n");
 }
 
+TEST_F(HandlerTest, InitNeverEmptiesAFileThatItReads) {
+    std::string const measures = WorkDirectory::read(measureFile);
+    displayFile = "disp/../obs/./day";
+    EXPECT_EQ(call(snInit, nullptr), 0);
+    EXPECT_EQ(said.err, "Can't write file disp/../obs/./day: it is the measure file obs/day\n");
+    EXPECT_EQ(said.out, "");
+    EXPECT_EQ(theRun().hybNT, nullptr);
+    EXPECT_EQ(measIn, nullptr);
+    EXPECT_EQ(dataOut, nullptr);
+    EXPECT_EQ(WorkDirectory::read(measureFile), measures);
+}
+
+// A device at both ends loses nothing.
+TEST_F(HandlerTest, InitReadsAndWritesTheSameDevice) {
+    measureFile = displayFile = "/dev/null";
+    EXPECT_EQ(call(snInit, nullptr), 0);
+    EXPECT_NE(theRun().hybNT, nullptr) << said.err;
+}
+
 TEST_F(HandlerTest, InitOfADiscreteModelIsSilent) {
     discrete = true;
     EXPECT_EQ(call(snInit, nullptr), 0);
@@ -142,8 +161,11 @@ TEST_F(HandlerTest, SimulRefusesAndTheRunGoesOn) {
         {"", "Missing parameter ! (expecting total time)\n"},
         {"x", "Total time should be a number !\n"},
         {"-1", "Total time should be a number !\n"},
-        {"0", ""},
-        {"0 multi", ""},
+        {"0", "Total time is 0: no cycle is run.\n"},
+        {"0 multi", "Total time is 0: no cycle is run.\n"},
+        {"0x0 multi",
+         "Parameter 0x0 is read as 0\n"
+         "Total time is 0: no cycle is run.\n"},
         {"1e999 multi", "Total time is too long !\n"},
     };
     for (auto const& [arg, message] : cases) {
@@ -269,7 +291,8 @@ TEST_F(HandlerTest, TheLastCycleMayFallOutThroughRounding) {
     call(snSimul, "0.3 multi");
     EXPECT_EQ(said.err,
               "-- time = 0.1 --------------------------\n"
-              "-- time = 0.2 --------------------------\n");
+              "-- time = 0.2 --------------------------\n"
+              "obs/day, line 2, column 1: last line: the values stay from time 0.2 on\n");
     std::string const display = WorkDirectory::read(displayFile);
     EXPECT_EQ(std::count(display.begin(), display.end(), '\n'), 3) << "time 0, and two cycles";
 }

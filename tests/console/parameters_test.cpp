@@ -1,7 +1,7 @@
 // The words after a command.
 #include "console/parameters.h"
 
-#include <gtest/gtest.h>
+#include "console_fixture.h"
 
 namespace {
 
@@ -51,6 +51,35 @@ TEST(IsNumeric, AsksForADigitInFront) {
     EXPECT_FALSE(isNumeric(" 3"));
     EXPECT_FALSE(isNumeric(""));
     EXPECT_FALSE(isNumeric("\xb2")) << "a superscript two of Latin-1 is no digit";
+}
+
+double number = 0.0;  // what the last word was read as
+
+std::string toldOf(char const* word) {
+    return streamsOf([word] { number = numberOf(word); }).err;
+}
+
+TEST(NumberOf, ReadsDecimalNumbersInSilence) {
+    for (auto const& [word, value] : {std::pair<char const*, double>{"0", 0.0},
+                                      {"10", 10.0},
+                                      {"2.9", 2.9},
+                                      {"3.", 3.0},
+                                      {"1e-3", 0.001},
+                                      {"2E+1", 20.0}}) {
+        EXPECT_EQ(toldOf(word), "");
+        EXPECT_EQ(number, value) << word;
+    }
+}
+
+TEST(NumberOf, TellsWhatOtherWordsAreReadAs) {
+    EXPECT_EQ(toldOf("3abc"), "Parameter 3abc is read as 3\n");
+    EXPECT_EQ(number, 3.0);
+    EXPECT_EQ(toldOf("0x10"), "Parameter 0x10 is read as 16\n");
+    EXPECT_EQ(number, 16.0);
+    EXPECT_EQ(toldOf("0,5"), "Parameter 0,5 is read as 0\n");
+    EXPECT_EQ(toldOf("1e"), "Parameter 1e is read as 1\n");
+    EXPECT_EQ(toldOf("1-2"), "Parameter 1-2 is read as 1\n");
+    EXPECT_EQ(toldOf("1.2.3"), "Parameter 1.2.3 is read as 1.2\n");
 }
 
 }  // namespace

@@ -1,0 +1,8 @@
+// Graphs that an earlier run left in the working directory: they bear the names of this one's.
+#pragma once
+
+// Removes the graphs whose number is *count* or above, and says so. What this program did not write
+// under such a name stays: a link, a directory, a file that begins otherwise.
+void removeStaleGraphs(int count);
+// For a run that writes no graphs: says so if there are earlier ones.
+void tellStaleGraphs();
