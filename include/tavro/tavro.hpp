@@ -35,8 +35,9 @@
 // std::bad_alloc where no run is the cause. An error of kind `options`, `data` or `state` is a
 // wrong call: it changed nothing, and the run goes on. Every other kind stops the run.
 //
-// The library prints nothing, opens no file, installs no handler and never ends the process. Who
-// wants to see the reasoning gives Options::trace or Options::messages a place to write to.
+// The library prints nothing, opens no file unless Options::watchMemory asks for what the system
+// tells of its memory, installs no handler and never ends the process. Who wants to see the
+// reasoning gives Options::trace or Options::messages a place to write to.
 #pragma once
 
 #include <cstddef>
@@ -67,8 +68,8 @@ enum class ErrorKind {
     noDiagnosis,      // nothing in the plant explains the measures
     outsideWindow,    // the fault lies further back than the histories reach
     memory,           // memory ran short within a step
-    // A defect of the library, or of a plant that is compiled into it: no call is known to lead here,
-    // and this is what becomes of an exception that nobody foresaw.
+    // A defect of the library, or of a plant compiled into it: no call is known to lead here, and
+    // this is what becomes of an exception that nobody foresaw.
     internal
 };
 

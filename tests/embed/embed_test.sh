@@ -148,4 +148,21 @@ awk '/^```text$/ { inside = 1; next } /^```$/ { if (inside) exit } inside' \
   "$source/docs/library.md" >guide.txt
 diff guide.txt "$expected/room" >&2 || complain "docs/library.md shows another output"
 
+# What it shows beside is typed in around a run of the room.
+{
+  printf '#include <iostream>\n#include <tavro/tavro.hpp>\nint main() {\n'
+  printf 'tavro::Plant const plant = tavro::Plant::builtin("therm");\n'
+  awk '/^```c\+\+$/ { inside = 1; next } /^```$/ { inside = 0 } inside' "$source/docs/library.md"
+  printf 'run.start({.measures = {0.95}});\n'
+  awk '/^Commands are given/ { inside = 1 } inside' "$source/docs/library.md" | tr '\n' ' ' |
+    sed 's/^[^`]*`\([^`]*\)`.*/\1;/'
+  printf '}\n'
+} >guide_more.cpp
+grep -q 'room.cmdin=open' guide_more.cpp || complain "docs/library.md shows no command"
+# shellcheck disable=SC2086
+quietly "$CXX" -std=c++20 -Wall -Wextra -Werror guide_more.cpp $flags "-Wl,-rpath,$libraries" \
+  -o guide_more
+./guide_more 2>"$tmp/err" || complain "what docs/library.md shows ended with status $?"
+grep -q -e '-- time = 0 ---' "$tmp/err" || complain "what docs/library.md shows tells nothing"
+
 exit $failed
