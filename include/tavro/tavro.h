@@ -40,7 +40,7 @@ typedef struct tavro_step tavro_step;
 typedef enum tavro_code {
     TAVRO_OK = 0,
     TAVRO_ARGUMENT = 1, /* a null where none may be */
-    TAVRO_PLANT = 2,    /* there is no such plant */
+    TAVRO_PLANT = 2,    /* there is no such plant, or its check has refused it */
     TAVRO_OPTIONS = 3,  /* an option is out of its range, or does not fit the plant */
     TAVRO_DATA = 4,     /* a wrong count, a value that is no finite number, an unknown name */
     TAVRO_STATE = 5,    /* not legal in the state of the run */
@@ -48,9 +48,8 @@ typedef enum tavro_code {
     TAVRO_EVENT_IMPOSSIBLE = 7,
     TAVRO_NO_DIAGNOSIS = 8,
     TAVRO_OUTSIDE_WINDOW = 9,
-    TAVRO_NO_CANDIDATE = 10,
-    TAVRO_MEMORY = 11,
-    TAVRO_INTERNAL = 12
+    TAVRO_MEMORY = 10,
+    TAVRO_INTERNAL = 11 /* a defect of the library: no call is known to lead here */
 } tavro_code;
 
 TAVRO_C_API char const* tavro_version(void);

@@ -35,8 +35,9 @@
 // std::bad_alloc where no run is the cause. An error of kind `options`, `data` or `state` is a
 // wrong call: it changed nothing, and the run goes on. Every other kind stops the run.
 //
-// The library prints nothing, opens no file, installs no handler and never ends the process. Who
-// wants to see the reasoning gives Options::trace or Options::messages a place to write to.
+// The library prints nothing, opens no file unless Options::watchMemory asks for what the system
+// tells of its memory, installs no handler and never ends the process. Who wants to see the
+// reasoning gives Options::trace or Options::messages a place to write to.
 #pragma once
 
 #include <cstddef>
@@ -58,7 +59,7 @@ TAVRO_API char const* version();
 // ---- Errors ----
 
 enum class ErrorKind {
-    plant,            // there is no such plant
+    plant,            // there is no such plant, or its check has refused it
     options,          // an option is out of its range, or does not fit the plant
     data,             // a wrong count of values, a value that is no finite number, an unknown name
     state,            // a call that is not legal in the state of the run
@@ -66,9 +67,10 @@ enum class ErrorKind {
     eventImpossible,  // the measured world and a candidate's modes contradict each other
     noDiagnosis,      // nothing in the plant explains the measures
     outsideWindow,    // the fault lies further back than the histories reach
-    noCandidate,      // the step before has left no candidate to follow
     memory,           // memory ran short within a step
-    internal          // the library failed otherwise
+    // A defect of the library, or of a plant compiled into it: no call is known to lead here, and
+    // this is what becomes of an exception that nobody foresaw.
+    internal
 };
 
 class TAVRO_API Error : public std::runtime_error {
@@ -88,7 +90,7 @@ struct PlantData;
 class TAVRO_API Plant {
 public:
     // A plant that is compiled into the library; builtins() lists the names. Builds it anew, which
-    // takes about a millisecond. Error: plant.
+    // takes about a millisecond. Error: plant, internal.
     static Plant builtin(std::string_view name);
     static std::vector<std::string> builtins();
 

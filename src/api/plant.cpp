@@ -1,19 +1,15 @@
 // The plants of the library.
 #include <algorithm>
-#include <iterator>
+#include <new>
 
+#include "api/builtin_models.h"
 #include "api/plant_data.h"
 #include "continuous/records.h"
 #include "run/build_plant.h"
 
-extern CompiledModel const therm_model;
-extern CompiledModel const line_model;
-
 namespace tavro {
 
 namespace {
-
-constexpr CompiledModel const* models[] = {&therm_model, &line_model};
 
 std::unique_ptr<::Plant> build(CompiledModel const& model) {
     Host silent;
@@ -21,6 +17,10 @@ std::unique_ptr<::Plant> build(CompiledModel const& model) {
         return buildPlant(model, silent);
     } catch (PlantRefused const& refused) {
         throw Error(ErrorKind::plant, refused.what());
+    } catch (std::bad_alloc const&) {
+        throw;
+    } catch (std::exception const& why) {
+        throw Error(ErrorKind::internal, why.what());
     }
 }
 
@@ -32,17 +32,18 @@ Plant& Plant::operator=(Plant const&) = default;
 Plant::~Plant() = default;
 
 Plant Plant::builtin(std::string_view name) {
-    auto const found =
-        std::find_if(std::begin(models), std::end(models),
-                     [name](auto const* model) { return name == model->model_name; });
-    if (found == std::end(models))
+    auto const models = builtinModels();
+    auto const found = std::find_if(models.begin(), models.end(), [name](auto const* model) {
+        return name == model->model_name;
+    });
+    if (found == models.end())
         throw Error(ErrorKind::plant, "no plant is named " + std::string(name));
     return Plant(std::make_shared<PlantData const>(build(**found)));
 }
 
 std::vector<std::string> Plant::builtins() {
     std::vector<std::string> names;
-    for (CompiledModel const* model : models)
+    for (CompiledModel const* model : builtinModels())
         names.emplace_back(model->model_name);
     return names;
 }

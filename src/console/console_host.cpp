@@ -1,6 +1,8 @@
 // Streams, files and requests of a console's runs.
 #include "console/console_host.h"
 
+#include <unistd.h>
+
 #include <filesystem>
 #include <iostream>
 
@@ -77,8 +79,12 @@ bool ConsoleHost::write(std::string const& path, std::string const& text) {
     return static_cast<bool>(file);
 }
 
-// Read again for every search, so that the optimiser can be tuned anew without a restart.
+// Read again for every search, so that the optimiser can be tuned anew without a restart. A cycle
+// searches a dozen times, mostly without the file: a stream alone would cost more than asking for
+// it.
 void ConsoleHost::optimiserOptions(Nelder_options& options) {
+    if (::access(optimiserOptionsFile, F_OK) != 0)
+        return;
     if (std::ifstream file(optimiserOptionsFile); file)
         Nelder_read_options(file, options);
 }

@@ -7,7 +7,8 @@
 //   2  also soft conflict sets, from behaving measures that share suspects with misbehaving ones,
 //      and an order by preference class;
 //   3  the sets of level 1, without the diagnoses that a behaving measure exonerates.
-// What lasts is the text in the runtime's diagBuf and the atom sets in its bridgeConflicts.
+// The suspects are handed to the host as data (Isolation). What lasts is their text in the
+// runtime's diagBuf and the atom sets in its bridgeConflicts.
 #pragma once
 
 #include <memory>
@@ -101,13 +102,21 @@ private:
 
 // ---- Diagnosis (isolation/diagnosis.cpp) ----
 
+// What the isolation of one candidate has found. Borrows the influences: valid while its runtime
+// is.
+struct Isolation {
+    // The level that was worked at: plain where a higher one was asked for and no measure behaves.
+    int level;
+    std::vector<Leaf> leaves;  // each a set of suspects that touches every conflict set
+};
+
 // Makes ready for a diagnosis. Mode 0 keeps a memory of known misbehaviours, mode 1 does not.
 void faultIsolationSetup(s_runtime* rt, int mode);
 // Whether to diagnose at all; *incremental*: whether only new misbehaviours need a look.
 bool configurationHasChanged(s_runtime* rt, bool& incremental, int level);
 void hittingSetDiagnosis(s_runtime* rt, int level);
 void faultIsolationEnd(s_runtime* rt);
-// Isolates the misbehaviours of a candidate at level mode - 2, and yields the text.
+// Isolates the misbehaviours of a candidate at level mode - 2, and yields suspects and text.
 void sn_detectAndIsolate(s_runtime* rt, int mode);
 // The older cycle, of which isolation alone is in use: mode 6, 7, 8 at level mode - 5, from
 // misbehaviours and conditions given from outside. -1 when the model is invalid, else the count of
@@ -123,6 +132,8 @@ void sn_prepareDiag(s_runtime* rt);
 // Appends the leaves to the text, and hands the conditions of their suspects to the bridge.
 void printHSTree(s_runtime* rt, std::vector<Leaf> const& leaves);
 void printConflict(s_runtime* rt, Conflict const* conflict);
+// Under which the suspect acts, as "((thermostat.mode=on))"; "()" for always.
+std::string conditionText(Conflict const& conflict);
 // Digits of a number, one for 0: the width of a leaf's number in the headings that the text had
 // once.
 int numLength(int number);

@@ -4,6 +4,8 @@
 #include <algorithm>
 #include <cstddef>
 
+#include "continuous/isolation.h"
+
 LineStream::LineStream(Sink sink) : std::ostream(nullptr), buffer(sink) {
     if (sink)
         rdbuf(&buffer);
@@ -38,6 +40,26 @@ void LibraryHost::inputs(int count, double* values) {
 
 void LibraryHost::measures(int count, double* values) {
     std::copy_n(firstMeasures.begin(), std::min<std::size_t>(firstMeasures.size(), count), values);
+}
+
+namespace {
+
+tavro::SuspectSet toldOf(Leaf const& leaf) {
+    tavro::SuspectSet set;
+    for (auto const& suspect : leaf.conflictSet)
+        set.push_back({suspect->name, suspect->delay, conditionText(*suspect)});
+    return set;
+}
+
+}  // namespace
+
+void LibraryHost::isolated(Isolation const& found) {
+    for (Leaf const& leaf : found.leaves) {
+        watchMemory(*this);
+        tavro::SuspectSet set = toldOf(leaf);
+        if (std::find(suspects.begin(), suspects.end(), set) == suspects.end())
+            suspects.push_back(std::move(set));
+    }
 }
 
 void LibraryHost::diagnosis(std::string const& text) {

@@ -1,5 +1,5 @@
-// The host of a run inside another program: it gives the values of one step, keeps the texts of its
-// diagnoses, and tells what was asked for, a line at a time. It has no files.
+// The host of a run inside another program: it gives the values of one step, keeps its diagnoses,
+// and tells what was asked for, a line at a time. It has no files.
 #pragma once
 
 #include <functional>
@@ -11,6 +11,7 @@
 
 #include "support/host.h"
 #include "support/memory_watch.h"
+#include "tavro/tavro.hpp"
 
 // A stream whose whole lines go to a function. What is written without a function goes nowhere, and
 // costs no formatting.
@@ -43,11 +44,15 @@ public:
     std::ostream& err() override { return told; }
     void inputs(int count, double* values) override;
     void measures(int count, double* values) override;
+    void isolated(Isolation const& found) override;
     void diagnosis(std::string const& text) override;
     bool memoryRunsShort() override { return watchesMemory && memory.runsShort(); }
 
     std::vector<double> firstInputs, firstMeasures;  // given to the run's start
-    std::vector<std::string> diagnoses;              // of the current step, none of them empty
+    // Of the current step: the texts of its diagnoses, none of them empty, and the same as data,
+    // each set of suspects once.
+    std::vector<std::string> diagnoses;
+    std::vector<tavro::SuspectSet> suspects;
 
 private:
     LineStream trace;

@@ -2,11 +2,11 @@
 #include "run/stepwise_run.h"
 
 #include <algorithm>
+#include <cassert>
 #include <cmath>
 
 #include "continuous/isolation.h"
 #include "continuous/sorn-runt.h"
-#include "run/diagnosis_text.h"
 #include "support/memory_watch.h"
 #include "support/run_stopped.h"
 
@@ -245,12 +245,12 @@ tavro::Step StepwiseRun::hybridStep(tavro::Line const& line) {
     std::vector<Atom*> const commands = atomsOf(line.commands, names.commands, "command");
     require(line.observations.empty(), ErrorKind::data,
             "a run with measures takes no observations");
-    if (run.hybNT == nullptr)
-        stop(Error(ErrorKind::noCandidate, "no candidate is left"));
+    assert(run.hybNT != nullptr);  // a step leaves a candidate, or stops the run
     watchMemory(host);
     double const when = now + run.tavro_rt->Ts;
     giveCommands(commands, when);
     host.diagnoses.clear();
+    host.suspects.clear();
     std::copy(line.inputs.begin(), line.inputs.end(), run.engine.inps.begin());
     std::copy(line.measures.begin(), line.measures.end(), run.engine.meas.begin());
     countdown -= run.tavro_rt->Ts;
@@ -285,12 +285,9 @@ void StepwiseRun::diagnose(tavro::Step& told) {
     run.misbtrajs.clear();
     run.hybNT = run.tracked_trajs.empty() ? nullptr : run.tracked_trajs.begin()->second.get();
     told.diagnosed = true;
-    for (std::string const& text : host.diagnoses) {
+    for (std::string const& text : host.diagnoses)
         told.diagnosis += (told.diagnosis.empty() ? "" : "\n") + text;
-        for (tavro::SuspectSet& set : readDiagnosis(text))
-            if (std::find(told.suspects.begin(), told.suspects.end(), set) == told.suspects.end())
-                told.suspects.push_back(std::move(set));
-    }
+    told.suspects = std::move(host.suspects);
     told.explanations = explanationsOf(candidatesOf(run), [](Trajectory const& history, int step) {
         return history.getTimeCorr(step);
     });

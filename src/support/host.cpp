@@ -16,6 +16,7 @@ bool Host::activity(int, int*) {
 }
 
 void Host::alarms(int, int const*, int const*, int const*) {}
+void Host::isolated(Isolation const&) {}
 void Host::diagnosis(std::string const&) {}
 
 std::unique_ptr<std::istream> Host::open(std::string const&) {

@@ -13,6 +13,7 @@
 #include <ostream>
 #include <string>
 
+struct Isolation;
 struct Nelder_options;
 
 class Host {
@@ -45,6 +46,8 @@ public:
     virtual bool activity(int count, int* values);
     // Takes the alarms of a cycle, an entry per measure.
     virtual void alarms(int count, int const* low, int const* high, int const* misbehaving);
+    // Takes the suspects of a candidate's isolation, which may be none, before their text.
+    virtual void isolated(Isolation const& found);
     // Takes the text of a diagnosis, which may be empty.
     virtual void diagnosis(std::string const& text);
 

@@ -1,9 +1,10 @@
-// From the misbehaving measures of a cycle to the text of their diagnoses.
+// From the misbehaving measures of a cycle to their diagnoses.
 #include <algorithm>
 #include <cassert>
 
 #include "continuous/isolation.h"
 #include "continuous/sorn-runt.h"
+#include "support/host.h"
 
 namespace {
 
@@ -120,7 +121,9 @@ void hittingSetDiagnosis(s_runtime* rt, int level) {
         tree.exonerate(sorted.normalVars);
     if (level == LEVEL_PREFERENCE)
         tree.sortByPreference(soft);
-    printHSTree(rt, tree.leaves());
+    Isolation const found{level, tree.leaves()};
+    printHSTree(rt, found.leaves);
+    rt->engine->host.isolated(found);
     faultIsolationEnd(rt);
 }
 

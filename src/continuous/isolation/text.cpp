@@ -12,19 +12,18 @@
 
 namespace {
 
-void append(s_runtime* rt, std::string const& text) {
-    rt->diagBuf += text;
-}
+void writeCondition(std::string& text, s_Condition const* condition);
+void writeExpr(std::string& text, s_Expr const* expr);
 
-void printDiagValue(s_runtime* rt, s_Objet const& value) {
+void writeValue(std::string& text, s_Objet const& value) {
     if (isRange(value))
-        append(rt, shortText(value.rng.inf) + " " + shortText(value.rng.sup));
+        text += shortText(value.rng.inf) + " " + shortText(value.rng.sup);
     else
-        append(rt, shortText(sn_infOf(value)));
+        text += shortText(sn_infOf(value));
 }
 
 // Required: two operators have no text, and the right-hand side is never written.
-void printDiagRelation(s_runtime* rt, s_Condition const* condition) {
+void writeRelation(std::string& text, s_Condition const* condition) {
     char const* relation = "";
     switch (condition->op) {
         case REL_EQ:
@@ -42,46 +41,72 @@ void printDiagRelation(s_runtime* rt, s_Condition const* condition) {
         default:
             break;
     }
-    append(rt, condition->var->nom + relation);
+    text += condition->var->nom + relation;
 }
 
-void printDiagOperands(s_runtime* rt, s_Condition const* condition, char const* separator) {
+void writeOperands(std::string& text, s_Condition const* condition, char const* separator) {
     if (condition->left != nullptr) {
-        sn_printDiagCond(rt, condition->left);
-        append(rt, separator);
+        writeCondition(text, condition->left);
+        text += separator;
     }
     if (condition->right != nullptr)
-        sn_printDiagCond(rt, condition->right);
+        writeCondition(text, condition->right);
 }
 
-void printDiagBody(s_runtime* rt, s_Condition const* condition) {
+void writeBody(std::string& text, s_Condition const* condition) {
     switch (condition->kind) {
         case COND_CONST:
-            append(rt, condition->val == 1 ? "true" : "false");
+            text += condition->val == 1 ? "true" : "false";
             break;
         case COND_REL:
-            printDiagRelation(rt, condition);
+            writeRelation(text, condition);
             break;
         case COND_OR:
-            printDiagOperands(rt, condition, " | ");
+            writeOperands(text, condition, " | ");
             break;
         case COND_AND:
-            printDiagOperands(rt, condition, " & ");
+            writeOperands(text, condition, " & ");
             break;
         case COND_NOT:
-            append(rt, "! ");
-            sn_printDiagCond(rt, condition->left);
+            text += "! ";
+            writeCondition(text, condition->left);
             break;
         case COND_ATOM:
-            append(rt, std::string("(") + condition->atom->getId() + ")");
-            printDiagOperands(rt, condition, " | ");
+            text += std::string("(") + condition->atom->getId() + ")";
+            writeOperands(text, condition, " | ");
             break;
         case COND_EXPR:
-            sn_printDiagExpr(rt, condition->expr);
-            printDiagRelation(rt, condition);
+            writeExpr(text, condition->expr);
+            writeRelation(text, condition);
             break;
         default:
             break;
+    }
+}
+
+void writeCondition(std::string& text, s_Condition const* condition) {
+    text += "(";
+    writeBody(text, condition);
+    text += ")";
+}
+
+void writeExpr(std::string& text, s_Expr const* expr) {
+    static constexpr char const* operators[] = {"+", "-", "*", "/", "**"};
+    if (expr->op == EXPR_CONST) {
+        writeValue(text, expr->gvar->value);
+    } else if (expr->op == EXPR_VAR) {
+        text += expr->gvar->var->nom;
+    } else if (expr->op == EXPR_NEG) {
+        text += "-(";
+        writeExpr(text, expr->left);
+        text += ")";
+    } else {
+        text += "(";
+        writeExpr(text, expr->left);
+        assert(expr->op >= EXPR_ADD && expr->op < EXPR_ADD + 5);
+        text += std::string(")") + operators[expr->op - EXPR_ADD] + "(";
+        writeExpr(text, expr->right);
+        text += ")";
     }
 }
 
@@ -120,12 +145,12 @@ void printHSTree(s_runtime* rt, std::vector<Leaf> const& leaves) {
     rt->bridgeConflicts.emplace();
     for (Leaf const& leaf : leaves) {
         watchMemory(rt->engine->host);
-        append(rt, "[");
+        rt->diagBuf += "[";
         for (auto const& suspect : leaf.conflictSet) {
             addBridgeConflict(rt, suspect->influence->cond, existingConflicts);
             printConflict(rt, suspect.get());
         }
-        append(rt, "]");
+        rt->diagBuf += "]";
     }
 }
 
@@ -134,36 +159,22 @@ void printConflict(s_runtime* rt, Conflict const* conflict) {
         rt->engine->err << "Unable to print conflict (NULL Pointer)\n";
         return;
     }
-    append(rt, "{" + conflict->name + "," + std::to_string(conflict->delay) + ",");
-    if (conflict->influence->cond == nullptr)
-        append(rt, "()");
-    else
-        sn_printDiagCond(rt, conflict->influence->cond);
-    append(rt, "}");
+    rt->diagBuf += "{" + conflict->name + "," + std::to_string(conflict->delay) + "," +
+                   conditionText(*conflict) + "}";
+}
+
+std::string conditionText(Conflict const& conflict) {
+    if (conflict.influence->cond == nullptr)
+        return "()";
+    std::string text;
+    writeCondition(text, conflict.influence->cond);
+    return text;
 }
 
 void sn_printDiagCond(s_runtime* rt, s_Condition const* condition) {
-    append(rt, "(");
-    printDiagBody(rt, condition);
-    append(rt, ")");
+    writeCondition(rt->diagBuf, condition);
 }
 
 void sn_printDiagExpr(s_runtime* rt, s_Expr const* expr) {
-    static constexpr char const* operators[] = {"+", "-", "*", "/", "**"};
-    if (expr->op == EXPR_CONST) {
-        printDiagValue(rt, expr->gvar->value);
-    } else if (expr->op == EXPR_VAR) {
-        append(rt, expr->gvar->var->nom);
-    } else if (expr->op == EXPR_NEG) {
-        append(rt, "-(");
-        sn_printDiagExpr(rt, expr->left);
-        append(rt, ")");
-    } else {
-        append(rt, "(");
-        sn_printDiagExpr(rt, expr->left);
-        assert(expr->op >= EXPR_ADD && expr->op < EXPR_ADD + 5);
-        append(rt, std::string(")") + operators[expr->op - EXPR_ADD] + "(");
-        sn_printDiagExpr(rt, expr->right);
-        append(rt, ")");
-    }
+    writeExpr(rt->diagBuf, expr);
 }
