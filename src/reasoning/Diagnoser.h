@@ -81,6 +81,17 @@ public:
     // The same, and whether the history holds one that has been; that alone decides for a
     // transition of another kind. Enters nothing. No caller yet.
     bool checkForDeadEndExt(Transition const* transition, Trajectory const* trajectory);
+    // Whether a search does not expand the transition at step t of the history, by the rule in
+    // force (dead_ends.cpp).
+    bool isDeadEnd(Transition const* transition, Trajectory const* trajectory, int t);
+    // Makes the weights of the histories sum to 1, tells each of them as its probability, and puts
+    // the likeliest first (rule `likelihood`, likelihood.cpp).
+    static void normalize(TrajectoryMap& histories);
+    // Marks a state that a transition into an unknown mode leads to (rule `unknown`,
+    // unknown_modes.cpp).
+    void noteUnknown(State* state) const;
+    // The mark of a history that was made from *source* with other states.
+    void renewUnknown(Trajectory const& source, Trajectory& history) const;
     static void addResult(std::unique_ptr<Trajectory> trajectory, TrajectoryMap& results,
                           double& sum);
 
@@ -100,6 +111,15 @@ public:
     // rank that the search came to.
     TrajectoryMap coverTrack3(std::unique_ptr<Trajectory> trajectory, double fromRank,
                               double toRank, Observations const& observations, double& reached);
+
+    // The same under the rule `histories`, from several refuted histories at once
+    // (covering_histories.cpp). An answer may have a lower rank than the search began at.
+    TrajectoryMap coverHistories(std::vector<std::unique_ptr<Trajectory>> refuted, double fromRank,
+                                 double toRank, Observations const& observations, double& reached);
+    // How many of the answers of one search are kept, and how many successors it constructs at most
+    // (rule `histories`).
+    std::size_t mostAnswers = 200;
+    unsigned mostExpansions = 20000;
 
     // The older search, kept beside the other one: depth first, back to step 1, without a match of
     // the ranks. Its results are released. Consumes the trajectory.
@@ -136,7 +156,21 @@ private:
                              std::unique_ptr<State> state, double rank);
 
     // Normalises the probabilities of what a search found, and tells it.
-    void reportResults(TrajectoryMap const& results, double coverSum);
+    void reportResults(TrajectoryMap& results, double coverSum);
+
+    // ---- Answers (diagnoser/answers.cpp, likelihood.cpp) ----
+
+    std::string endOf(Trajectory const& history) const;
+    std::string pathOf(Trajectory const& history) const;
+    std::string modesAt(Trajectory const& history, int t) const;
+    TrajectoryMap answersOf(TrajectoryMap found);
+    void cutAnswers(TrajectoryMap& answers);
+    bool mayExpand();
+    void fillGaps(Trajectory& history) const;
+    void searchRank(std::vector<std::unique_ptr<Trajectory>> const& refuted, double rank,
+                    Observations const& observations, TrajectoryMap& found);
+
+    unsigned expansions = 0;  // of the search that runs, under the rule `histories`
 
     struct Round;
     bool exploreRound(Round& round, TrajectoryMap& results);

@@ -115,11 +115,19 @@ private:
     void commandStep(scenarEvent& event);
     bool observationStep(scenarEvent const& event);
     void diagnose(std::unique_ptr<Trajectory> refuted, Observations const& observations);
+    void diagnoseAll(std::vector<std::unique_ptr<Trajectory>> refuted,
+                     Observations const& observations);
     void skipObservations();
     TrajectoryMap explainedBy(Observations const& observations, ElapsedTime const& elapsed,
                               double& sum);
     void keepSurvivors(TrajectoryMap survivors, double sum);
     void normalizeAfterCommand(double sum);
+    // The forms of the rule `likelihood` (scheduler/likelihood.cpp).
+    void weighAfterCommand();
+    void weighSurvivors(TrajectoryMap survivors);
+    void weighSteps(Trajectory* traj, int from) const;
+    // Of the rule `histories`: copies of all tracked histories, from which a search may begin.
+    std::vector<std::unique_ptr<Trajectory>> copiesOfTracked() const;
 
     struct NominalStep;
     void assertPendingCommands(NominalStep& step);

@@ -161,12 +161,15 @@ public:
     void initStateProbas(State* state);
     void sortPostProbs(State* state);
     // Mass-weighted entropy of the transitions after learning the variable's value. Fills the
-    // table of each of its atoms. Not-a-number when an atom has no mass.
+    // table of each of its atoms. Without the rule `likelihood` not-a-number when an atom has no
+    // mass.
     double entropy(StateVar const* variable, State* state);
     double entropy(Atom const* atom, State* state);
     // Chance that the atom holds after a transition.
     double computeCondProbRough(Atom const* atom, Transition const* transition);
     void computeObsCondRough(State* state);
+    // The likelihood of what was observed in a state, given its modes (likelihood.cpp).
+    void computeObsLikelihood(StateSite const& site);
     static bool checkInOpposites(Atom const* atom, SignedAtoms const& atoms);
     // The atom belongs to the component of one of *atoms*, or to one that this component imports:
     // an owner of its imported commands, or a neighbour with which it shares a clause.
@@ -196,7 +199,8 @@ private:
     std::unique_ptr<ItmsRes> settleBranch(std::unique_ptr<ItmsRes> cur, Agenda& agenda,
                                           SearchLimits const& limits, Trajectory* trajectory,
                                           int timestep);
-    void finishBranch(std::unique_ptr<ItmsRes> cur, ItmsResults& results, Agenda const& agenda);
+    void finishBranch(std::unique_ptr<ItmsRes> cur, ItmsResults& results, Agenda const& agenda,
+                      Trajectory* trajectory, int timestep);
     void removeFromSupport(TrajEl* element, StateSite const& site);
 };
 

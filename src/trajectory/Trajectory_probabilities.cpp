@@ -67,13 +67,23 @@ void Trajectory::computeStateProb(int t) {
         return;
     State* state = getState(t);
     assert(state != nullptr);
-    state->computePrevTransProb();
+    if (book.rules.likelihood)
+        state->prevTransProb = movesProba(t);
+    else
+        state->computePrevTransProb();
     if (State const* before = getState(t - 1))
         state->proba = state->obsProb * state->prevTransProb * before->proba;
 }
 
-// Required: the walk ends below the number of states, whatever the first step.
 void Trajectory::updateStatesProb() {
+    if (book.rules.likelihood)
+        updateStatesProbByStep();
+    else
+        updateStatesProbClassic();
+}
+
+// Required: the walk ends below the number of states, whatever the first step.
+void Trajectory::updateStatesProbClassic() {
     int t = firstTime;
     while (t <= currentTime && !getState(t)->locked)
         ++t;

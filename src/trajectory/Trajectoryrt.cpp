@@ -1,7 +1,9 @@
 // The window of states: adding, replacing, folding and searching.
 #include "trajectory/Trajectoryrt.h"
 
+#include <algorithm>
 #include <cassert>
+
 #include "model/Comprt.h"
 #include "model/Transitionrt.h"
 #include "model/labels.h"
@@ -28,6 +30,8 @@ Trajectory::Trajectory(Trajectory const* source, int upTo) : Trajectory(source->
     stepDates = source->stepDates;
     unknown = source->unknown;
     eventTime = source->eventTime;
+    represented = source->represented;
+    failureSteps = source->failureSteps;
     for (auto const& [t, state] : source->states)
         if (t < upTo && state != nullptr)
             putState(t, std::make_unique<State>(state, true));
@@ -242,6 +246,12 @@ double Trajectory::getStateRank(State const* state) const {
             entry.second->prevTrans->type == transFail)
             rankOfState += 1.0;
     return rankOfState;
+}
+
+bool Trajectory::holdsUnknown() const {
+    return std::any_of(states.begin(), states.end(), [](auto const& entry) {
+        return entry.second != nullptr && entry.second->unknown;
+    });
 }
 
 void Trajectory::checkTrajectory() const {

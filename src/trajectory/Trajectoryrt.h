@@ -14,6 +14,7 @@
 #include <map>
 #include <memory>
 #include <optional>
+#include <set>
 #include <utility>
 #include <vector>
 
@@ -27,6 +28,8 @@ public:
     struct DateRange {
         double from, to;  // the same for a single time
     };
+    // By transition id, the steps into which a failure was placed.
+    using FailureSteps = std::map<int, std::set<int>>;
 
     // What the time table answers for a step or a time that it does not hold.
     static constexpr double noTime = 9999.0;
@@ -98,6 +101,11 @@ public:
     // Nothing for step 0. Without the state before it, only the transitions' product is renewed.
     void computeStateProb(int t);
     void updateStatesProb();
+    // How much the history counts beside others of the same run: the probability of its last state,
+    // with that of the histories for which it stands.
+    double weight() const { return getLastState()->proba * represented; }
+    // Multiplies the probability of every state.
+    void scaleProbas(double factor);
     // Cover of *state* grows by what *transition* takes of it.
     void updateCover(State* state, Transition const* transition);
     // The same when the state before, *from* at step t, is not the one right before *to* at step u.
@@ -105,6 +113,8 @@ public:
 
     bool isUnknown() const { return unknown; }
     void setUnknown() { unknown = true; }
+    // Whether a state of the window was reached through an unknown mode.
+    bool holdsUnknown() const;
     void checkTrajectory() const;
 
     void showTrajectory(std::ostream& out, int t) const;
@@ -126,11 +136,20 @@ public:
     std::map<int, DateRange> stepDates;
     bool unknown = false;     // a state with an unknown mode was added
     double eventTime = -1.0;  // date of the scenario event taken last; -1 for none
+    // Of an answer that stands for several histories (rule `histories`): the sum of their
+    // probabilities in parts of its own, and the steps of all of them by failure. 1 and empty for a
+    // history that no search has answered.
+    double represented = 1.0;
+    FailureSteps failureSteps;
 
     TrajectoryBook& book;
 
 private:
     TrajEl* searchBack(char const* id, int start, int* found) const;
+    // The two ways to weigh a history: the second is that of the rule `likelihood`.
+    void updateStatesProbClassic();
+    void updateStatesProbByStep();
+    double movesProba(int t) const;
     int sizeStart() const { return static_cast<int>(states.size()) - 1; }
     void advanceTo(int t);
 };

@@ -29,14 +29,14 @@ int count(std::string const& text, std::string const& part) {
 
 namespace {
 
-itms& newEngine() {
-    newPlant("small");
+itms& newEngine(RunSettings const& settings) {
+    newPlant("small", settings);
     return theRun().scheduler;
 }
 
 }  // namespace
 
-SmallModel::SmallModel() : engine(newEngine()) {
+SmallModel::SmallModel(RunSettings const& settings) : engine(newEngine(settings)) {
     comp("c");
 }
 

@@ -55,7 +55,7 @@ std::string complaint(Action action) {
 
 class SmallModel {
 public:
-    SmallModel();
+    explicit SmallModel(RunSettings const& settings = {});
 
     // ---- Building, before start() ----
 

@@ -75,8 +75,8 @@ inline std::unique_ptr<StateFormula> formulaOf(std::vector<Literal> const& liter
 // transitions; start() ends the construction and makes the first trajectory and an empty runtime.
 class HandModel {
 public:
-    HandModel() {
-        streamsOf([] { newPlant("hand"); });
+    explicit HandModel(RunSettings const& settings = {}) {
+        streamsOf([&] { newPlant("hand", settings); });
         scheduler = &theRun().scheduler;
         rt.engine = &theRun().engine;
     }

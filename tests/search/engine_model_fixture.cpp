@@ -24,7 +24,8 @@ std::size_t at(int index) {
 
 }  // namespace
 
-EngineModel::EngineModel(Case const& example) : example(example), built(example.components.size()) {
+EngineModel::EngineModel(Case const& example, RunSettings const& settings)
+    : example(example), built(example.components.size()), engine("twin", settings) {
     for (std::size_t i = 0; i < built.size(); ++i)
         build(static_cast<int>(i));
     for (std::size_t i = 0; i < built.size(); ++i)

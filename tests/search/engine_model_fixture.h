@@ -20,7 +20,7 @@ using MoveOf = std::pair<int, int>;
 // Borrows the case.
 class EngineModel {
 public:
-    explicit EngineModel(Case const& example);
+    explicit EngineModel(Case const& example, RunSettings const& settings = {});
 
     // Every failure may then be expanded any number of times in one search.
     void allowRepeatedFailures();
@@ -77,7 +77,7 @@ private:
     Case const& example;
     std::vector<Built> built;
     search_fixture::QuietStreams streams;
-    search_fixture::Engine engine{"twin"};
+    search_fixture::Engine engine;
 };
 
 }  // namespace random_models

@@ -41,8 +41,8 @@ private:
 // registry of the model is one for the process.
 class Engine {
 public:
-    explicit Engine(char const* model) {
-        newPlant(model);
+    explicit Engine(char const* model, RunSettings const& settings = {}) {
+        newPlant(model, settings);
         scheduler = &theRun().scheduler;
     }
     ~Engine() { endPlant(); }

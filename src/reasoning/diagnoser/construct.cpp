@@ -104,10 +104,15 @@ void Diagnoser::constructSuccessors(likelyTransition const& candidate, Trajector
     }
     ItmsResults const effects =
         settleEffect(candidate, trajectory, t, std::move(effectState), rank);
+    for (auto const& result : guards)
+        noteUnknown(result->state.get());
+    for (auto const& result : effects)
+        noteUnknown(result->state.get());
     for (auto const& guard : guards)
         for (auto const& effect : effects) {
             auto history =
                 combine(trajectory, candidate, t, guard->state.get(), effect->state.get());
+            renewUnknown(*trajectory, *history);
             double const key = history->rank;
             successors.emplace(key, std::move(history));
         }

@@ -5,49 +5,16 @@
 // with conflicts is replaced by its successors. A history that has come to the first step after the
 // start of its window is a result if its rank is the round's, and ends the search otherwise. The
 // first rank that has results ends it too.
-#include <ctime>
-
-#include "reasoning/Diagnoser.h"
+#include "reasoning/diagnoser/round.h"
 #include "support/memory_watch.h"
 
 namespace {
-
-constexpr double ticksPerSecond = 1000000.0;
-
-double secondsSince(std::clock_t start) {
-    return static_cast<double>(std::clock() - start) / ticksPerSecond;
-}
 
 bool isAtStart(Trajectory const& trajectory, int step) {
     return step == trajectory.firstTime + 1;
 }
 
 }  // namespace
-
-// One rank of the search.
-struct Diagnoser::Round {
-    double rank;
-    std::clock_t start;
-    std::ostream& err;
-    double& coverSum;
-    TrajectoryMap open;  // histories to be followed back, by the probability of their last state
-
-    void push(std::unique_ptr<Trajectory> trajectory) {
-        double const key = trajectory->getLastState()->proba;
-        open.emplace(key, std::move(trajectory));
-    }
-    // Takes a history that reached its start as a result. False: its rank ends the search.
-    bool accept(std::unique_ptr<Trajectory> trajectory, TrajectoryMap& results) {
-        err << "Time : " << secondsSince(start) << "\n";
-        // Required: the ranks are compared for equality, also where the one found is lower.
-        if (trajectory->rank != rank) {
-            err << "too high rank found: " << trajectory->rank << "\n";
-            return false;
-        }
-        addResult(std::move(trajectory), results, coverSum);
-        return true;
-    }
-};
 
 // One step of one history. False: the search ends. *current* stays set while it has steps to go
 // back.
@@ -96,9 +63,12 @@ bool Diagnoser::exploreRound(Round& round, TrajectoryMap& results) {
     return true;
 }
 
-void Diagnoser::reportResults(TrajectoryMap const& results, double coverSum) {
-    for (auto const& result : results)
-        result.second->proba = result.second->getLastState()->proba / coverSum;
+void Diagnoser::reportResults(TrajectoryMap& results, double coverSum) {
+    if (rules.likelihood)
+        normalize(results);
+    else
+        for (auto const& result : results)
+            result.second->proba = result.second->weight() / coverSum;
     err << "res's size : " << results.size() << "\n";
     viewTrajectoriesTransitionsMultimap(&results);
     updateTrajectoriesCover();
@@ -107,6 +77,11 @@ void Diagnoser::reportResults(TrajectoryMap const& results, double coverSum) {
 TrajectoryMap Diagnoser::coverTrack3(std::unique_ptr<Trajectory> trajectory, double fromRank,
                                      double toRank, Observations const& observations,
                                      double& reached) {
+    if (rules.histories) {
+        std::vector<std::unique_ptr<Trajectory>> refuted;
+        refuted.push_back(std::move(trajectory));
+        return coverHistories(std::move(refuted), fromRank, toRank, observations, reached);
+    }
     std::clock_t const start = std::clock();
     transitions_checked = 0;
     trajectories_checked = 0;
@@ -117,7 +92,7 @@ TrajectoryMap Diagnoser::coverTrack3(std::unique_ptr<Trajectory> trajectory, dou
     bool complete = true;
     while (complete && results.empty() && rank <= toRank) {
         err << "Rank : " << rank << "/" << toRank << " (" << secondsSince(start) << ")\n";
-        Round round{rank, start, err, coverSum, {}};
+        Round round{rank, start, *this, coverSum, {}};
         Trajectory from(trajectory.get(), trajectory->getCurrentTime() + 1);
         for (auto& outcome : observationResults(observations, &from, t, rank, false))
             round.push(std::move(outcome.second));

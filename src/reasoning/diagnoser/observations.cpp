@@ -21,14 +21,26 @@ void Diagnoser::noteChanged(ItmsRes const& result) {
 
 namespace {
 
-// The history up to *t* with the result's state there. The probability is computed again once the
-// likelihood of the observations is normalised.
-std::unique_ptr<Trajectory> withOutcome(Trajectory const* trajectory, int t,
-                                        std::unique_ptr<State> outcome, double sum) {
+// The history up to *t* with the result's state there. Under the rule `histories` the failures that
+// led into this step count once; they stood in the state that is replaced.
+std::unique_ptr<Trajectory> withState(Trajectory const* trajectory, int t,
+                                      std::unique_ptr<State> outcome) {
     auto history = std::make_unique<Trajectory>(trajectory, t);
-    State* state = outcome.get();
+    if (history->book.rules.histories)
+        history->rank -= history->getStateRank(trajectory->getState(t));
     history->addState(t, std::move(outcome));
     history->computeStateProb(t);
+    return history;
+}
+
+// The probability is computed again once the likelihood of the observations is normalised. The rule
+// `likelihood` leaves it as it is: the outcomes of a history are weighed beside those of others.
+std::unique_ptr<Trajectory> withOutcome(Trajectory const* trajectory, int t,
+                                        std::unique_ptr<State> outcome, double sum) {
+    State* state = outcome.get();
+    auto history = withState(trajectory, t, std::move(outcome));
+    if (history->book.rules.likelihood)
+        return history;
     state->obsProb /= sum;
     history->computeStateProb(t);
     return history;
@@ -59,8 +71,10 @@ TrajectoryMap Diagnoser::observationResults(Observations const& observations,
         sum += result->state->obsProb;
     for (auto const& result : results) {
         noteChanged(*result);
+        noteUnknown(result->state.get());
         auto history = withOutcome(trajectory, t, std::move(result->state), sum);
-        double const key = history->getLastState()->obsProb;
+        renewUnknown(*trajectory, *history);
+        double const key = rules.likelihood ? history->weight() : history->getLastState()->obsProb;
         outcomes.emplace(key, std::move(history));
     }
     err << "results from observations computed : " << outcomes.size() << "\n";

@@ -56,21 +56,6 @@ void Diagnoser::tellTransition(Transition const* transition) {
     err << "\n";
 }
 
-bool Diagnoser::checkForDeadEnd(Transition const* transition) {
-    if (transition->type != transFail || transition->unconditional)
-        return false;
-    return !redux_diag.insert(transition).second;
-}
-
-bool Diagnoser::checkForDeadEndExt(Transition const* transition, Trajectory const* trajectory) {
-    for (auto const& entry : trajectory->states)
-        for (Transition const* recorded : trajectory->getStateTransitions(entry.first))
-            if (redux_diag.count(recorded) != 0)
-                return true;
-    return transition->type == transFail && !transition->unconditional &&
-           redux_diag.count(transition) != 0;
-}
-
 void Diagnoser::addResult(std::unique_ptr<Trajectory> trajectory, TrajectoryMap& results,
                           double& sum) {
     trajectory->updateStatesProb();
@@ -164,7 +149,8 @@ bool Diagnoser::tryTransition(Selection& selection, disConflict const& conflict,
         trajectory->updateCover(trajectory->getState(conflict.position), selection.now(),
                                 conflict.position, selection.t, transition);
     double const cost = transition->type == transFail ? 1.0 : 0.0;
-    if (selection.rank >= trajectory->rank + cost && !checkForDeadEnd(transition)) {
+    if (selection.rank >= trajectory->rank + cost &&
+        !isDeadEnd(transition, trajectory, selection.t)) {
         double const posterior = selection.now()->getTransitionPostProb(transition);
         selection.candidates.insert(
             {posterior, likelyTransition{conflict.element->atom, through->atom, posterior,
@@ -253,7 +239,8 @@ void Diagnoser::immediateSuccessors(ConflictSet const& conflicts,
     transitions_checked += static_cast<unsigned>(selection.candidates.size());
     TrajectoryMap successors;
     for (auto const& candidate : selection.candidates)
-        constructSuccessors(candidate.second, trajectory.get(), t, successors, rank);
+        if (mayExpand())
+            constructSuccessors(candidate.second, trajectory.get(), t, successors, rank);
     for (auto& entry : successors)
         recurse(std::move(entry.second), selection, finals);
 }

@@ -46,15 +46,23 @@ struct Learnt {
     double mass;
 };
 
-// The weights of the transitions once the atom holds, divided by their mass. The mass may be 0.
+// The weights of the transitions once the atom holds, divided by their mass. The mass may be 0:
+// then every weight is not-a-number or, with *guarded* (rule `likelihood`), stays as it was, since
+// what no transition allows teaches nothing about them.
 template <typename Chance>
-Learnt learn(State const* state, Chance chance) {
+Learnt learn(State const* state, bool guarded, Chance chance) {
     Learnt learnt{std::make_shared<State::PostProbs>(), 0.0};
     forEachWeighted(state, [&](Transition const* transition, double weight) {
         double const joint = weight * chance(transition);
         (*learnt.table)[transition->id] = joint;
         learnt.mass += joint;
     });
+    if (guarded && learnt.mass == 0.0) {
+        forEachWeighted(state, [&](Transition const* transition, double weight) {
+            (*learnt.table)[transition->id] = weight;
+        });
+        return learnt;
+    }
     for (auto& entry : *learnt.table)
         entry.second /= learnt.mass;
     return learnt;
@@ -65,7 +73,7 @@ Learnt learn(State const* state, Chance chance) {
 double itms::entropy(StateVar const* variable, State* state) {
     double total = 0.0;
     for (Atom const* atom : variable->getAtomLinks()) {
-        Learnt const learnt = learn(state, [&](Transition const* transition) {
+        Learnt const learnt = learn(state, rules.likelihood, [&](Transition const* transition) {
             return computeCondProbRough(atom, transition);
         });
         state->atomPostProbs[atom->getId()] = learnt.table;
@@ -75,7 +83,7 @@ double itms::entropy(StateVar const* variable, State* state) {
 }
 
 double itms::entropy(Atom const* atom, State* state) {
-    Learnt const learnt = learn(state, [](Transition const*) { return 1.0; });
+    Learnt const learnt = learn(state, rules.likelihood, [](Transition const*) { return 1.0; });
     state->atomPostProbs[atom->getId()] = learnt.table;
     return -sumOfLogs(state, *learnt.table);
 }

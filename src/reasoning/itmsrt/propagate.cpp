@@ -82,9 +82,12 @@ std::unique_ptr<ItmsRes> itms::settleBranch(std::unique_ptr<ItmsRes> cur, Agenda
     }
 }
 
-void itms::finishBranch(std::unique_ptr<ItmsRes> cur, ItmsResults& results, Agenda const& agenda) {
+void itms::finishBranch(std::unique_ptr<ItmsRes> cur, ItmsResults& results, Agenda const& agenda,
+                        Trajectory* trajectory, int timestep) {
     sortPostProbs(cur->state.get());
-    if (cur->state->observed)
+    if (cur->state->observed && rules.likelihood)
+        computeObsLikelihood(siteOf(*cur, trajectory, timestep));
+    else if (cur->state->observed)
         computeObsCondRough(cur->state.get());
     out << "sol added !\nagenda's size : " << agenda.size()
         << "\nalready_changed's size end : " << cur->already_changed.size() << "\n";
@@ -110,7 +113,7 @@ void itms::unitPropagate(std::unique_ptr<ItmsRes> branch, ItmsResults& results,
             checkFocus(cur->focus, *cur, siteOf(*cur, trajectory, timestep));
         cur = settleBranch(std::move(cur), agenda, limits, trajectory, timestep);
         if (cur != nullptr) {
-            finishBranch(std::move(cur), results, agenda);
+            finishBranch(std::move(cur), results, agenda, trajectory, timestep);
             recheck = true;
         } else {
             recheck = !agenda.empty();

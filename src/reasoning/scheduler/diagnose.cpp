@@ -32,5 +32,7 @@ TrajectoryMap Scheduler::Diagnose(Trajectory* traj, Observations const& observat
         results = coverTrack3(std::move(copy), bound + 1.0, highest, observations, bound);
         err << "[Scheduler] --> elapsed time : " << secondsSince(start) << "\n";
     }
+    if (rules.likelihood)
+        normalize(results);
     return results;
 }

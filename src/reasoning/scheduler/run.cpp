@@ -3,6 +3,7 @@
 // Every line of the scenario is one step. A command step moves each trajectory to its next nominal
 // state. An observation step keeps the trajectories that agree with what was seen; when none does,
 // the covering search looks for the histories of least failure that do.
+#include <algorithm>
 #include <ctime>
 
 #include "model/StateVar.h"
@@ -122,7 +123,10 @@ void Scheduler::commandStep(scenarEvent& event) {
             sum += state->proba;
         }
     }
-    normalizeAfterCommand(sum);
+    if (rules.likelihood)
+        weighAfterCommand();
+    else
+        normalizeAfterCommand(sum);
     addBmkEntry(time, elapsed.report(err, ""), false, static_cast<unsigned>(tracked_traj.size()));
 }
 
@@ -172,11 +176,16 @@ bool Scheduler::observationStep(scenarEvent const& event) {
     Observations const observations = allTrue(event.atoms);
     Trajectory const* first = tracked_traj.begin()->second.get();
     auto copy = std::make_unique<Trajectory>(first, first->getCurrentTime() + 1);
+    auto all = copiesOfTracked();
     double sum = 0.0;
     TrajectoryMap survivors = explainedBy(observations, elapsed, sum);
     bool const diagnosing = survivors.empty();
-    if (!diagnosing)
+    if (!diagnosing && rules.likelihood)
+        weighSurvivors(std::move(survivors));
+    else if (!diagnosing)
         keepSurvivors(std::move(survivors), sum);
+    else if (rules.histories)
+        diagnoseAll(std::move(all), observations);
     else
         diagnose(std::move(copy), observations);
     addBmkEntry(time, elapsed.report(err, ""), diagnosing,
@@ -194,6 +203,27 @@ void Scheduler::diagnose(std::unique_ptr<Trajectory> refuted, Observations const
     Trajectory const further(refuted.get(), refuted->getCurrentTime() + 1);
     double const highest = refuted->rank + rankMargin;
     tracked_traj = coverTrack3(std::move(refuted), bound + 1.0, highest, observations, bound);
+}
+
+std::vector<std::unique_ptr<Trajectory>> Scheduler::copiesOfTracked() const {
+    std::vector<std::unique_ptr<Trajectory>> copies;
+    if (rules.histories)
+        for (auto const& entry : tracked_traj)
+            copies.push_back(std::make_unique<Trajectory>(entry.second.get(),
+                                                          entry.second->getCurrentTime() + 1));
+    return copies;
+}
+
+// Under the rule `histories`: from all that were refuted, and from the least rank of theirs, since
+// a bound that an earlier search came to may lie above it.
+void Scheduler::diagnoseAll(std::vector<std::unique_ptr<Trajectory>> refuted,
+                            Observations const& observations) {
+    err << "---------> Diagnosing...\n";
+    double lowest = refuted.front()->rank;
+    for (auto const& history : refuted)
+        lowest = std::min(lowest, history->rank);
+    tracked_traj =
+        coverHistories(std::move(refuted), lowest + 1.0, lowest + rankMargin, observations, bound);
 }
 
 // Once nothing is tracked, the steps go on without a candidate.

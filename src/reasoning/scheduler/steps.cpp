@@ -137,6 +137,7 @@ void Scheduler::endPendingTransitions(NominalStep& step) {
 void Scheduler::closeStep(NominalStep& step) {
     bool const fired = !step.next->elts.empty();
     if (fired) {
+        noteUnknown(step.next.get());
         step.traj->addState(step.t + 1, std::move(step.next));
         step.traj->setTimeCorr(simTime);
     } else {
@@ -373,6 +374,7 @@ std::vector<Atom*> Scheduler::commandsAt(double when, Trajectory* traj) {
 
 void Scheduler::doCycle(Trajectory* traj, s_runtime* rt, double when) {
     PendingTransitions pending;
+    int const before = traj->getCurrentTime();
     simTime = when;
     runtime = rt;
     if (!contEvents.empty()) {
@@ -389,6 +391,7 @@ void Scheduler::doCycle(Trajectory* traj, s_runtime* rt, double when) {
             takeBackEmptyState(traj);
         contCommands.clear();
     }
+    weighSteps(traj, before);
     if (rt != nullptr)
         rt->tStart = traj->getCurrentTime();
 }

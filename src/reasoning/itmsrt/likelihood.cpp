@@ -1,0 +1,123 @@
+// The likelihood of observations under the rule `likelihood`.
+//
+// Classic (computeObsCondRough): for each value that is held true, the sum over the transitions
+// into the modes of the state of a rough chance each. It counts transitions and is no probability:
+// it grows with the number of ways into a mode, and with the number of values that a history
+// happens to hold. Two histories of equal failures then come out three times as likely as each
+// other.
+//
+// Under the rule it is the chance of what was seen given the modes, the commands and the conditions
+// of the continuous side: 1 where they entail it, and where they say nothing, the share of what was
+// seen in the values that its variable has. (What they exclude does not come here: no state holds
+// it.) What follows is found by unit propagation over the clauses from those given facts alone; the
+// labels of everything else rest on the observation itself. That misses no consequence of clauses
+// with at most one conclusion, as compiled plants have them, and where it misses one the state
+// weighs less, never more. With modes that entail what is seen, the classic case of diagnosis, the
+// likelihood is 1 and histories compare by their moves.
+#include <map>
+
+#include "model/StateVar.h"
+#include "model/labels.h"
+#include "reasoning/itmsrt.h"
+
+namespace {
+
+bool isGiven(Atom const* atom) {
+    std::string const type = atom->getVarType();
+    return type == typeMode || type == typeCommand || type == typeCond;
+}
+
+bool isSeen(TrajEl const* element) {
+    return element->lock == LOCK_TRUE_PERM || element->lock == LOCK_FALSE_PERM;
+}
+
+// What the given facts of a state entail.
+class Entailed {
+public:
+    explicit Entailed(StateSite const& site) : site(site) {}
+
+    // To the end: a clause whose literals are all known to fail but one makes that one hold.
+    void propagate(std::vector<std::unique_ptr<Clause>> const& clauses) {
+        for (bool changed = true; changed;) {
+            changed = false;
+            for (auto const& clause : clauses)
+                if (conclude(*clause))
+                    changed = true;
+        }
+    }
+    bool isKnown(Atom const* atom, bool value) {
+        std::string const& label = truthOf(atom);
+        return label == (value ? labelTrue : labelFalse);
+    }
+
+private:
+    // Required: in a clause the sign true is negation.
+    bool conclude(Clause const& clause) {
+        Atom const* open = nullptr;
+        bool value = false;
+        for (auto const& [negated, atom] : clause.atoms) {
+            if (isKnown(atom, !negated))
+                return false;
+            if (isKnown(atom, negated))
+                continue;
+            if (open != nullptr)
+                return false;
+            open = atom;
+            value = !negated;
+        }
+        if (open == nullptr)
+            return false;
+        truths[open] = value ? labelTrue : labelFalse;
+        return true;
+    }
+
+    std::string const& truthOf(Atom const* atom) {
+        auto const found = truths.find(atom);
+        if (found != truths.end())
+            return found->second;
+        return truths[atom] = isGiven(atom) ? newestLabel(atom) : labelUnknown;
+    }
+    std::string newestLabel(Atom const* atom) const {
+        TrajEl const* element = site.state->getElt(atom->getId());
+        if (element == nullptr && site.timestep > site.trajectory->firstTime)
+            element = site.trajectory->getElt(atom->getId(), site.timestep, -1);
+        return element != nullptr ? element->getLabel() : labelUnknown;
+    }
+
+    StateSite const& site;
+    std::map<Atom const*, std::string> truths;
+};
+
+// The chance of what was seen of one variable.
+double likelihoodOf(StateVar const* variable, State const* state, Entailed& entailed) {
+    std::size_t open = 0;  // values that the given facts leave possible
+    std::size_t seen = 0;  // those of them that agree with what was seen
+    for (Atom const* atom : variable->getAtomLinks()) {
+        TrajEl const* element = state->getElt(atom->getId());
+        if (entailed.isKnown(atom, true))
+            return 1.0;
+        if (entailed.isKnown(atom, false))
+            continue;
+        ++open;
+        if (element == nullptr || !element->isHeldFalse())
+            ++seen;
+    }
+    return open == 0 || seen == 0 ? 1.0 : static_cast<double>(seen) / static_cast<double>(open);
+}
+
+}  // namespace
+
+void itms::computeObsLikelihood(StateSite const& site) {
+    State* state = site.state;
+    std::map<std::string, StateVar const*> variables;  // by name: the order is then no accident
+    for (auto const& entry : state->elts)
+        if (entry.second != nullptr && isSeen(entry.second) && !isGiven(entry.second->atom))
+            variables[entry.second->getStateVar()->name] = entry.second->getStateVar();
+    state->obsProb = 1.0;
+    if (variables.empty())
+        return;
+    Entailed entailed(site);
+    entailed.propagate(cls);
+    for (auto const& entry : variables)
+        state->obsProb *= likelihoodOf(entry.second, state, entailed);
+}
