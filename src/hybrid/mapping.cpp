@@ -146,9 +146,12 @@ bool tavro_applyMappingFuncs2(RunState& run, s_runtime* rt, double time) {
 }
 
 bool tavro_reinitialize(RunState& run, s_runtime* rt, double time, int mode, int threshold) {
-    for (auto const& variable : rt->dico)
+    for (auto const& variable : rt->dico) {
         if (!variable->isParam)
             variable->defined = 0;
+        // It was a matter of the prediction before the jump.
+        variable->sideOfOthers = 0;
+    }
     bool const assigned =
         mode <= RUN_RESET ? tavro_applyMappingFuncs(rt) : tavro_applyMappingFuncs2(run, rt, time);
     sn_checkMs(rt, assigned ? thresholdAfterJump : threshold);
