@@ -91,6 +91,32 @@ void coverBothJumps(s_runtime* rt, s_runtime const* copy) {
     }
 }
 
+// By the rule `narrow` the past stays what it was through a jump. The classic rule fills it with
+// the value of the jump; where measures have made that value narrow, the past then lies outside,
+// and a delay reads something false. Only a second-order effect that a mapping function sets is
+// filled all the same: its past values are a part of its state, which starts at rest.
+class KeptPast {
+public:
+    explicit KeptPast(s_runtime const* rt) {
+        if (rt->engine->rules.narrow)
+            for (auto const& variable : rt->dico)
+                past.push_back(variable->histo);
+    }
+
+    void restore(s_runtime* rt) const {
+        for (std::size_t i = 0; i < past.size(); ++i)
+            rt->dico[i]->histo = past[i];
+        if (!past.empty())
+            walkMappingFuncs(rt, false, [](s_Variable* variable, s_Expr const*) {
+                if (variable->graph != nullptr && variable->graph->kind == INF_DYNAMIC2)
+                    sn_fillHisto(variable);
+            });
+    }
+
+private:
+    std::vector<History<s_Objet>> past;  // by slot; empty without the rule
+};
+
 }  // namespace
 
 int tavro_initMappingFuncs(s_runtime* rt) {
@@ -134,6 +160,7 @@ bool tavro_applyMappingFuncs(s_runtime* rt) {
 bool tavro_applyMappingFuncs2(RunState& run, s_runtime* rt, double time) {
     std::unique_ptr<s_runtime> copy =
         sn_copyPartialFaultyRt(rt, 0, time - 1.0, time, run.scheduler.book.twd);
+    KeptPast const past(rt);
     applyBounds(copy.get(), false);
     sn_doStepTempo(copy.get());
     sn_doStepUntemp(copy.get());
@@ -142,6 +169,7 @@ bool tavro_applyMappingFuncs2(RunState& run, s_runtime* rt, double time) {
     walkMappingFuncs(rt, false,
                      [rt](s_Variable* variable, s_Expr const*) { takeMeasure(rt, variable); });
     coverBothJumps(rt, copy.get());
+    past.restore(rt);
     return assigned;
 }
 

@@ -52,8 +52,7 @@ private:
 // A run of the room by rules of choice, with the bound search on.
 class RuledRoom {
 public:
-    RuledRoom(RunSettings const& settings, double firstMeasure) {
-        consoleRun = std::make_unique<RunState>(*consolePlant, runHost(), settings);
+    RuledRoom(RunSettings const& settings, double firstMeasure) : given(settings) {
         TextFile const measures(std::to_string(firstMeasure) + "\n");
         measIn = std::fopen(measures.path.c_str(), "r");
         streamsOf([] { tavro_initialize(theRun(), 1, 0.01, "", 0); });
@@ -83,6 +82,7 @@ public:
     }
 
 private:
+    WithSettings given;
     ReferenceModel model;
     bool nominal = false;
 };
