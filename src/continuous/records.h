@@ -53,6 +53,12 @@ struct s_Variable {
     int meslowmisb = 0;             // a low alarm is established
     int meshighmisb = 0;            // a high alarm is established
     int mesmisb = 0;                // the measure misbehaves, in either direction
+    // How far a measure may be from the truth. Not 0 only by the rule `narrow`, in a run that was
+    // told so.
+    double noise = 0.0;
+    // 1 or -1: in this cycle the measure lies above or below what all others leave for it, though
+    // inside its own prediction. Not 0 only by the rule `narrow`.
+    int sideOfOthers = 0;
     std::vector<int> misbHisto;  // last `misbWindow` values of mesmisb, newest first; may be empty
     s_CGraph* graph = nullptr;   // null without causes and effects
     History<s_Objet> histo;      // past values; entry 0 is that of the cycle before `old`

@@ -26,6 +26,9 @@ enum cycleMode {
     CYCLE_DIAGNOSE = 6   // 6, 7, 8: isolation alone, with no step
 };
 
+// Truth of a condition that may be undecided.
+enum class Truth { FALSE, TRUE, OPEN };
+
 // ---- Building and copying (records.cpp, copy.cpp) ----
 
 // A new condition with every field zero.
@@ -89,10 +92,43 @@ void sn_loadCauseValue(s_runtime* rt, s_Influence* influence);
 // Evaluates the condition, pushes it on the influence's history, and returns it.
 int sn_pushCond(s_Influence* influence, s_runtime* rt);
 void sn_pushExternCond(s_Influence* influence, boolVal value);
-// Counts an influence as active: without a condition, or with one that sn_pushCond finds true.
+// Evaluates the condition and pushes it as sn_pushCond does. Without a condition an influence acts;
+// with an open one (open.cpp) it may act or not, which its history keeps as acting.
+Truth sn_pushActivity(s_Influence* influence, s_runtime* rt);
+// Counts an influence as active: it acts, or may act.
 bool sn_isActive(s_Influence* influence, s_runtime* rt);
+// *value* grows to the closed hull of it and 0: the share of an influence that may act or not.
+void sn_coverNothing(s_Objet* value);
 // Measured, with no alarm on either side: its measure stands for its value.
 bool sn_isTrusted(s_runtime const* rt, s_Variable const* variable);
+
+// ---- Narrowing by measures (narrow.cpp; the rule `narrow`) ----
+
+// Histories begin with values of this age in cycles; `new_` has age 0 and `old` age 1.
+inline constexpr int sn_firstHistoryAge = 2;
+
+// The ages of the cause's values that an influence reads, both included.
+struct AgesRead {
+    int least;
+    int most;
+};
+
+// What a measure tells of its variable: the number shown, and the noise on both sides.
+s_Objet sn_observed(s_Variable const* variable);
+// Has causes, which tell its value.
+bool sn_isPredicted(s_Variable const* variable);
+AgesRead sn_agesRead(s_Influence const& influence);
+// The value of that age in the middle of a cycle; the oldest one kept when the history is shorter.
+s_Objet const& sn_predictedAt(s_Variable const* variable, int age);
+// The form of sn_loadCauseValue that reads predictions alone, each at its age.
+void sn_loadPredicted(s_runtime* rt, s_Influence const* influence);
+// *value* becomes the smallest interval that covers both.
+void sn_coverBoth(s_Objet* value, s_Objet const& other);
+// Before a cycle: what trusted measures tell enters `old`.
+void sn_takeMeasures(s_runtime* rt);
+// In a cycle, between the updates and the move to `old`: narrows every `new_`, or marks the
+// measures that contradict the others.
+void sn_narrowCycle(s_runtime* rt);
 
 // ---- Histories (histories.cpp) ----
 
@@ -135,6 +171,8 @@ void sn_addSecondOrder(s_engine& engine, s_Influence* influence);
 
 // Sets the costs that the engine searches with.
 void init_nelder(s_engine& engine);
+// Without the rule `narrow`, and with no cause that may act or not.
+bool sn_mayBeSearched(s_CGraph const& graph, s_runtime* rt);
 void call_nelder_second(s_Influence* influence, s_runtime* rt, s_Objet* prev1, s_Objet* prev2);
 void call_nelder_obs(s_Variable* variable, s_runtime* rt, s_Objet* prev1, s_Objet* prev2,
                      s_Objet* result, influType kind, bool useMeasure);
@@ -142,6 +180,16 @@ void call_nelder_obs(s_Variable* variable, s_runtime* rt, s_Objet* prev1, s_Obje
 // ---- Conditions (conditions.cpp) and validity spaces (validity.cpp) ----
 
 boolVal sn_evalCond(s_Condition* condition, s_runtime* rt);
+// Truth with three values (open.cpp; the rule `unknown`). *leaf* tells that of conditions which are
+// neither made of others nor on an atom.
+using LeafTruth = Truth (*)(s_Condition* condition, s_runtime* rt);
+Truth sn_truthOf(s_Condition* condition, s_runtime* rt, LeafTruth leaf);
+// A leaf's truth as sn_evalCond has it: never open.
+Truth sn_certainTruth(s_Condition* condition, s_runtime* rt);
+// Left open by an unknown mode. Never so without the rule; null is not open.
+bool sn_isOpen(s_Condition* condition, s_runtime* rt);
+// Some cause of the node may act or not.
+bool sn_anyOpen(s_CGraph const& graph, s_runtime* rt);
 // 1 when the condition covers the current value of its constraint variable.
 int sn_evalCondExpr(s_Condition* condition, s_runtime* rt);
 // First placing of a runtime in its space: 1 when a cover was found for at least one variable, or

@@ -9,6 +9,7 @@
 #include <cstring>
 
 #include "continuous/displays.h"
+#include "continuous/sorn-runt.h"
 #include "hybrid/tavro-runt.h"
 #include "model/CondVarrt.h"
 #include "model/ModeVarrt.h"
@@ -78,6 +79,13 @@ void updateDiagConds(RunState& run, Trajectory const* traj, s_runtime* rt, int t
                 addBridgeCond(condition->atom, element->evalTrajEl(), rt);
         }
     bridgeConditions(rt);
+    // A runtime that was moved back stands in the middle of its cycle. The classic rule leaves it
+    // there, since a jump forgets the past; by the rule `narrow` the past is kept, so the cycle
+    // ends.
+    if (run.rules.narrow) {
+        sn_moveAllOld(rt);
+        sn_moveInputs(rt);
+    }
     addDiagBridgeTrans(traj, rt, time);
     if (!rt->bridgeTrans.empty())
         tavro_reinitialize(run, rt, contTime, RUN_DETECT, threshold);

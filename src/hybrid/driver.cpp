@@ -19,6 +19,12 @@ void readFirstLines(RunState& run, s_runtime const* rt) {
         run.host.inputs(static_cast<int>(run.engine.inps.size()), run.engine.inps.data());
 }
 
+// The bounds of noise are those of the run, and only the rule `narrow` reads them.
+void setNoise(RunState const& run, s_runtime const* rt) {
+    for (s_Variable* measure : rt->measure)
+        measure->noise = run.rules.narrow ? run.settings.noiseOf(measure->nom) : 0.0;
+}
+
 // The code of the continuous step of one candidate. Required: when the countdown is at exactly
 // zero, only the first candidate is reset, since the countdown then starts again.
 int stepCode(RunOptions const& options, double& countdown) {
@@ -56,6 +62,7 @@ int tavro_initialize(RunState& run, int global, double precision, char const* di
     initNominalTraj(run, &run.plant.active_atoms, run.tavro_rt);
     s_runtime* rt = run.hybNT->rt.get();
     sn_updateDico(rt);
+    setNoise(run, rt);
     run.err << "-- time = 0 --------------------------\n";
     readFirstLines(run, rt);
     run.sMM->raz();

@@ -95,6 +95,37 @@ void coverBothJumps(s_runtime* rt, s_runtime const* copy) {
     }
 }
 
+// The past values of a second-order effect are a part of its state, which starts at rest when a
+// mapping function sets it.
+void startAssignedAtRest(s_runtime* rt) {
+    walkMappingFuncs(rt, false, [](s_Variable* variable, s_Expr const*) {
+        if (variable->graph != nullptr && variable->graph->kind == INF_DYNAMIC2)
+            sn_fillHisto(variable);
+    });
+}
+
+// By the rule `narrow` the past stays what it was through a jump. The classic rule fills it with
+// the value of the jump; where measures have made that value narrow, the past then lies outside,
+// and a delay reads something false.
+class KeptPast {
+public:
+    explicit KeptPast(s_runtime const* rt) {
+        if (rt->engine->rules.narrow)
+            for (auto const& variable : rt->dico)
+                past.push_back(variable->histo);
+    }
+
+    void restore(s_runtime* rt) const {
+        for (std::size_t i = 0; i < past.size(); ++i)
+            rt->dico[i]->histo = past[i];
+        if (!past.empty())
+            startAssignedAtRest(rt);
+    }
+
+private:
+    std::vector<History<s_Objet>> past;  // by slot; empty without the rule
+};
+
 bool applyContinuously(s_runtime* rt) {
     std::unique_ptr<s_runtime> const copy = copyOfJumpBefore(rt);
     applyBounds(copy.get(), false);
@@ -104,6 +135,7 @@ bool applyContinuously(s_runtime* rt) {
     walkMappingFuncs(rt, false,
                      [rt](s_Variable* variable, s_Expr const*) { takeMeasure(rt, variable); });
     coverJumpBefore(rt, copy.get());
+    startAssignedAtRest(rt);
     return assigned;
 }
 
@@ -152,6 +184,7 @@ bool tavro_applyMappingFuncs2(RunState& run, s_runtime* rt, double time) {
         return applyContinuously(rt);
     std::unique_ptr<s_runtime> copy =
         sn_copyPartialFaultyRt(rt, 0, time - 1.0, time, run.scheduler.book.twd);
+    KeptPast const past(rt);
     applyBounds(copy.get(), false);
     sn_doStepTempo(copy.get());
     sn_doStepUntemp(copy.get());
@@ -160,13 +193,17 @@ bool tavro_applyMappingFuncs2(RunState& run, s_runtime* rt, double time) {
     walkMappingFuncs(rt, false,
                      [rt](s_Variable* variable, s_Expr const*) { takeMeasure(rt, variable); });
     coverBothJumps(rt, copy.get());
+    past.restore(rt);
     return assigned;
 }
 
 bool tavro_reinitialize(RunState& run, s_runtime* rt, double time, int mode, int threshold) {
-    for (auto const& variable : rt->dico)
+    for (auto const& variable : rt->dico) {
         if (!variable->isParam)
             variable->defined = 0;
+        // It was a matter of the prediction before the jump.
+        variable->sideOfOthers = 0;
+    }
     bool const assigned =
         mode <= RUN_RESET ? tavro_applyMappingFuncs(rt) : tavro_applyMappingFuncs2(run, rt, time);
     sn_checkMs(rt, assigned ? thresholdAfterJump : threshold);

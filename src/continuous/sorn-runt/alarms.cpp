@@ -32,13 +32,48 @@ Verdict againstNumber(double measure, double prediction, double precision) {
     return measure > prediction ? Verdict::HIGH : Verdict::LOW;
 }
 
-Verdict classify(s_Variable const& variable, double precision) {
-    if (sn_inObjet(&variable.mes, &variable.old))
+// What the prediction lets a measure show.
+s_Objet withNoise(s_Variable const& variable) {
+    if (variable.noise == 0.0 || !isValue(variable.old))
+        return variable.old;
+    s_Objet shown = isRange(variable.old) ? variable.old : makeRange(0.0, 0.0, 1, 1);
+    sn_setBounds(&shown, sn_infOf(variable.old) - variable.noise,
+                 sn_supOf(variable.old) + variable.noise);
+    return shown;
+}
+
+// As thin as the rounding of a few operations leaves what is a number in truth. Only the rule
+// `narrow` makes such intervals, from measures that fix a value.
+bool isThin(range const& prediction) {
+    constexpr double rounding = 1e-9;
+    return prediction.sup - prediction.inf <=
+           rounding * (std::fabs(prediction.inf) + std::fabs(prediction.sup));
+}
+
+Verdict againstValue(s_Variable const& variable, double precision) {
+    s_Objet const prediction = withNoise(variable);
+    if (sn_inObjet(&variable.mes, &prediction))
         return Verdict::INSIDE;
     double const measure = sn_infOf(variable.mes);
-    if (isRange(variable.old))
-        return againstRange(measure, variable.old.rng);
-    return againstNumber(measure, sn_infOf(variable.old), precision);
+    if (isRange(prediction))
+        return againstRange(measure, prediction.rng);
+    return againstNumber(measure, sn_infOf(prediction), precision);
+}
+
+// By the rule `narrow` a measure also counts as outside when it lies outside of what the other
+// measures leave for it.
+Verdict classify(s_Variable const& variable, Rules const& rules, double precision) {
+    Verdict const verdict = againstValue(variable, precision);
+    if (!rules.narrow)
+        return verdict;
+    if (verdict == Verdict::INSIDE && variable.sideOfOthers != 0)
+        return variable.sideOfOthers > 0 ? Verdict::HIGH : Verdict::LOW;
+    // A bound of noise that was given takes the place of the tolerance.
+    if (verdict == Verdict::INSIDE || variable.noise != 0.0 || !isRange(variable.old) ||
+        !isThin(variable.old.rng))
+        return verdict;
+    double const middle = 0.5 * (variable.old.rng.inf + variable.old.rng.sup);
+    return againstNumber(sn_infOf(variable.mes), middle, precision);
 }
 
 void countAlarm(int* alarm, int* misb, int threshold) {
@@ -55,8 +90,8 @@ void clearAlarms(s_Variable* variable) {
     variable->meslowmisb = variable->meshighmisb = variable->mesmisb = 0;
 }
 
-void check(s_Variable* variable, double precision, int threshold) {
-    Verdict const verdict = classify(*variable, precision);
+void check(s_Variable* variable, Rules const& rules, double precision, int threshold) {
+    Verdict const verdict = classify(*variable, rules, precision);
     if (verdict == Verdict::INSIDE)
         return clearAlarms(variable);
     if (verdict == Verdict::HIGH)
@@ -76,12 +111,12 @@ void sn_setAlarms(s_runtime* rt) {
 
 void sn_resetMs(s_runtime* rt) {
     for (s_Variable* measure : rt->measure)
-        sn_putObjet(&measure->mes, &measure->old);
+        measure->old = sn_observed(measure);
 }
 
 int sn_checkMs(s_runtime* rt, int threshold) {
     for (s_Variable* measure : rt->measure)
-        check(measure, rt->precision, threshold);
+        check(measure, rt->engine->rules, rt->precision, threshold);
     return 1;
 }
 

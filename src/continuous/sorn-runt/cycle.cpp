@@ -17,12 +17,16 @@ void startMisbehaviourWindow(s_runtime* rt, int window) {
 }
 
 // Returns the number of enter and yield steps that failed.
-int step(s_runtime* rt, bool& invalid) {
+int step(s_runtime* rt, bool narrows, bool& invalid) {
     int failures = 0;
+    if (narrows)
+        sn_takeMeasures(rt);
     sn_doStepTempo(rt);
     failures += sn_enterInputs(rt) == 0;
     failures += sn_enterMeasures(rt) == 0;
     sn_doStepUntemp(rt);
+    if (narrows)
+        sn_narrowCycle(rt);
     sn_moveAllOld(rt);
     invalid = sn_yieldConds(rt) == 2;
     return failures;
@@ -62,7 +66,7 @@ int sorn_doCycle2(s_runtime* rt, int mode) {
     bool invalid = false;
     int failures = 0;
     if (mode < CYCLE_DIAGNOSE)
-        failures += step(rt, invalid);
+        failures += step(rt, rt->engine->rules.narrow && mode >= CYCLE_DETECT, invalid);
     if (rt->globalOn)
         sn_globalConstraints(rt);
     failures += sn_yieldDisplays(rt) == 0;

@@ -30,7 +30,8 @@ Previous previousIn(s_Objet* value, History<s_Objet>* history) {
 }
 
 Previous previousOf(s_runtime const* rt, s_Variable* effect) {
-    if (sn_isTrusted(rt, effect))
+    // By the rule `narrow` the measure is in `old` already.
+    if (!rt->engine->rules.narrow && sn_isTrusted(rt, effect))
         return previousIn(&effect->mes, &effect->mesHisto);
     return previousIn(&effect->old, &effect->histo);
 }
@@ -129,7 +130,8 @@ void evalAllCorners(s_engine& engine, s_Influence const& influence, Previous con
 }
 
 void search(s_runtime* rt, s_Influence* influence, Previous& previous) {
-    if (!influence->useOpti || !rt->engine->env_opti)
+    if (!influence->useOpti || !rt->engine->env_opti ||
+        !sn_mayBeSearched(*influence->effect->graph, rt))
         return;
     if (sn_isMeasure(rt, influence->effect))
         call_nelder_obs(influence->effect, rt, previous.first, &previous.second, &rt->engine->TMP1,

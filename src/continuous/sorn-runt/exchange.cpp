@@ -39,8 +39,12 @@ int verdict(bool allFalse) {
 // far.
 bool yieldCondsOf(s_runtime* rt, bool allFalse) {
     for (std::size_t i = 0; i < rt->influ.size(); ++i) {
-        s_Condition const* condition = rt->influ[i]->cond;
-        rt->condout[i] = condition != nullptr ? condition->val : 1;
+        s_Condition* condition = rt->influ[i]->cond;
+        // What may act counts as acting.
+        if (sn_isOpen(condition, rt))
+            rt->condout[i] = 1;
+        else
+            rt->condout[i] = condition != nullptr ? condition->val : 1;
         if (rt->condout[i] != 0)
             allFalse = false;
     }

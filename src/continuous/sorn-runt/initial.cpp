@@ -25,7 +25,7 @@ void defineCause(s_runtime* rt, s_Variable* cause) {
     if (cause->defined)
         return;
     if (sn_isMeasure(rt, cause)) {
-        sn_putObjet(&cause->mes, &cause->old);
+        cause->old = sn_observed(cause);
         cause->defined = 1;
     } else {
         sn_compInitVar(rt, cause);
@@ -45,6 +45,13 @@ void addCauseForInit(s_runtime* rt, s_Influence* influence, influType kind, s_Ob
         addProduct(sum, cause->histo.size() > 0 ? cause->histo[0] : cause->old, influence->b2);
 }
 
+void addOpenCauseForInit(s_runtime* rt, s_Influence* influence, influType kind, s_Objet* sum) {
+    s_Objet share = *objZero;
+    addCauseForInit(rt, influence, kind, &share);
+    sn_coverNothing(&share);
+    sn_addObjet(sum, &share);
+}
+
 void finishDynamic(s_engine& engine, s_Influence* last, s_Objet* sum) {
     sn_putObjet(sum, &engine.TMP1);
     sn_evalInitDynInfl(engine, last);
@@ -58,8 +65,11 @@ s_Objet firstValue(s_runtime* rt, s_CGraph const& graph) {
     s_Influence* last = nullptr;
     for (s_Influence* influence : graph.causes) {
         last = influence;
-        if (sn_isActive(influence, rt))
+        Truth const acts = sn_pushActivity(influence, rt);
+        if (acts == Truth::TRUE)
             addCauseForInit(rt, influence, graph.kind, &sum);
+        else if (acts == Truth::OPEN)
+            addOpenCauseForInit(rt, influence, graph.kind, &sum);
     }
     if (graph.kind == INF_INTEGRAL)
         sn_addObjet(&sum, &last->effect->old);
@@ -88,7 +98,7 @@ void sn_initVars(s_runtime* rt) {
         setFirstValue(initial.var, initial.value);
     for (s_Variable* measure : rt->measure)
         if (!measure->defined)
-            setFirstValue(measure, measure->mes);
+            setFirstValue(measure, sn_observed(measure));
     defineFromCauses(rt, rt->temporal);
     defineFromCauses(rt, rt->untemporal);
     if (sn_initValSpc(rt) != 1)

@@ -106,6 +106,10 @@ void setNelderResult(s_Objet* o, double a, double b) {
     o->rng.sup = std::max(a, b);
 }
 
+bool sn_mayBeSearched(s_CGraph const& graph, s_runtime* rt) {
+    return !rt->engine->rules.narrow && !sn_anyOpen(graph, rt);
+}
+
 void call_nelder_second(s_Influence* influence, s_runtime* rt, s_Objet* prev1, s_Objet* prev2) {
     SearchBox box(SECOND_ORDER_DIMENSION);
     if (!fillSecondOrder(influence, rt, *prev1, *prev2, box))

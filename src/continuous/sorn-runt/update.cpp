@@ -6,7 +6,7 @@
 namespace {
 
 // Makes *value* the newest entry; a history of length 0 holds its one entry all the same.
-void pushCondValue(s_Influence* influence, boolVal value) {
+void pushCondHisto(s_Influence* influence, boolVal value) {
     auto& history = influence->condHisto;
     std::size_t const needed = static_cast<std::size_t>(std::max(influence->condHistoLn, 1));
     if (history.size() < needed)
@@ -14,6 +14,10 @@ void pushCondValue(s_Influence* influence, boolVal value) {
     for (int i = influence->condHistoLn - 1; i >= 1; --i)
         history[static_cast<std::size_t>(i)] = history[static_cast<std::size_t>(i) - 1];
     history[0] = value;
+}
+
+void pushCondValue(s_Influence* influence, boolVal value) {
+    pushCondHisto(influence, value);
     influence->cond->val = value;
 }
 
@@ -72,16 +76,30 @@ void loadThisCycle(s_runtime const* rt, s_Variable const* cause) {
         sn_putObjet(cause->isParam ? &cause->old : &cause->new_, &engine.TMP2);
 }
 
+// What a measure shows may be off by the noise.
+void addNoise(s_Objet* value, double noise) {
+    if (noise != 0.0 && isValue(*value))
+        *value = makeRange(sn_infOf(*value) - noise, sn_supOf(*value) + noise, 1, 1);
+}
+
+// What nothing predicts has its measures alone.
+bool isOnlyMeasured(s_runtime const* rt, s_Variable const* variable) {
+    return sn_isMeasure(rt, variable) && !sn_isPredicted(variable);
+}
+
 // Adds every active cause times its coefficient to TMP1. Returns the influence looked at last.
 s_Influence* addCauses(s_runtime* rt, s_Variable* variable, s_Objet s_Influence::*coefficient) {
     s_engine& engine = *rt->engine;
     s_Influence* last = nullptr;
     for (s_Influence* influence : variable->graph->causes) {
         last = influence;
-        if (!sn_isActive(influence, rt))
+        Truth const acts = sn_pushActivity(influence, rt);
+        if (acts == Truth::FALSE)
             continue;
         sn_loadCauseValue(rt, influence);
         sn_mulObjet(&engine.TMP2, &(influence->*coefficient));
+        if (acts == Truth::OPEN)
+            sn_coverNothing(&engine.TMP2);
         sn_addObjet(&engine.TMP1, &engine.TMP2);
     }
     return last;
@@ -90,14 +108,30 @@ s_Influence* addCauses(s_runtime* rt, s_Variable* variable, s_Objet s_Influence:
 void updateIntegral(s_runtime* rt, s_Variable* variable) {
     s_engine& engine = *rt->engine;
     addCauses(rt, variable, &s_Influence::b1);
-    sn_addObjet(&engine.TMP1, sn_isTrusted(rt, variable) ? &variable->mes : &variable->old);
+    // By the rule `narrow` the measure is in `old` already.
+    bool const measured = !engine.rules.narrow && sn_isTrusted(rt, variable);
+    sn_addObjet(&engine.TMP1, measured ? &variable->mes : &variable->old);
 }
 
 void updateStatic(s_runtime* rt, s_Variable* variable) {
     s_engine& engine = *rt->engine;
     s_Influence const* last = addCauses(rt, variable, &s_Influence::b1);
-    if (engine.env_opti && last->useOpti && sn_isTrusted(rt, variable))
+    if (engine.env_opti && last->useOpti && sn_isTrusted(rt, variable) &&
+        sn_mayBeSearched(*variable->graph, rt))
         call_nelder_obs(variable, rt, &variable->mes, nullptr, &engine.TMP1, INF_STATIC, true);
+}
+
+// The corners of an influence that may not act reach to 0 as well.
+void addSecondOrder(s_engine& engine, s_Influence* influence, Truth acts) {
+    if (acts == Truth::TRUE)
+        return sn_addSecondOrder(engine, influence);
+    s_Objet const others = engine.TMP1;
+    engine.TMP1 = *objZero;
+    sn_addSecondOrder(engine, influence);
+    for (s_Objet* share :
+         {&engine.TMP1, &engine.TMPII, &engine.TMPIS, &engine.TMPSI, &engine.TMPSS})
+        sn_coverNothing(share);
+    sn_addObjet(&engine.TMP1, &others);
 }
 
 void updateSecondOrder(s_runtime* rt, s_Variable* variable) {
@@ -107,10 +141,11 @@ void updateSecondOrder(s_runtime* rt, s_Variable* variable) {
     s_Influence* last = nullptr;
     for (s_Influence* influence : variable->graph->causes) {
         last = influence;
-        if (!sn_isActive(influence, rt))
+        Truth const acts = sn_pushActivity(influence, rt);
+        if (acts == Truth::FALSE)
             continue;
         sn_loadCauseValue(rt, influence);
-        sn_addSecondOrder(engine, influence);
+        addSecondOrder(engine, influence, acts);
     }
     sn_evalDynInfl(rt, last);
 }
@@ -130,11 +165,28 @@ void sn_pushExternCond(s_Influence* influence, boolVal value) {
     pushCondValue(influence, value);
 }
 
+Truth sn_pushActivity(s_Influence* influence, s_runtime* rt) {
+    if (influence->cond == nullptr)
+        return Truth::TRUE;
+    if (!sn_isOpen(influence->cond, rt))
+        return sn_pushCond(influence, rt) != 0 ? Truth::TRUE : Truth::FALSE;
+    // The condition keeps its own value, which may be the truth of an atom.
+    pushCondHisto(influence, 1);
+    return Truth::OPEN;
+}
+
 bool sn_isActive(s_Influence* influence, s_runtime* rt) {
-    return influence->cond == nullptr || sn_pushCond(influence, rt) != 0;
+    return sn_pushActivity(influence, rt) != Truth::FALSE;
+}
+
+void sn_coverNothing(s_Objet* value) {
+    sn_coverBoth(value, *objZero);
 }
 
 void sn_loadCauseValue(s_runtime* rt, s_Influence* influence) {
+    if (rt->engine->rules.narrow && !isOnlyMeasured(rt, influence->cause))
+        return sn_loadPredicted(rt, influence);
+    s_engine& engine = *rt->engine;
     // A static link is told one cycle later than it acts: its delay 0 reads this very cycle.
     int const early = influence->type == INF_STATIC ? 1 : 0;
     int const lo = influence->delayMin - early;
@@ -145,6 +197,8 @@ void sn_loadCauseValue(s_runtime* rt, s_Influence* influence) {
         loadPreviousCycle(rt, influence);
     else if (hi == -1 && influence->type == INF_STATIC)
         loadThisCycle(rt, influence->cause);
+    addNoise(&engine.TMP2, influence->cause->noise);
+    addNoise(&engine.TMP5, influence->cause->noise);
 }
 
 // Inactive causes contribute nothing: with every condition false the sum is 0.

@@ -102,10 +102,10 @@ TEST(VatRuns, ASimulationFollowsTheTruth) {
     EXPECT_GE(dumps, runs);
 }
 
-// A detection of every run; answers how often the true vats dumped.
-int detectTruths(int search) {
+// A detection of so many runs; answers how often the true vats dumped.
+int detectTruths(int search, unsigned count = runs) {
     int dumps = 0;
-    for (unsigned seed = firstSeed; seed < firstSeed + runs; ++seed) {
+    for (unsigned seed = firstSeed; seed < firstSeed + count; ++seed) {
         VatTruth truth(seed);
         PlantRun run(search);
         for (auto const& influence : theRun().tavro_rt->influ)
@@ -133,6 +133,17 @@ TEST(VatRuns, ADetectionRaisesNoAlarmAndFollowsTheTruth) {
 // the search the truth is promised up to the first dump.
 TEST(VatRuns, ADetectionWithTheSearchFollowsTheTruthToItsFirstDump) {
     EXPECT_EQ(detectTruths(1), runs);
+}
+
+// By the rule `narrow` every value that is drawn towards a measure stays true, dumps or not.
+TEST(VatRuns, ADetectionThatNarrowsFollowsTheTruth) {
+    for (double const noise : {0.0, 0.02}) {
+        RunSettings settings;
+        settings.rules.narrow = true;
+        settings.noise[""] = noise;
+        WithSettings const given(settings);
+        EXPECT_GE(detectTruths(0, 200), 3 * 200) << noise;
+    }
 }
 
 // A float that hangs far above every bound: the first such measure counts, the second is an alarm

@@ -2,6 +2,7 @@
 // engine on what it measures. Tests reach the engine through this header alone.
 #pragma once
 
+#include <array>
 #include <map>
 #include <random>
 #include <sstream>
@@ -45,11 +46,18 @@ public:
             open = true;
         else if (open && level < 2.0)
             open = false;
+        if (noise > 0.0)
+            for (double& error : errors)
+                error = between(-noise, noise);
     }
 
     // What is measured, in the order of the model.
     std::vector<double> measures() const {
-        return {at(pond, 0, 2.0), poolGauge, at(mainPipe, 1, 3.0), at(mainPipe, 3, 3.0), meter};
+        std::vector<double> shown = {at(pond, 0, 2.0), poolGauge, at(mainPipe, 1, 3.0),
+                                     at(mainPipe, 3, 3.0), meter};
+        for (std::size_t i = 0; i < shown.size(); ++i)
+            shown[i] += errors[i];
+        return shown;
     }
     // What is not measured, by name.
     std::map<std::string, double> hidden() const {
@@ -63,6 +71,7 @@ public:
 
     int k = 0;
     bool open = false;       // the valve of the tank
+    double noise = 0.0;      // how far a sensor may be off
     int failureOfGate1 = 0;  // the step at which it fails; 0 for never
 
 private:
@@ -80,6 +89,7 @@ private:
     double level;
     Course rain, river, pond, pool, mainPipe;
     double poolGauge = 1.0, meter = 0.0;
+    std::array<double, 5> errors{};
 };
 
 // A run of `detect` with threshold 1, fed step by step.
