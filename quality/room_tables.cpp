@@ -1,0 +1,243 @@
+// Results, grouped by what was varied, and a row of figures for each group.
+#include "quality/room_tables.h"
+
+#include <algorithm>
+#include <functional>
+#include <utility>
+
+namespace quality {
+
+namespace {
+
+using Group = std::vector<RoomResult const*>;
+using Row = std::vector<std::string>;
+using Key = std::function<Row(RoomCase const&)>;
+
+// In the order in which the keys come first.
+std::vector<std::pair<Row, Group>> groups(std::vector<RoomResult> const& results, Key const& key) {
+    std::vector<std::pair<Row, Group>> found;
+    for (RoomResult const& result : results) {
+        Row const name = key(result.asked);
+        auto const at = std::find_if(found.begin(), found.end(),
+                                     [&](auto const& group) { return group.first == name; });
+        if (at != found.end())
+            at->second.push_back(&result);
+        else
+            found.push_back({name, {&result}});
+    }
+    return found;
+}
+
+Table tableOf(std::string title, Row head, std::vector<RoomResult> const& results, Key const& key,
+              Row const& columns, std::function<Row(Group const&)> const& figures) {
+    Table table{std::move(title), std::move(head), {}};
+    table.head.insert(table.head.end(), columns.begin(), columns.end());
+    for (auto const& [name, group] : groups(results, key)) {
+        Row row = name;
+        Row const values = figures(group);
+        row.insert(row.end(), values.begin(), values.end());
+        table.rows.push_back(std::move(row));
+    }
+    return table;
+}
+
+template <typename Test>
+long count(Group const& group, Test test) {
+    return std::count_if(group.begin(), group.end(),
+                         [&](RoomResult const* result) { return test(result->verdict); });
+}
+
+template <typename Value>
+double sum(Group const& group, Value value) {
+    double total = 0.0;
+    for (RoomResult const* result : group)
+        total += value(result->verdict);
+    return total;
+}
+
+Group only(Group const& group, bool (RoomVerdict::*test)() const) {
+    Group chosen;
+    for (RoomResult const* result : group)
+        if ((result->verdict.*test)())
+            chosen.push_back(result);
+    return chosen;
+}
+
+std::string heldTemperature(Group const& group) {
+    return percent(sum(group, [](auto const& v) { return v.holdTemperature; }),
+                   sum(group, [](auto const& v) { return v.samples; }));
+}
+
+std::string heldRate(Group const& group) {
+    return percent(sum(group, [](auto const& v) { return v.holdRate; }),
+                   sum(group, [](auto const& v) { return v.samples; }));
+}
+
+std::string mostCandidates(Group const& group) {
+    std::size_t most = 0;
+    for (RoomResult const* result : group)
+        most = std::max(most, result->verdict.mostCandidates);
+    return std::to_string(most);
+}
+
+std::string medianWidth(Group const& group, std::size_t mark) {
+    std::vector<double> widths;
+    for (RoomResult const* result : group)
+        if (auto const& width = result->verdict.widths[mark])
+            widths.push_back(*width);
+    return quantileText(widths, 0.5, 1);
+}
+
+char const* nameOf(Uncertainty uncertainty) {
+    switch (uncertainty) {
+        case Uncertainty::midpoint:
+            return "midpoint";
+        case Uncertainty::constant:
+            return "constant";
+        case Uncertainty::redrawn:
+            return "redrawn";
+    }
+    return "";
+}
+
+// ---- Healthy days ----
+
+Row healthyFigures(Group const& group) {
+    long const runs = static_cast<long>(group.size());
+    return {std::to_string(runs),
+            share(count(group, [](auto const& v) { return v.falseAlarm(); }), runs),
+            heldTemperature(group), heldRate(group), mostCandidates(group)};
+}
+
+Row const healthyColumns{"runs", "false alarms", "holds room.x", "holds room.xd", "most candidates"};
+
+Row widthFigures(Group const& group) {
+    Row row;
+    for (std::size_t mark = 0; mark < widthMarks.size(); ++mark)
+        row.push_back(medianWidth(group, mark));
+    return row;
+}
+
+Row widthColumns() {
+    Row row;
+    for (int const mark : widthMarks)
+        row.push_back("step " + std::to_string(mark));
+    return row;
+}
+
+// ---- Days with a fault ----
+
+std::vector<double> delays(Group const& noticed) {
+    std::vector<double> steps;
+    for (RoomResult const* result : noticed)
+        steps.push_back(*result->verdict.alarm - *result->verdict.struck);
+    return steps;
+}
+
+std::string answers(Group const& group, Answer RoomVerdict::*when, bool Answer::*what) {
+    return share(count(group, [&](RoomVerdict const& v) { return (v.*when).*what; }),
+                 static_cast<long>(group.size()));
+}
+
+// Shares of detection are of the days on which the fault struck, those of isolation of the days on
+// which it was noticed.
+Row faultyFigures(Group const& group) {
+    Group const noticed = only(group, &RoomVerdict::noticed);
+    long const struck = count(group, [](auto const& v) { return v.struck.has_value(); });
+    long const falseAlarms = count(group, [](auto const& v) { return v.falseAlarm(); });
+    long const missed = struck - static_cast<long>(noticed.size()) -
+                        count(group, [](auto const& v) { return v.struck && v.falseAlarm(); });
+    std::vector<double> const late = delays(noticed);
+    return {std::to_string(group.size()),
+            std::to_string(struck),
+            std::to_string(falseAlarms),
+            share(missed, struck),
+            quantileText(late, 0.5, 0) + " / " + quantileText(late, 0.9, 0) + " / " +
+                quantileText(late, 1.0, 0),
+            answers(noticed, &RoomVerdict::atDiagnosis, &Answer::among),
+            answers(noticed, &RoomVerdict::atDiagnosis, &Answer::first),
+            answers(noticed, &RoomVerdict::atEnd, &Answer::among),
+            answers(noticed, &RoomVerdict::atEnd, &Answer::first),
+            answers(noticed, &RoomVerdict::atDiagnosis, &Answer::misled),
+            share(count(noticed, [](auto const& v) { return v.causeSuspected; }),
+                  static_cast<long>(noticed.size())),
+            std::to_string(count(group, [](auto const& v) { return v.stopped && !v.ranAway(); })),
+            std::to_string(count(group, [](auto const& v) { return v.ranAway(); })),
+            heldTemperature(group),
+            mostCandidates(group)};
+}
+
+Row const faultyColumns{"runs",
+                        "struck",
+                        "false alarms",
+                        "missed",
+                        "delay median / 90 % / most",
+                        "true mode found",
+                        "found first",
+                        "at end",
+                        "first at end",
+                        "wrong mode first",
+                        "cause suspected",
+                        "stopped",
+                        "ran away",
+                        "holds room.x",
+                        "most candidates"};
+
+Row faultOf(RoomCase const& c) {
+    return {nameOf(c.day.fault)};
+}
+
+Row onsetOf(RoomCase const& c) {
+    return {nameOf(c.day.fault), std::to_string(c.day.onset)};
+}
+
+Row costRow(std::string name, std::vector<RoomResult> const& results) {
+    std::vector<double> milliseconds, kibibytes;
+    for (RoomResult const& result : results) {
+        milliseconds.push_back(1000.0 * result.verdict.cost.seconds);
+        kibibytes.push_back(static_cast<double>(result.verdict.cost.bytes) / 1024.0);
+    }
+    return {std::move(name),
+            std::to_string(results.size()),
+            quantileText(milliseconds, 0.5, 1),
+            quantileText(milliseconds, 1.0, 1),
+            quantileText(kibibytes, 0.5, 0),
+            quantileText(kibibytes, 1.0, 0)};
+}
+
+}  // namespace
+
+std::vector<Table> healthyTables(std::vector<RoomResult> const& results) {
+    Key const all = [](RoomCase const& c) {
+        return Row{decimals(c.day.noise, 2), std::to_string(c.threshold), nameOf(c.day.uncertainty)};
+    };
+    Key const day = [](RoomCase const& c) {
+        return Row{decimals(c.day.noise, 2), nameOf(c.day.uncertainty)};
+    };
+    return {tableOf("Healthy days of the room", {"noise", "threshold", "uncertainty"}, results, all,
+                    healthyColumns, healthyFigures),
+            tableOf("Healthy days: median width of the bounds of room.x", {"noise", "uncertainty"},
+                    results, day, widthColumns(), widthFigures)};
+}
+
+std::vector<Table> faultyTables(std::vector<RoomResult> const& results) {
+    auto const by = [&](std::string const& title, Row head, Key const& key) {
+        return tableOf("Faults of the room, " + title, std::move(head), results, key, faultyColumns,
+                       faultyFigures);
+    };
+    return {by("by fault", {"fault"}, faultOf),
+            by("by fault and onset", {"fault", "onset"}, onsetOf),
+            by("by threshold", {"threshold"},
+               [](RoomCase const& c) { return Row{std::to_string(c.threshold)}; }),
+            by("by noise", {"noise"}, [](RoomCase const& c) { return Row{decimals(c.day.noise, 2)}; }),
+            by("by level of isolation", {"level"},
+               [](RoomCase const& c) { return Row{std::to_string(c.isolation)}; })};
+}
+
+Table costTable(std::vector<RoomResult> const& healthy, std::vector<RoomResult> const& faulty) {
+    return {"Cost of a run of 300 steps of the room",
+            {"days", "runs", "ms median", "ms most", "KiB median", "KiB most"},
+            {costRow("healthy", healthy), costRow("with a fault", faulty)}};
+}
+
+}  // namespace quality
