@@ -1,5 +1,5 @@
-// The random numbers of the truths: for one seed the same on every machine. The generator is fixed by
-// the standard, the distributions of the standard library are not, so the conversion is our own.
+// The random numbers of the truths: for one seed the same on every machine. The generator is fixed
+// by the standard, the distributions of the standard library are not, so the conversion is our own.
 #pragma once
 
 #include <cstddef>
@@ -10,7 +10,8 @@ namespace quality {
 
 class Dice {
 public:
-    // Streams of one seed do not follow each other: a truth takes one stream for each thing it draws.
+    // Streams of one seed do not follow each other: a truth takes one stream for each thing it
+    // draws.
     Dice(std::uint64_t seed, std::uint64_t stream) : engine(mixed(mixed(seed) + stream)) {}
 
     // From low to high, high left out but for rounding; 53 bits, exact in a double.
@@ -24,8 +25,8 @@ public:
     bool oneIn(std::size_t count) { return below(count) == 0; }
 
 private:
-    // The output function of SplitMix64 (Steele, Lea and Flood, "Fast splittable pseudorandom number
-    // generators", OOPSLA 2014): small seeds give states that have nothing in common.
+    // The output function of SplitMix64 (Steele, Lea and Flood, "Fast splittable pseudorandom
+    // number generators", OOPSLA 2014): small seeds give states that have nothing in common.
     static std::uint64_t mixed(std::uint64_t x) {
         x += 0x9e3779b97f4a7c15U;
         x = (x ^ (x >> 30)) * 0xbf58476d1ce4e5b9U;

@@ -1,5 +1,5 @@
-// Independent pieces of work, shared out to threads. Which thread takes which piece changes nothing:
-// a piece writes to a place of its own.
+// Independent pieces of work, shared out to threads. Which thread takes which piece changes
+// nothing: a piece writes to a place of its own.
 #pragma once
 
 #include <atomic>

@@ -31,6 +31,10 @@ void printRow(std::ostream& out, Row const& row, std::vector<std::size_t> const&
     out << "|\n";
 }
 
+double hundredths(long part, long whole) {
+    return 100.0 * static_cast<double>(part) / static_cast<double>(whole);
+}
+
 }  // namespace
 
 void print(std::ostream& out, Table const& table) {
@@ -54,13 +58,12 @@ std::string decimals(double value, int places) {
 std::string share(long part, long whole) {
     if (whole == 0)
         return "-";
-    double const hundredths = 100.0 * static_cast<double>(part) / static_cast<double>(whole);
-    return std::to_string(part) + "/" + std::to_string(whole) + " (" + decimals(hundredths, 0) +
-           " %)";
+    return std::to_string(part) + "/" + std::to_string(whole) + " (" +
+           decimals(hundredths(part, whole), 0) + " %)";
 }
 
-std::string percent(double part, double whole) {
-    return whole == 0.0 ? "-" : decimals(100.0 * part / whole, 2) + " %";
+std::string percent(long part, long whole) {
+    return whole == 0 ? "-" : decimals(hundredths(part, whole), 2) + " %";
 }
 
 double quantile(std::vector<double> values, double share) {

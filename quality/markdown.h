@@ -20,10 +20,10 @@ std::string decimals(double value, int places);
 // "3/24 (13 %)"; "-" of none.
 std::string share(long part, long whole);
 // "99.97 %"; "-" of none.
-std::string percent(double part, double whole);
+std::string percent(long part, long whole);
 
-// The value below which that share of the sorted values lies, 0.5 for the median: the one at the next
-// place, no value in between is made up. Needs a value.
+// The value below which that share of the sorted values lies, 0.5 for the median: the one at the
+// next place, no value in between is made up. Needs a value.
 double quantile(std::vector<double> values, double share);
 // The same as text; "-" of none.
 std::string quantileText(std::vector<double> const& values, double share, int places);

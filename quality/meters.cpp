@@ -1,4 +1,5 @@
-// The allocator of the program is replaced by one that counts, thread by thread, and that can refuse.
+// The allocator of the program is replaced by one that counts, thread by thread, and that can
+// refuse.
 #include "quality/meters.h"
 
 #include <malloc.h>

@@ -8,9 +8,8 @@ namespace quality {
 
 namespace {
 
-constexpr RoomFault faults[] = {RoomFault::stuckOn,    RoomFault::stuckOff,
-                                RoomFault::sensorDead, RoomFault::sensorBias,
-                                RoomFault::windowOpen, RoomFault::draught};
+constexpr RoomFault faults[] = {RoomFault::stuckOn,    RoomFault::stuckOff,   RoomFault::sensorDead,
+                                RoomFault::sensorBias, RoomFault::windowOpen, RoomFault::draught};
 constexpr int onsets[] = {20, 60, 100, 150, 200};
 constexpr double noises[] = {0.0, 0.01, 0.02};
 constexpr int thresholds[] = {2, 3};

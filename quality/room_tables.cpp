@@ -2,58 +2,16 @@
 #include "quality/room_tables.h"
 
 #include <algorithm>
-#include <functional>
 #include <utility>
+
+#include "quality/grouping.h"
 
 namespace quality {
 
 namespace {
 
-using Group = std::vector<RoomResult const*>;
-using Row = std::vector<std::string>;
-using Key = std::function<Row(RoomCase const&)>;
-
-// In the order in which the keys come first.
-std::vector<std::pair<Row, Group>> groups(std::vector<RoomResult> const& results, Key const& key) {
-    std::vector<std::pair<Row, Group>> found;
-    for (RoomResult const& result : results) {
-        Row const name = key(result.asked);
-        auto const at = std::find_if(found.begin(), found.end(),
-                                     [&](auto const& group) { return group.first == name; });
-        if (at != found.end())
-            at->second.push_back(&result);
-        else
-            found.push_back({name, {&result}});
-    }
-    return found;
-}
-
-Table tableOf(std::string title, Row head, std::vector<RoomResult> const& results, Key const& key,
-              Row const& columns, std::function<Row(Group const&)> const& figures) {
-    Table table{std::move(title), std::move(head), {}};
-    table.head.insert(table.head.end(), columns.begin(), columns.end());
-    for (auto const& [name, group] : groups(results, key)) {
-        Row row = name;
-        Row const values = figures(group);
-        row.insert(row.end(), values.begin(), values.end());
-        table.rows.push_back(std::move(row));
-    }
-    return table;
-}
-
-template <typename Test>
-long count(Group const& group, Test test) {
-    return std::count_if(group.begin(), group.end(),
-                         [&](RoomResult const* result) { return test(result->verdict); });
-}
-
-template <typename Value>
-double sum(Group const& group, Value value) {
-    double total = 0.0;
-    for (RoomResult const* result : group)
-        total += value(result->verdict);
-    return total;
-}
+using Group = GroupOf<RoomResult>;
+using Key = KeyOf<RoomResult>;
 
 Group only(Group const& group, bool (RoomVerdict::*test)() const) {
     Group chosen;
@@ -71,13 +29,6 @@ std::string heldTemperature(Group const& group) {
 std::string heldRate(Group const& group) {
     return percent(sum(group, [](auto const& v) { return v.holdRate; }),
                    sum(group, [](auto const& v) { return v.samples; }));
-}
-
-std::string mostCandidates(Group const& group) {
-    std::size_t most = 0;
-    for (RoomResult const* result : group)
-        most = std::max(most, result->verdict.mostCandidates);
-    return std::to_string(most);
 }
 
 std::string medianWidth(Group const& group, std::size_t mark) {
@@ -109,7 +60,8 @@ Row healthyFigures(Group const& group) {
             heldTemperature(group), heldRate(group), mostCandidates(group)};
 }
 
-Row const healthyColumns{"runs", "false alarms", "holds room.x", "holds room.xd", "most candidates"};
+Row const healthyColumns{"runs", "false alarms", "holds room.x", "holds room.xd",
+                         "most candidates"};
 
 Row widthFigures(Group const& group) {
     Row row;
@@ -183,60 +135,49 @@ Row const faultyColumns{"runs",
                         "holds room.x",
                         "most candidates"};
 
-Row faultOf(RoomCase const& c) {
-    return {nameOf(c.day.fault)};
+Row faultOf(RoomResult const& r) {
+    return {nameOf(r.asked.day.fault)};
 }
 
-Row onsetOf(RoomCase const& c) {
-    return {nameOf(c.day.fault), std::to_string(c.day.onset)};
-}
-
-Row costRow(std::string name, std::vector<RoomResult> const& results) {
-    std::vector<double> milliseconds, kibibytes;
-    for (RoomResult const& result : results) {
-        milliseconds.push_back(1000.0 * result.verdict.cost.seconds);
-        kibibytes.push_back(static_cast<double>(result.verdict.cost.bytes) / 1024.0);
-    }
-    return {std::move(name),
-            std::to_string(results.size()),
-            quantileText(milliseconds, 0.5, 1),
-            quantileText(milliseconds, 1.0, 1),
-            quantileText(kibibytes, 0.5, 0),
-            quantileText(kibibytes, 1.0, 0)};
+Row onsetOf(RoomResult const& r) {
+    return {nameOf(r.asked.day.fault), std::to_string(r.asked.day.onset)};
 }
 
 }  // namespace
 
 std::vector<Table> healthyTables(std::vector<RoomResult> const& results) {
-    Key const all = [](RoomCase const& c) {
-        return Row{decimals(c.day.noise, 2), std::to_string(c.threshold), nameOf(c.day.uncertainty)};
+    Key const all = [](RoomResult const& r) {
+        return Row{decimals(r.asked.day.noise, 2), std::to_string(r.asked.threshold),
+                   nameOf(r.asked.day.uncertainty)};
     };
-    Key const day = [](RoomCase const& c) {
-        return Row{decimals(c.day.noise, 2), nameOf(c.day.uncertainty)};
+    Key const day = [](RoomResult const& r) {
+        return Row{decimals(r.asked.day.noise, 2), nameOf(r.asked.day.uncertainty)};
     };
-    return {tableOf("Healthy days of the room", {"noise", "threshold", "uncertainty"}, results, all,
-                    healthyColumns, healthyFigures),
-            tableOf("Healthy days: median width of the bounds of room.x", {"noise", "uncertainty"},
-                    results, day, widthColumns(), widthFigures)};
+    return {
+        tableOf<RoomResult>("Healthy days of the room", {"noise", "threshold", "uncertainty"},
+                            results, all, healthyColumns, healthyFigures),
+        tableOf<RoomResult>("Healthy days: median width of the bounds of room.x",
+                            {"noise", "uncertainty"}, results, day, widthColumns(), widthFigures)};
 }
 
 std::vector<Table> faultyTables(std::vector<RoomResult> const& results) {
     auto const by = [&](std::string const& title, Row head, Key const& key) {
-        return tableOf("Faults of the room, " + title, std::move(head), results, key, faultyColumns,
-                       faultyFigures);
+        return tableOf<RoomResult>("Faults of the room, " + title, std::move(head), results, key,
+                                   faultyColumns, faultyFigures);
     };
     return {by("by fault", {"fault"}, faultOf),
             by("by fault and onset", {"fault", "onset"}, onsetOf),
             by("by threshold", {"threshold"},
-               [](RoomCase const& c) { return Row{std::to_string(c.threshold)}; }),
-            by("by noise", {"noise"}, [](RoomCase const& c) { return Row{decimals(c.day.noise, 2)}; }),
+               [](RoomResult const& r) { return Row{std::to_string(r.asked.threshold)}; }),
+            by("by noise", {"noise"},
+               [](RoomResult const& r) { return Row{decimals(r.asked.day.noise, 2)}; }),
             by("by level of isolation", {"level"},
-               [](RoomCase const& c) { return Row{std::to_string(c.isolation)}; })};
+               [](RoomResult const& r) { return Row{std::to_string(r.asked.isolation)}; })};
 }
 
 Table costTable(std::vector<RoomResult> const& healthy, std::vector<RoomResult> const& faulty) {
     return {"Cost of a run of 300 steps of the room",
-            {"days", "runs", "ms median", "ms most", "KiB median", "KiB most"},
+            costColumns("days"),
             {costRow("healthy", healthy), costRow("with a fault", faulty)}};
 }
 

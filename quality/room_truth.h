@@ -6,10 +6,10 @@
 //     x(0) = 4        x(k)  = x(k-1) + g(k) xd(k-1)                       g in [0.95, 1.05]
 //                     xd(k) = K (drive(k) - x(max(k-1, 0))) + u(k)        u in [0, 0.3]
 //
-// K is 0.05 with the window closed and 0.0002 with it open; drive is 20 while the heater heats and 4
-// while it does not. The thermostat acts at the end of a step, once x(k) is known: off turns to on
-// when x(k) < 10, on turns to off when x(k) >= 17; so xd(k+1) is the first rate that sees it. At 4
-// degrees it switches on before the first rate.
+// K is 0.05 with the window closed and 0.0002 with it open; drive is 20 while the heater heats and
+// 4 while it does not. The thermostat acts at the end of a step, once x(k) is known: off turns to
+// on when x(k) < 10, on turns to off when x(k) >= 17; so xd(k+1) is the first rate that sees it. At
+// 4 degrees it switches on before the first rate.
 #pragma once
 
 #include <cstdint>
@@ -31,8 +31,8 @@ enum class RoomFault {
 
 char const* nameOf(RoomFault fault);
 
-// How the uncertain quantities g and u behave. The interval model holds all three: it says only that
-// a value lies in the interval at each step.
+// How the uncertain quantities g and u behave. The interval model holds all three: it says only
+// that a value lies in the interval at each step.
 enum class Uncertainty {
     midpoint,  // g = 1 and u = 0.15 at all steps
     constant,  // drawn once for the day

@@ -39,9 +39,9 @@ bool inTrueModes(tavro::Candidate const& candidate, RoomSample const& truth) {
 Answer answerOf(Candidates const& candidates, RoomSample const& truth) {
     Answer answer;
     answer.count = candidates.size();
-    answer.among =
-        std::any_of(candidates.begin(), candidates.end(),
-                    [&](tavro::Candidate const& candidate) { return inTrueModes(candidate, truth); });
+    answer.among = std::any_of(
+        candidates.begin(), candidates.end(),
+        [&](tavro::Candidate const& candidate) { return inTrueModes(candidate, truth); });
     if (candidates.empty())
         return answer;
     answer.first = inTrueModes(candidates.front(), truth);
@@ -140,10 +140,8 @@ RoomVerdict watchRoom(tavro::Plant const& plant, RoomSetting const& setting,
     RoomDay const day = roomDay(setting);
     RoomWatch watch(setting, day);
     Meter const meter(memoryOfARun);
-    {
-        tavro::Run run(plant, options);
-        watch.follow(run);
-    }
+    tavro::Run run(plant, options);
+    watch.follow(run);
     watch.verdict.cost = meter.read();
     return watch.verdict;
 }

@@ -1,4 +1,5 @@
-// The engine beside a true day of the room: what it noticed, when, whom it blamed, and what it knew.
+// The engine beside a true day of the room: what it noticed, when, whom it blamed, and what it
+// knew.
 #pragma once
 
 #include <array>
@@ -25,14 +26,16 @@ struct Answer {
 
 struct RoomVerdict {
     std::optional<int> struck;  // of the day
-    std::optional<int> alarm;   // the first step at which no candidate agreed, or that stopped the run
+    std::optional<int>
+        alarm;  // the first step at which no candidate agreed, or that stopped the run
     std::optional<int> diagnosed;
-    bool causeSuspected = false;  // of a diagnosis: a suspect names an influence that the fault broke
+    bool causeSuspected =
+        false;  // of a diagnosis: a suspect names an influence that the fault broke
     Answer atDiagnosis;
     Answer atEnd;
     std::optional<tavro::ErrorKind> stopped;
-    // Samples that were answered, time 0 included, and those of which some candidate's bounds hold the
-    // true temperature, and the true rate.
+    // Samples that were answered, time 0 included, and those of which some candidate's bounds hold
+    // the true temperature, and the true rate.
     int samples = 0, holdTemperature = 0, holdRate = 0;
     // From the lowest lower to the highest upper bound of all candidates; none after a stop.
     std::array<std::optional<double>, widthMarks.size()> widths;
