@@ -53,26 +53,37 @@ private:
 
     void command(int order) {
         LineCommands const given = ordersOf(order);
-        std::size_t const victim = strikes.count(order) != 0 ? drawVictim() : lineComponents;
         story.events.push_back({true, given, false});
+        LineModes next;
         for (std::size_t i = 0; i < lineComponents; ++i) {
             intended[i] = lineMoves(intended[i], given[i]).front().to;
-            std::vector<LineMove> const moves = lineMoves(modes[i], given[i]);
-            LineMove const& taken =
-                i == victim ? moves[1 + fate.below(moves.size() - 1)] : moves.front();
-            modes[i] = taken.to;
-            if (taken.failure)
-                story.failures.push_back({lineNames[i], taken.to, now()});
+            next[i] = lineMoves(modes[i], given[i]).front().to;
         }
+        if (strikes.count(order) != 0)
+            strike(next);
+        modes = next;
         story.modes.push_back(modes);
     }
 
-    // One that has not failed yet: at most one of three has, before the second failure.
-    std::size_t drawVictim() {
-        std::size_t victim = fate.below(lineComponents);
-        while (lineMoves(modes[victim], "none").size() == 1)
-            victim = (victim + 1) % lineComponents;
-        return victim;
+    // One failure of those that can happen, as likely as the model says. Of three components one at
+    // most has failed before, so there is one.
+    void strike(LineModes& next) {
+        double left = fate.within(0.0, sumOfFailures());
+        for (std::size_t i = 0; i < lineComponents; ++i)
+            for (LineMove const& move : lineMoves(modes[i], "none"))
+                if (move.failure && (left -= move.probability) < 0.0) {
+                    next[i] = move.to;
+                    story.failures.push_back({lineNames[i], move.to, now()});
+                    return;
+                }
+    }
+
+    double sumOfFailures() const {
+        double total = 0.0;
+        for (std::string const& mode : modes)
+            for (LineMove const& move : lineMoves(mode, "none"))
+                total += move.failure ? move.probability : 0.0;
+        return total;
     }
 
     void observe() {

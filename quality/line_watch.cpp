@@ -160,11 +160,12 @@ private:
             ordered = ordered && history->weight <= last * (1.0 + sameWeight);
             last = history->weight;
         }
-        verdict.wellOrdered += ordered;
+        verdict.wellOrdered += ordered && !answers.empty();
     }
 
-    // A run stops in a diagnosis.
+    // A run stops in a diagnosis, which then has found nothing.
     void noteStop(std::size_t at, tavro::ErrorKind why) {
+        diagnoses.push_back({at, {}});
         if (!verdict.alarm)
             verdict.alarm = timeOf(at);
         verdict.stopped = why;

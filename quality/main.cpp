@@ -20,6 +20,8 @@ void roomTables(quality::Wishes const& wishes) {
         watchRooms(quality::faultyRooms(wishes.faultySeeds()), wishes.rules, wishes.jobs);
     for (quality::Table const& table : faultyTables(faulty))
         print(std::cout, table);
+    print(std::cout,
+          isolationTable(watchRooms(quality::isolatedRooms(), wishes.rules, wishes.jobs)));
     if (wishes.costs)
         print(std::cout, costTable(healthy, faulty));
 }

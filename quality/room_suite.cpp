@@ -15,39 +15,48 @@ constexpr double noises[] = {0.0, 0.01, 0.02};
 constexpr int thresholds[] = {2, 3};
 constexpr int isolations[] = {1, 2, 3};
 
-Uncertainty uncertaintyOf(int seed) {
-    return seed % 2 != 0 ? Uncertainty::constant : Uncertainty::redrawn;
+constexpr Uncertainty uncertainties[] = {Uncertainty::constant, Uncertainty::redrawn};
+
+// Every threshold on every day with the fault.
+void addDays(std::vector<RoomCase>& cases, RoomFault fault, int onset, int seed, int isolation) {
+    for (double const noise : noises)
+        for (int const threshold : thresholds)
+            for (Uncertainty const uncertainty : uncertainties)
+                cases.push_back({{.fault = fault,
+                                  .onset = onset,
+                                  .noise = noise,
+                                  .uncertainty = uncertainty,
+                                  .seed = static_cast<std::uint64_t>(seed)},
+                                 threshold,
+                                 isolation});
 }
 
-RoomSetting dayOf(RoomFault fault, int onset, double noise, int seed) {
-    return {.fault = fault,
-            .onset = onset,
-            .noise = noise,
-            .uncertainty = uncertaintyOf(seed),
-            .seed = static_cast<std::uint64_t>(seed)};
+void addFaults(std::vector<RoomCase>& cases, int seed, int isolation) {
+    for (RoomFault const fault : faults)
+        for (int const onset : onsets)
+            addDays(cases, fault, onset, seed, isolation);
 }
 
 }  // namespace
 
 std::vector<RoomCase> healthyRooms(int seeds) {
     std::vector<RoomCase> cases;
-    for (double const noise : noises)
-        for (int const threshold : thresholds)
-            for (int seed = 1; seed <= 2 * seeds; ++seed)
-                cases.push_back({dayOf(RoomFault::none, 0, noise, seed), threshold, 1});
+    for (int seed = 1; seed <= seeds; ++seed)
+        addDays(cases, RoomFault::none, 0, seed, 1);
     return cases;
 }
 
 std::vector<RoomCase> faultyRooms(int seeds) {
     std::vector<RoomCase> cases;
-    for (RoomFault const fault : faults)
-        for (int const onset : onsets)
-            for (double const noise : noises)
-                for (int seed = 1; seed <= seeds; ++seed)
-                    for (int const threshold : thresholds)
-                        for (int const isolation : isolations)
-                            cases.push_back(
-                                {dayOf(fault, onset, noise, seed), threshold, isolation});
+    for (int seed = 1; seed <= seeds; ++seed)
+        addFaults(cases, seed, 1);
+    return cases;
+}
+
+std::vector<RoomCase> isolatedRooms() {
+    std::vector<RoomCase> cases;
+    for (int const isolation : isolations)
+        addFaults(cases, 1, isolation);
     return cases;
 }
 

@@ -18,11 +18,13 @@ struct RoomResult {
     RoomVerdict verdict;
 };
 
-// Healthy days: each noise and threshold, each of the two drawn uncertainties, `seeds` of each.
-// Days with a fault: each fault, onset, noise, threshold and level of isolation, with the two
-// uncertainties in turn. The same day for each threshold and level.
+// Healthy days: each noise, threshold and drawn uncertainty, `seeds` of each.
 std::vector<RoomCase> healthyRooms(int seeds);
+// Days with a fault: each fault, onset, noise, threshold and drawn uncertainty, `seeds` of each, at
+// level 1 of isolation.
 std::vector<RoomCase> faultyRooms(int seeds);
+// The days of the first seed, at each level.
+std::vector<RoomCase> isolatedRooms();
 
 // In the order of the cases, whatever the number of jobs.
 std::vector<RoomResult> watchRooms(std::vector<RoomCase> const& cases, std::string const& rules,

@@ -31,12 +31,12 @@ std::string heldRate(Group const& group) {
                    sum(group, [](auto const& v) { return v.samples; }));
 }
 
-std::string medianWidth(Group const& group, std::size_t mark) {
+std::string widthText(Group const& group, std::size_t mark) {
     std::vector<double> widths;
     for (RoomResult const* result : group)
         if (auto const& width = result->verdict.widths[mark])
             widths.push_back(*width);
-    return quantileText(widths, 0.5, 1);
+    return quantileText(widths, 0.5, 1) + " / " + quantileText(widths, 0.9, 1);
 }
 
 char const* nameOf(Uncertainty uncertainty) {
@@ -66,7 +66,7 @@ Row const healthyColumns{"runs", "false alarms", "holds room.x", "holds room.xd"
 Row widthFigures(Group const& group) {
     Row row;
     for (std::size_t mark = 0; mark < widthMarks.size(); ++mark)
-        row.push_back(medianWidth(group, mark));
+        row.push_back(widthText(group, mark));
     return row;
 }
 
@@ -108,6 +108,8 @@ Row faultyFigures(Group const& group) {
                 quantileText(late, 1.0, 0),
             answers(noticed, &RoomVerdict::atDiagnosis, &Answer::among),
             answers(noticed, &RoomVerdict::atDiagnosis, &Answer::first),
+            share(count(noticed, [](auto const& v) { return v.stepNamed; }),
+                  static_cast<long>(noticed.size())),
             answers(noticed, &RoomVerdict::atEnd, &Answer::among),
             answers(noticed, &RoomVerdict::atEnd, &Answer::first),
             answers(noticed, &RoomVerdict::atDiagnosis, &Answer::misled),
@@ -126,6 +128,7 @@ Row const faultyColumns{"runs",
                         "delay median / 90 % / most",
                         "true mode found",
                         "found first",
+                        "step named",
                         "at end",
                         "first at end",
                         "wrong mode first",
@@ -143,6 +146,12 @@ Row onsetOf(RoomResult const& r) {
     return {nameOf(r.asked.day.fault), std::to_string(r.asked.day.onset)};
 }
 
+// What decides how well the engine sees.
+Row sightOf(RoomResult const& r) {
+    return {std::to_string(r.asked.threshold), nameOf(r.asked.day.uncertainty),
+            std::to_string(r.asked.day.onset)};
+}
+
 }  // namespace
 
 std::vector<Table> healthyTables(std::vector<RoomResult> const& results) {
@@ -151,13 +160,13 @@ std::vector<Table> healthyTables(std::vector<RoomResult> const& results) {
                    nameOf(r.asked.day.uncertainty)};
     };
     Key const day = [](RoomResult const& r) {
-        return Row{decimals(r.asked.day.noise, 2), nameOf(r.asked.day.uncertainty)};
+        return Row{std::to_string(r.asked.threshold), nameOf(r.asked.day.uncertainty)};
     };
-    return {
-        tableOf<RoomResult>("Healthy days of the room", {"noise", "threshold", "uncertainty"},
-                            results, all, healthyColumns, healthyFigures),
-        tableOf<RoomResult>("Healthy days: median width of the bounds of room.x",
-                            {"noise", "uncertainty"}, results, day, widthColumns(), widthFigures)};
+    return {tableOf<RoomResult>("Healthy days of the room", {"noise", "threshold", "uncertainty"},
+                                results, all, healthyColumns, healthyFigures),
+            tableOf<RoomResult>("Healthy days: width of the bounds of room.x, median / 90 %",
+                                {"threshold", "uncertainty"}, results, day, widthColumns(),
+                                widthFigures)};
 }
 
 std::vector<Table> faultyTables(std::vector<RoomResult> const& results) {
@@ -165,14 +174,19 @@ std::vector<Table> faultyTables(std::vector<RoomResult> const& results) {
         return tableOf<RoomResult>("Faults of the room, " + title, std::move(head), results, key,
                                    faultyColumns, faultyFigures);
     };
-    return {by("by fault", {"fault"}, faultOf),
-            by("by fault and onset", {"fault", "onset"}, onsetOf),
-            by("by threshold", {"threshold"},
-               [](RoomResult const& r) { return Row{std::to_string(r.asked.threshold)}; }),
-            by("by noise", {"noise"},
-               [](RoomResult const& r) { return Row{decimals(r.asked.day.noise, 2)}; }),
-            by("by level of isolation", {"level"},
-               [](RoomResult const& r) { return Row{std::to_string(r.asked.isolation)}; })};
+    return {
+        by("by fault", {"fault"}, faultOf), by("by fault and onset", {"fault", "onset"}, onsetOf),
+        by("by threshold, uncertainty and onset", {"threshold", "uncertainty", "onset"}, sightOf),
+        by("by threshold", {"threshold"},
+           [](RoomResult const& r) { return Row{std::to_string(r.asked.threshold)}; }),
+        by("by noise", {"noise"},
+           [](RoomResult const& r) { return Row{decimals(r.asked.day.noise, 2)}; })};
+}
+
+Table isolationTable(std::vector<RoomResult> const& results) {
+    Key const level = [](RoomResult const& r) { return Row{std::to_string(r.asked.isolation)}; };
+    return tableOf<RoomResult>("Faults of the room, the days of one seed by level of isolation",
+                               {"level"}, results, level, faultyColumns, faultyFigures);
 }
 
 Table costTable(std::vector<RoomResult> const& healthy, std::vector<RoomResult> const& faulty) {

@@ -74,6 +74,13 @@ bool suspects(tavro::Step const& step, std::string const& influence) {
     return false;
 }
 
+// The thermostat has stuck at the step before the first rate that shows it.
+bool names(tavro::Step const& step, int struck, std::string const& mode) {
+    return std::any_of(step.explanations.begin(), step.explanations.end(), [&](auto const& e) {
+        return e.failure && e.component == "thermostat" && e.to == mode && e.time == struck - 1;
+    });
+}
+
 class RoomWatch {
 public:
     RoomWatch(RoomSetting const& setting, RoomDay const& day) : setting(setting), day(day) {
@@ -116,6 +123,7 @@ private:
     void noteDiagnosis(int k, tavro::Step const& step) {
         verdict.diagnosed = k;
         verdict.atDiagnosis = answerOf(step.candidates, truthAt(k));
+        verdict.stepNamed = day.struck && names(step, *day.struck, truthAt(k).thermostat);
         for (std::string const& influence : brokenBy(setting.fault))
             verdict.causeSuspected |= suspects(step, influence);
     }

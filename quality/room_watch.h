@@ -30,7 +30,8 @@ struct RoomVerdict {
         alarm;  // the first step at which no candidate agreed, or that stopped the run
     std::optional<int> diagnosed;
     bool causeSuspected =
-        false;  // of a diagnosis: a suspect names an influence that the fault broke
+        false;               // of a diagnosis: a suspect names an influence that the fault broke
+    bool stepNamed = false;  // of a diagnosis: a candidate has the thermostat stick when it did
     Answer atDiagnosis;
     Answer atEnd;
     std::optional<tavro::ErrorKind> stopped;
