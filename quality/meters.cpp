@@ -39,26 +39,60 @@ double processorSeconds() {
     return static_cast<double>(now.tv_sec) + 1e-9 * static_cast<double>(now.tv_nsec);
 }
 
-}  // namespace
-
-// The forms for arrays, and those that do not throw, end in these.
-void* operator new(std::size_t size) {
+void* allocate(std::size_t size) noexcept {
     void* block = mayTake(size) ? std::malloc(size != 0 ? size : 1) : nullptr;
-    if (block == nullptr)
-        throw std::bad_alloc();
-    took(block);
+    if (block != nullptr)
+        took(block);
     return block;
 }
 
-void operator delete(void* block) noexcept {
+void* allocateOrThrow(std::size_t size) {
+    void* block = allocate(size);
+    if (block == nullptr)
+        throw std::bad_alloc();
+    return block;
+}
+
+void release(void* block) noexcept {
     if (block == nullptr)
         return;
     gives(block);
     std::free(block);
 }
 
+}  // namespace
+
+// Every form but those of wider alignment. A sanitizer has forms of its own, which do not end in
+// one another, so that none may be left out of a pair.
+void* operator new(std::size_t size) {
+    return allocateOrThrow(size);
+}
+void* operator new[](std::size_t size) {
+    return allocateOrThrow(size);
+}
+void* operator new(std::size_t size, std::nothrow_t const&) noexcept {
+    return allocate(size);
+}
+void* operator new[](std::size_t size, std::nothrow_t const&) noexcept {
+    return allocate(size);
+}
+void operator delete(void* block) noexcept {
+    release(block);
+}
+void operator delete[](void* block) noexcept {
+    release(block);
+}
 void operator delete(void* block, std::size_t) noexcept {
-    operator delete(block);
+    release(block);
+}
+void operator delete[](void* block, std::size_t) noexcept {
+    release(block);
+}
+void operator delete(void* block, std::nothrow_t const&) noexcept {
+    release(block);
+}
+void operator delete[](void* block, std::nothrow_t const&) noexcept {
+    release(block);
 }
 
 namespace quality {
