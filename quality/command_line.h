@@ -1,0 +1,34 @@
+// What the user of tavro-quality asks for.
+#pragma once
+
+#include <string>
+#include <vector>
+
+namespace quality {
+
+inline constexpr char usage[] =
+    "usage: tavro-quality [--rules=RULES] [--short] [--jobs=N] [--no-costs]\n"
+    "  --rules=RULES  the set of rules that the engine keeps to; classic unless told\n"
+    "  --short        few seeds: seconds instead of minutes\n"
+    "  --jobs=N       threads; the tables are the same for each number, 1 unless told\n"
+    "  --no-costs     without the tables of time and memory: the same bytes each time\n";
+
+// The exit status after a word that is not understood.
+inline constexpr int wrongCall = 2;
+
+struct Wishes {
+    std::string rules = "classic";
+    bool brief = false;
+    unsigned jobs = 1;
+    bool costs = true;
+    bool help = false;
+
+    // Returns what is wrong with the words; "" when nothing is.
+    std::string read(std::vector<std::string> const& words);
+
+    int healthySeeds() const { return brief ? 4 : 25; }
+    int faultySeeds() const { return brief ? 1 : 5; }
+    int lineSeeds() const { return brief ? 10 : 100; }
+};
+
+}  // namespace quality
