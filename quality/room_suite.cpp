@@ -66,8 +66,9 @@ std::vector<RoomResult> watchRooms(std::vector<RoomCase> const& cases, std::stri
     std::vector<RoomResult> results(cases.size());
     inParallel(cases.size(), jobs, [&](std::size_t i) {
         RoomCase const& asked = cases[i];
-        tavro::Options const options =
-            underRules(rules, {.isolation = asked.isolation, .threshold = asked.threshold});
+        tavro::Options const options = underRules(rules, {.isolation = asked.isolation,
+                                                          .threshold = asked.threshold,
+                                                          .noise = {{"", asked.day.noise}}});
         results[i] = {asked, watchRoom(plant, asked.day, options)};
     });
     return results;
