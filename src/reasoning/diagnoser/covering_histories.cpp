@@ -13,10 +13,10 @@
 // went on idle, and that is how it is brought in; and a round that finds anything is finished, so
 // that all histories up to its rank come out.
 //
-// How much a search may take is bounded. Most searches construct less than a hundred successors;
-// twenty thousand take some seconds, after which an answer that is not whole is worth more than
-// none. Two hundred answers are more than anybody reads, or than a run can follow step by step; the
-// likeliest stay.
+// How much a search may take is bounded. For two failures on a line of two valves it constructs
+// some two hundred successors; twenty thousand of them take seconds, after which an answer that is
+// not whole is worth more than none. Two hundred answers are more than anybody reads, or than a run
+// can follow step by step; the likeliest stay.
 #include "model/Comprt.h"
 #include "reasoning/diagnoser/round.h"
 
