@@ -200,8 +200,8 @@ protected:
     OpenNarrow() : Open(Rules{.narrow = true, .unknown = true}) {}
 };
 
-// y = 2 u or nothing, and v: 9 = [0, 20] + v leaves v at most 9, though 2 u alone would leave 7; and
-// u may be anything.
+// y = 2 u or nothing, and v: 9 = [0, 20] + v leaves v at most 9, though 2 u alone would leave 7;
+// and u may be anything.
 TEST_F(OpenNarrow, NothingIsNarrowedBehindWhatMayNotAct) {
     s_Variable* u = free("u", closed(1, 10));
     s_Variable* v = free("v", closed(0, 30));
