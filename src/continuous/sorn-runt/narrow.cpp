@@ -29,7 +29,8 @@
 //     is then replayed from the step of the change: its values of that step must not have been
 //     narrowed by later measures under the mode that had already ended. Nothing is lost for the
 //     next cycle but what a longer delay would read of it.
-//   - A change of mode leaves the histories as they are (hybrid/mapping.cpp), where the classic rule
+//   - A change of mode leaves the histories as they are (hybrid/mapping.cpp), where the classic
+//   rule
 //     fills them with the values of the jump.
 //   - When the relations contradict the measures together, although each measure meets its
 //     prediction, all of the narrowing of this cycle is undone. Each measure that lies outside of
