@@ -43,7 +43,7 @@ struct RoomVerdict {
     std::size_t mostCandidates = 0;
     Cost cost;
 
-    // Its candidates, or its search, have used up the memory of a run.
+    // Its candidates have used up the memory of a run.
     bool ranAway() const { return stopped == tavro::ErrorKind::memory; }
     bool falseAlarm() const { return alarm && (!struck || *alarm < *struck); }
     bool noticed() const { return struck && alarm && *alarm >= *struck; }
