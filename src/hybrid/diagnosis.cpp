@@ -81,7 +81,9 @@ HybMap followDated(RunState& run, std::vector<Explained> all, int threshold, dou
     HybMap dated;
     for (Explained const& one : all)
         dateExplanations(run, *one.candidate, one.explanations, threshold, time, dated);
-    if (!dated.empty())
+    // What was dated agrees with the measures: whatever follows is a new loss.
+    run.lost = dated.empty();
+    if (!run.lost)
         return dated;
     for (Explained& one : all)
         for (auto& entry : one.explanations)
@@ -109,10 +111,9 @@ bool handleDated(RunState& run, int isolation, int threshold, double time) {
         tellNothingFound(run);
         return false;
     }
-    HybMap followed = followDated(run, std::move(all), threshold, time);
-    if (followed.size() > 1)
-        sn_reduxTrajs(followed, time);
-    run.tracked_trajs = std::move(followed);
+    run.tracked_trajs = followDated(run, std::move(all), threshold, time);
+    if (run.tracked_trajs.size() > 1)
+        sn_reduxTrajs(run.tracked_trajs, time);
     tellAnswers(run, run.tracked_trajs);
     return areAllUnknown(run.tracked_trajs);
 }
@@ -166,8 +167,6 @@ void diagnoseMisbTrajs(RunState& run, RunOptions const& options, double time) {
         run.tracked_trajs = std::move(copies);
         return;
     }
-    // Explanations that were dated agree with the measures.
-    run.lost = !run.rules.dates;
     if (blind) {
         switchToBST(run, run.tracked_trajs, std::move(copies), time, run.last_detection_time,
                     options.threshold);
