@@ -128,7 +128,10 @@ TEST_F(Walk, MisbehavingCandidatesStayApartAndTheirNumberHasNoLimit) {
     set(*first, 5.0);
     for (int i = 1; i < 300; ++i)
         add(0.0, 5.0);
-    EXPECT_EQ(step(detection(1)), "all trajs misbehave !\n");
+    // Once per run the user is told what would help.
+    EXPECT_EQ(step(detection(1)),
+              "all trajs misbehave !\nMore than 100 candidates are followed and none agrees: "
+              "--candidates=N would follow the N likeliest.\n");
     EXPECT_EQ(theRun().tracked_trajs.size(), 300u);
     EXPECT_FALSE(nominal);
     EXPECT_EQ(step(detection(1, RUN_NOMERGE)), "all trajs misbehave !\n");

@@ -245,10 +245,10 @@ TEST_F(PiTableTest, NoLengthOfALineMatters) {
     }
 }
 
-// A folder can be opened, and gives no text.
-TEST_F(PiTableTest, AFolderInTheFilesPlaceHoldsNothing) {
+// The host opens no folder, which would read as a file without text.
+TEST_F(PiTableTest, AFolderInTheFilesPlaceIsNoFile) {
     std::filesystem::create_directories(path());
-    EXPECT_EQ(model.engine.readPI(), 1);
+    EXPECT_EQ(model.engine.readPI(), 0);
     EXPECT_EQ(implicates("a"), "-");
 }
 

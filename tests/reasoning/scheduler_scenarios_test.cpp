@@ -99,9 +99,9 @@ TEST_F(Scenarios, AMissingFileIsToldAndLeavesNoEvents) {
     EXPECT_TRUE(theRun().sMM->scenario.empty());
 }
 
-// Without a scenario argument the path is the bare prefix, a directory.
-TEST_F(Scenarios, NoLineIsReadFromADirectory) {
-    EXPECT_EQ(complaint([] { theRun().sMM->loadScenario("/tmp/"); }), "");
+TEST_F(Scenarios, ADirectoryIsToldAndNoLineIsReadFromIt) {
+    EXPECT_EQ(complaint([] { theRun().sMM->loadScenario("/tmp/"); }),
+              "/tmp/ is a directory\ncan't open scenario file: /tmp/\n");
     EXPECT_TRUE(theRun().sMM->scenario.empty());
 }
 

@@ -96,7 +96,7 @@ TEST(Stops, ARunGoesOnWhileThePlantTellsWhatHolds) {
 // By 13 a step it is at 18, and then at 31: outside its bounds, where nothing is cut off any more,
 // and past the 30 up to which the basin tells what holds.
 TEST(Stops, AValueThatNoConditionCovers) {
-    End const end{TAVRO_NO_COVER, "no condition covers a value", 1.0};
+    End const end{TAVRO_NO_COVER, "no condition covers a value of basin.x", 1.0};
     EXPECT_EQ(endOf("basin", 13.0), end);
     EXPECT_EQ(endInC("basin", 13.0), end);
 }
