@@ -22,12 +22,11 @@ bool isStillTaken(Trajectory const& history, int step, Transition const* transit
     });
 }
 
-std::string dateOf(Trajectory const& history, Move const& move) {
+std::string dateOf(Trajectory const& history, Move const& move, double placed) {
     auto const dated = history.dated.find(move.transition->id);
     if (dated != history.dated.end() && dated->second.from < dated->second.to)
         return "between " + shortText(dated->second.from) + " and " + shortText(dated->second.to);
-    double const time =
-        dated != history.dated.end() ? dated->second.from : history.getTimeCorr(move.step);
+    double const time = dated != history.dated.end() ? dated->second.from : placed;
     if (time == Trajectory::noTime)
         return "before the kept steps";
     return "at " + shortText(time);
@@ -49,12 +48,16 @@ std::string failuresOf(Trajectory const& history) {
     std::string text;
     for (Move const& move : movesOf(history))
         if (move.transition->type == transFail)
-            text +=
-                (text.empty() ? "" : ", ") + nameOf(*move.transition) + " " + dateOf(history, move);
+            text += (text.empty() ? "" : ", ") +
+                    summaryOf(history, move, history.getTimeCorr(move.step));
     return text.empty() ? "nothing failed" : text;
 }
 
 }  // namespace
+
+std::string summaryOf(Trajectory const& history, Move const& move, double placed) {
+    return nameOf(*move.transition) + " " + dateOf(history, move, placed);
+}
 
 std::vector<Move> movesOf(Trajectory const& history) {
     std::vector<Move> moves;

@@ -15,6 +15,9 @@ struct Move {
 // The moves of a history, idle ones left out, and those that a later turn of the search has
 // replaced. In the order of their steps.
 std::vector<Move> movesOf(Trajectory const& history);
+// "thermostat on -> stuck_on at 24", or "between 20 and 24" where the date is a range. *placed* is
+// the time of the move's step.
+std::string summaryOf(Trajectory const& history, Move const& move, double placed);
 // The value that the newest state with this variable holds; null when none does.
 Atom const* valueOf(Trajectory const& history, StateVar const& variable);
 // Whether the history ends in an unknown mode.

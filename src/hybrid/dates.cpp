@@ -16,7 +16,9 @@ namespace {
 
 // What one diagnosis may spend, in cycles of one candidate: some seconds. The dates that are left
 // out when it is spent are the earliest, since a failure is mostly noticed soon.
-constexpr int cyclesOfOneDiagnosis = 60000;
+constexpr int cyclesOfOneDiagnosis = 20000;
+// Of the candidates that were dropped, those of the last switches: each costs a runtime.
+constexpr std::size_t mostDropped = 20;
 
 struct Failure {
     Transition* transition;
@@ -174,33 +176,47 @@ void follow(Trajectory const& history, s_runtime* rt) {
                       sn_evalCond(influence->cond, rt));
 }
 
+// A candidate as it stood at some time; the cycles of its dates are counted back from then.
+struct Source {
+    hybTrajectory const& candidate;
+    double time;
+    int latest, earliest;  // the cycles to be tried
+};
+
 // One candidate, one case, tried at one date after the other.
 class Dating {
 public:
-    Dating(RunState& run, int threshold, hybTrajectory const& candidate, double now, int& budget)
+    // The lines of the past are read from *lines*, a candidate of *now*.
+    Dating(RunState& run, int threshold, Source const& source, s_runtime const& lines, double now,
+           int& budget)
         : run(run),
           stepping{RUN_DETECT, 0.0, CYCLE_DETECT, threshold, 1},
-          candidate(candidate),
-          Ts(candidate.rt->Ts),
+          source(source),
+          candidate(source.candidate),
+          lines(lines),
+          Ts(lines.Ts),
           now(now),
           budget(budget) {}
 
-    void tryDates(Case const& one, HybMap& out);
+    // Adds what agrees to *agreeing*.
+    void tryDates(Case const& one, HybMap& agreeing);
 
 private:
-    double timeBack(int cycles) const { return now - cycles * Ts; }
+    double timeBack(int cycles) const { return source.time - cycles * Ts; }
     bool isAt(double time, double when) const { return std::fabs(time - when) < Ts / 2; }
     double dateOfLine(double time) const;
     std::optional<int> stateFor(Transition const& failure, double time) const;
     bool canLeave(Transition const& failure, int step, double time) const;
     bool fail(hybTrajectory& moved, Transition* failure, double time);
     std::unique_ptr<hybTrajectory> failedAt(Failure const& failure, int cycles);
-    HybMap replay(std::unique_ptr<hybTrajectory> start, Case const& one, int cycles);
+    HybMap replay(std::unique_ptr<hybTrajectory> start, Case const& one, double from);
     void failLater(HybMap& followed, Case const& one, double time);
 
     RunState& run;
     RunOptions const stepping;
+    Source const source;
     hybTrajectory const& candidate;
+    s_runtime const& lines;
     double const Ts;
     double const now;
     int& budget;
@@ -297,18 +313,19 @@ void Dating::failLater(HybMap& followed, Case const& one, double time) {
             });
 }
 
-// Runs from the start up to now. Empty when the measures disagree.
-HybMap Dating::replay(std::unique_ptr<hybTrajectory> start, Case const& one, int cycles) {
+// Runs from the start, at *from*, up to now. Empty when the measures disagree.
+HybMap Dating::replay(std::unique_ptr<hybTrajectory> start, Case const& one, double from) {
     HybMap followed;
     double const rank = start->traj->rank;
     followed.emplace(rank, std::move(start));
-    failLater(followed, one, timeBack(cycles));
+    failLater(followed, one, from);
+    int const cycles = static_cast<int>(std::lround((now - from) / Ts));
     for (int back = cycles - 1; back >= 0 && !followed.empty(); --back) {
         budget -= static_cast<int>(followed.size());
         if (budget <= 0)
             return {};
-        recallLine(run.engine, candidate.rt.get(), back);
-        double const time = dateOfLine(timeBack(back));
+        recallLine(run.engine, &lines, back);
+        double const time = dateOfLine(now - back * Ts);
         run.tracked_trajs = std::move(followed);
         stepAndCheck(run, stepping, time);
         followed = std::move(run.ntrajs);
@@ -319,25 +336,34 @@ HybMap Dating::replay(std::unique_ptr<hybTrajectory> start, Case const& one, int
     return followed;
 }
 
-void Dating::tryDates(Case const& one, HybMap& out) {
-    HybMap agreeing;
-    int const elapsed = static_cast<int>(std::lround(now / Ts));
-    int const earliest = std::min(elapsed, cyclesKept(*candidate.rt));
-    for (int cycles = std::max(1, cyclesOutside(*candidate.rt)); cycles <= earliest; ++cycles) {
-        if (budget <= 0)
-            break;
+void Dating::tryDates(Case const& one, HybMap& agreeing) {
+    for (int cycles = source.latest; cycles <= source.earliest && budget > 0; ++cycles) {
         std::unique_ptr<hybTrajectory> start = failedAt(one.failures.front(), cycles);
         if (start == nullptr)
             continue;
-        for (auto& entry : replay(std::move(start), one, cycles))
+        for (auto& entry : replay(std::move(start), one, timeBack(cycles)))
             agreeing.emplace(entry.second->traj->rank, std::move(entry.second));
         if (agreeing.size() > 1)
             sn_reduxTrajs(agreeing, now);
     }
-    for (auto& entry : agreeing) {
-        entry.second->traj->proba = one.proba;
-        out.emplace(entry.first, std::move(entry.second));
-    }
+}
+
+Source wholeWindow(hybTrajectory const& candidate, double now) {
+    int const elapsed = static_cast<int>(std::lround(now / candidate.rt->Ts));
+    return {candidate, now, std::max(1, cyclesOutside(*candidate.rt)),
+            std::min(elapsed, cyclesKept(*candidate.rt))};
+}
+
+// Of a dropped candidate, its last step alone: what came before it, it has in common with one that
+// stayed. A cycle more, since a failure may have come before what led to the step was seen.
+Source lastStep(RunState::Dropped const& dropped) {
+    hybTrajectory const& candidate = *dropped.candidate;
+    double const begun = candidate.traj->datesOf(candidate.traj->getCurrentTime()).from;
+    double const Ts = candidate.rt->Ts;
+    int const cycles = static_cast<int>(std::lround((dropped.time - begun) / Ts)) + 1;
+    Source source = wholeWindow(candidate, dropped.time);
+    source.earliest = std::min(source.earliest, cycles);
+    return source;
 }
 
 // The distinct sets of new failures among the explanations, in their order.
@@ -361,6 +387,15 @@ std::vector<Case> casesOf(hybTrajectory const& candidate, HybMap const& found) {
 
 }  // namespace
 
+void keepDropped(RunState& run, double time) {
+    for (auto& entry : run.misbtrajs)
+        run.dropped.push_back({time, std::move(entry.second)});
+    while (run.dropped.size() > mostDropped)
+        run.dropped.pop_front();
+    while (!run.dropped.empty() && run.dropped.front().time < time - run.tavro_rt->twc)
+        run.dropped.pop_front();
+}
+
 void dateExplanations(RunState& run, hybTrajectory const& candidate, HybMap const& found,
                       int threshold, double now, HybMap& out) {
     int budget = cyclesOfOneDiagnosis;
@@ -368,8 +403,19 @@ void dateExplanations(RunState& run, hybTrajectory const& candidate, HybMap cons
         KeptLine const line(run.engine);
         Hushed const out1(run.out);
         Hushed const err1(run.err);
-        for (Case const& one : casesOf(candidate, found))
-            Dating(run, threshold, candidate, now, budget).tryDates(one, out);
+        for (Case const& one : casesOf(candidate, found)) {
+            HybMap agreeing;
+            auto const tryOn = [&](Source const& source) {
+                Dating(run, threshold, source, *candidate.rt, now, budget).tryDates(one, agreeing);
+            };
+            tryOn(wholeWindow(candidate, now));
+            for (RunState::Dropped const& dropped : run.dropped)
+                tryOn(lastStep(dropped));
+            for (auto& entry : agreeing) {
+                entry.second->traj->proba = one.proba;
+                out.emplace(entry.first, std::move(entry.second));
+            }
+        }
     }
     if (budget <= 0)
         run.err << "answer: the dates were searched for " << cyclesOfOneDiagnosis

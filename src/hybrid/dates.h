@@ -23,11 +23,19 @@
 // true one and lies within the window, and then it is never dropped but by the same check that
 // raises alarms; the union covers it.
 //
+// A candidate that has switched at one time and no longer agrees is dropped as long as another one
+// does. When all are lost later, the failure may have come where the dropped one switched, in place
+// of its switching; so the latest dropped ones are kept for a while, and the failures that explain
+// the others are tried at the step of theirs, too.
+//
 // An explanation without a failure keeps its classic replay. When no date of any explanation
 // agrees, the explanations are followed from the steps where the search placed them.
 #pragma once
 
 #include "hybrid/tavro-runt.h"
+
+// Keeps the misbehaving candidates of this step, which are dropped, in run.dropped.
+void keepDropped(RunState& run, double time);
 
 // Replaces the candidates *found*, explanations of the misbehaving *candidate*, by what they come
 // to from every date that agrees with the measures, in *out*.

@@ -83,8 +83,10 @@ HybMap followDated(RunState& run, std::vector<Explained> all, int threshold, dou
         dateExplanations(run, *one.candidate, one.explanations, threshold, time, dated);
     // What was dated agrees with the measures: whatever follows is a new loss.
     run.lost = dated.empty();
-    if (!run.lost)
+    if (!run.lost) {
+        run.dropped.clear();
         return dated;
+    }
     for (Explained& one : all)
         for (auto& entry : one.explanations)
             replayExplanation(run, std::move(entry.second), time, threshold, dated);
