@@ -141,8 +141,11 @@ public:
                 continue;
             }
             T value = (*this)[i];
-            if (widen(value, other[i]))
+            bool const changed = widen(value, other[i]);
+            if (changed)
                 set(i, value);
+            else
+                i += alikeFrom(other, i) - 1;
         }
     }
 
@@ -174,6 +177,20 @@ private:
         if (position != otherPosition || !blocks[block].isSameAs(other.blocks[otherBlock]))
             return 0;
         return std::min(position + 1, std::min(pushed, other.pushed) - i);
+    }
+
+    // How many entries from *i* on are all the same in this history, and all the same in the other.
+    int alikeFrom(History const& other, int i) const {
+        if (i < pushed || i < other.pushed)
+            return 1;
+        return std::min(leftOfRun(i - pushed), other.leftOfRun(i - other.pushed));
+    }
+
+    int leftOfRun(int i) const {
+        std::size_t run = 0;
+        while (i >= runs[run].count)
+            i -= runs[run++].count;
+        return runs[run].count - i;
     }
 
     T const& inRuns(int i) const {

@@ -7,6 +7,7 @@
 #include "continuous/bridge.h"
 #include "continuous/sorn-runt.h"
 #include "hybrid/answer.h"
+#include "hybrid/merging.h"
 #include "model/StateVar.h"
 #include "model/Transitionrt.h"
 #include "model/labels.h"
@@ -330,7 +331,7 @@ HybMap Dating::replay(std::unique_ptr<hybTrajectory> start, Case const& one, dou
         stepAndCheck(run, stepping, time);
         followed = std::move(run.ntrajs);
         if (followed.size() > 1)
-            sn_reduxTrajs(followed, time);
+            mergeReplayed(followed, time);
         failLater(followed, one, time);
     }
     return followed;
@@ -344,7 +345,7 @@ void Dating::tryDates(Case const& one, HybMap& agreeing) {
         for (auto& entry : replay(std::move(start), one, timeBack(cycles)))
             agreeing.emplace(entry.second->traj->rank, std::move(entry.second));
         if (agreeing.size() > 1)
-            sn_reduxTrajs(agreeing, now);
+            mergeReplayed(agreeing, now);
     }
 }
 

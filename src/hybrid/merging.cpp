@@ -2,6 +2,7 @@
 #include <cmath>
 
 #include "continuous/sorn-runt.h"
+#include "hybrid/merging.h"
 #include "hybrid/tavro-runt.h"
 #include "support/numbers.h"
 #include "trajectory/DataManagerrt.h"
@@ -78,7 +79,9 @@ void mergeRuntimes(s_runtime* a, s_runtime const* b, double time) {
     a->extra.coverPairs(b->extra, truncateToInt(std::ceil(values)));
 }
 
-void sn_reduxTrajs(HybMap& trajectories, double time) {
+namespace {
+
+void mergeEqual(HybMap& trajectories, double time, bool past) {
     for (auto i = trajectories.begin(); i != trajectories.end(); ++i)
         for (auto j = std::next(i); j != trajectories.end();) {
             if (!areTheSame(*i->second, *j->second)) {
@@ -87,9 +90,20 @@ void sn_reduxTrajs(HybMap& trajectories, double time) {
             }
             mergeRuntimes(i->second->rt.get(), j->second->rt.get(), time);
             if (i->second->rt->engine->rules.dates) {
-                coverPast(i->second->rt.get(), j->second->rt.get());
+                if (past)
+                    coverPast(i->second->rt.get(), j->second->rt.get());
                 i->second->traj->coverDates(*j->second->traj);
             }
             j = trajectories.erase(j);
         }
+}
+
+}  // namespace
+
+void sn_reduxTrajs(HybMap& trajectories, double time) {
+    mergeEqual(trajectories, time, true);
+}
+
+void mergeReplayed(HybMap& trajectories, double time) {
+    mergeEqual(trajectories, time, false);
 }
