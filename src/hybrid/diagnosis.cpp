@@ -5,6 +5,7 @@
 // covering search looks for discrete histories of least failure in which that holds; each of them
 // is replayed from its fault time up to now. Later detections of the same run do not diagnose
 // again.
+#include <cassert>
 #include <ctime>
 
 #include "continuous/isolation.h"
@@ -41,6 +42,7 @@ Observations allFalse(std::vector<Atom*> const& atoms) {
 }  // namespace
 
 void insertDiagnosis(RunState& run, std::unique_ptr<hybTrajectory> candidate, HybMap& out) {
+    assert(candidate->rt != nullptr && candidate->traj != nullptr);
     if (!candidate->rt->bridgeConflicts)
         return;
     for (auto const& set : *candidate->rt->bridgeConflicts) {
@@ -78,6 +80,7 @@ HybMap copyHybTrajectories(HybMap const& trajectories) {
 }
 
 void diagnoseMisbTrajs(RunState& run, RunOptions const& options, double time) {
+    assert(!run.misbtrajs.empty() && !run.diag_flag);
     run.last_detection_time = time;
     HybMap copies = copyHybTrajectories(run.misbtrajs);
     if (handleMisbTrajs(run, options.isolation, options.threshold, time)) {

@@ -1,5 +1,7 @@
 // The discrete step of all candidates, the check against the measures, and who stays.
 
+#include <cassert>
+
 #include "continuous/displays.h"
 #include "continuous/sorn-runt.h"
 #include "hybrid/tavro-runt.h"
@@ -62,6 +64,7 @@ void placeCandidate(DiscreteWalk& walk, bool misb) {
 // One candidate; moves on to the next entry.
 void visit(DiscreteWalk& walk) {
     hybTrajectory& candidate = *walk.at->second;
+    assert(candidate.rt != nullptr && candidate.traj != nullptr);
     s_runtime* rt = candidate.rt.get();
     if (rt->num <= walk.limit)
         stepDiscreteSide(walk.run, candidate, walk.time);
@@ -90,6 +93,7 @@ void keepMisbehaving(RunState& run) {
 }  // namespace
 
 void tavroDiscreteCycle(RunState& run, RunOptions const& options, double time, bool& nominal) {
+    assert(run.ntrajs.empty() && run.misbtrajs.empty());
     run.ntrajs.clear();
     nominal = false;
     DiscreteWalk walk{run, options, time, run.engine.rt_num, nominal, run.tracked_trajs.begin()};

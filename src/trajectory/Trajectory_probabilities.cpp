@@ -6,6 +6,8 @@
 #include "trajectory/Trajectoryrt.h"
 
 void Trajectory::setTimeCorr(double time) {
+    // In the order of the steps: only the current one is appended.
+    assert(timeCorr.empty() || timeCorr.back().first <= currentTime);
     timeCorr.emplace_back(currentTime, time);
 }
 
@@ -25,6 +27,7 @@ int Trajectory::getDiscTimeCorr(double time) const {
 
 std::vector<Transition*> Trajectory::getStateTransitions(int t) const {
     std::vector<Transition*> transitions;
+    assert(getState(t) != nullptr);
     for (auto const& entry : getState(t)->elts)
         if (entry.second != nullptr && entry.second->prevTrans != nullptr)
             transitions.push_back(entry.second->prevTrans);
@@ -32,6 +35,7 @@ std::vector<Transition*> Trajectory::getStateTransitions(int t) const {
 }
 
 void Trajectory::computePrevTransSetProb(int t) {
+    assert(getState(t) != nullptr);
     getState(t)->computePrevTransProb();
 }
 
@@ -56,6 +60,7 @@ void Trajectory::updateStatesProb() {
 }
 
 void Trajectory::updateCover(State* state, Transition const* transition) {
+    assert(state != nullptr && transition != nullptr);
     double const guard = state->computePrevTransGuard();
     state->cover += state->getTransitionPostProb(transition) * guard;
 }
@@ -72,6 +77,7 @@ void fillWithNulls(TrajEl::Transitions& transitions) {
 }  // namespace
 
 void Trajectory::updateCover(State* from, State* to, int t, int u, Transition const* transition) {
+    assert(from != nullptr && to != nullptr && t < u);
     double guard = 1.0;
     std::set<int> seen;
     for (auto const& entry : from->elts) {

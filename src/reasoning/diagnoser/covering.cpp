@@ -5,6 +5,7 @@
 // with conflicts is replaced by its successors. A history that has come to the first step after the
 // start of its window is a result if its rank is the round's, and ends the search otherwise. The
 // first rank that has results ends it too.
+#include <cassert>
 #include <ctime>
 
 #include "reasoning/Diagnoser.h"
@@ -33,6 +34,7 @@ struct Diagnoser::Round {
     TrajectoryMap open;  // histories to be followed back, by the probability of their last state
 
     void push(std::unique_ptr<Trajectory> trajectory) {
+        assert(trajectory->stepCount > trajectory->firstTime);
         double const key = trajectory->getLastState()->proba;
         open.emplace(key, std::move(trajectory));
     }
@@ -53,6 +55,7 @@ struct Diagnoser::Round {
 // back.
 bool Diagnoser::stepBack(Round& round, std::unique_ptr<Trajectory>& current,
                          TrajectoryMap& results) {
+    assert(current != nullptr);
     int const step = current->stepCount;
     if (current->getState(step) == nullptr) {
         // The step has left the window, and nothing can be explained there.
@@ -111,6 +114,7 @@ TrajectoryMap Diagnoser::coverTrack3(std::unique_ptr<Trajectory> trajectory, dou
     transitions_checked = 0;
     trajectories_checked = 0;
     double coverSum = 0.0;
+    assert(trajectory != nullptr && redux_diag.empty());
     int const t = trajectory->getCurrentTime();
     TrajectoryMap results;
     double rank = fromRank;

@@ -1,5 +1,7 @@
 // Inserting observations into the last state of a history.
 
+#include <cassert>
+
 #include "model/labels.h"
 #include "reasoning/Diagnoser.h"
 
@@ -12,6 +14,7 @@ std::unique_ptr<State> Diagnoser::observedCopy(State const* state) {
 
 void Diagnoser::noteChanged(ItmsRes const& result) {
     State* state = result.state.get();
+    assert(state != nullptr && state->observed);
     for (auto const& entry : result.already_changed)
         if (entry.second->isLabelled(labelFalse))
             state->observations.push_back(entry.second->atom);
@@ -25,6 +28,7 @@ namespace {
 // likelihood of the observations is normalised.
 std::unique_ptr<Trajectory> withOutcome(Trajectory const* trajectory, int t,
                                         std::unique_ptr<State> outcome, double sum) {
+    assert(outcome != nullptr && sum > 0.0);
     auto history = std::make_unique<Trajectory>(trajectory, t);
     State* state = outcome.get();
     history->addState(t, std::move(outcome));

@@ -3,6 +3,7 @@
 // Every line of the scenario is one step. A command step moves each trajectory to its next nominal
 // state. An observation step keeps the trajectories that agree with what was seen; when none does,
 // the covering search looks for the histories of least failure that do.
+#include <cassert>
 #include <ctime>
 
 #include "model/StateVar.h"
@@ -71,6 +72,7 @@ void Scheduler::beginSteps() {
 
 bool Scheduler::step(scenarEvent& event) {
     announceStep(event);
+    assert(discretemdl);  // beginSteps has made ready
     bool searched = false;
     if (event.isCommand)
         commandStep(event);
@@ -159,6 +161,7 @@ TrajectoryMap Scheduler::explainedBy(Observations const& observations, ElapsedTi
 
 void Scheduler::keepSurvivors(TrajectoryMap survivors, double sum) {
     for (auto& entry : survivors) {
+        assert(!(entry.first > sum));
         double const proba = entry.first / sum;
         entry.second->proba = proba;
         err << "normalized proba after inserting obs : " << proba << "\n";
@@ -192,6 +195,7 @@ bool Scheduler::observationStep(scenarEvent const& event) {
 void Scheduler::diagnose(std::unique_ptr<Trajectory> refuted, Observations const& observations) {
     err << "---------> Diagnosing...\n";
     Trajectory const further(refuted.get(), refuted->getCurrentTime() + 1);
+    assert(tracked_traj.empty());  // what was refuted has gone
     double const highest = refuted->rank + rankMargin;
     tracked_traj = coverTrack3(std::move(refuted), bound + 1.0, highest, observations, bound);
 }
