@@ -6,6 +6,7 @@
 
 #include <algorithm>
 #include <array>
+#include <cassert>
 #include <optional>
 #include <vector>
 
@@ -36,6 +37,7 @@ public:
         if (index < 0 || index >= length)
             return;
         std::size_t const block = static_cast<std::size_t>(index / blockSize);
+        assert(blocks.size() <= static_cast<std::size_t>((length - 1) / blockSize) + 1);
         if (block >= blocks.size())
             blocks.resize(block + 1);
         if (!blocks[block])

@@ -179,6 +179,13 @@ struct s_Expr {
 // positive.
 using BridgeAtoms = SignedAtoms;
 
+// Invariants of a runtime (told broken by sn_brokenRuntime, and 6 by sn_brokenValues):
+//   1. every record is at its slot of its pool, and every pointer between records stays inside;
+//   2. per measure, display variable, influence and constraint, the arrays below hold one entry;
+//   3. the causes of a node end at its variable and are of its kind, its effects start there;
+//   4. histories of one measure are of one length, misbHisto is empty or of that of the window;
+//   5. lists of indices point into the arrays that they are said to;
+//   6. once a cycle is done, a defined variable has a value, and no interval ends before it begins.
 struct s_runtime {
     s_engine* engine = nullptr;  // of the run; borrowed; null only in a plant's template
     std::string name;

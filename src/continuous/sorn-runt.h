@@ -64,6 +64,14 @@ int sn_isInput(s_runtime const* rt, s_Variable const* variable);
 int sn_isDisplay(s_runtime const* rt, s_Variable const* variable);
 int sn_isMeasure(s_runtime const* rt, s_Variable const* variable);
 
+// ---- Invariants (invariants.cpp) ----
+
+// What does not hold of the invariants that records.h lists at s_runtime, or null. Debug builds ask
+// after each copy and each cycle, and the second form after each cycle alone, since a model's
+// template has no values yet.
+char const* sn_brokenRuntime(s_runtime const* rt);
+char const* sn_brokenValues(s_runtime const* rt);
+
 // ---- The cycle (cycle.cpp) ----
 
 void sorn_initialize(s_runtime* rt, int global, double precision, char const* diagBuf, int window);

@@ -6,6 +6,7 @@
 // for the mapping functions.
 #include "continuous/bridge.h"
 
+#include <cassert>
 #include <cstring>
 
 #include "continuous/displays.h"
@@ -18,6 +19,7 @@
 
 void bridgeIncEvents(Scheduler& scheduler, s_runtime* rt) {
     for (auto const& [sign, atom] : rt->bridgeEvents) {
+        assert(atom != nullptr);
         if (atom->getRefTransPre().empty())
             scheduler.contEvents.insert({sign, atom});
         else if (sign)
@@ -37,6 +39,7 @@ CondMap const* condMapOf(StateVar const* variable) {
 }
 
 void setCondsOfAtom(s_runtime* rt, Atom const* atom, bool value) {
+    assert(atom->getStateVar() != nullptr);  // a bridged atom was not refused
     CondMap const* conditions = condMapOf(atom->getStateVar());
     if (conditions == nullptr)
         return;

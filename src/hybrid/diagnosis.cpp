@@ -5,6 +5,7 @@
 // discrete histories of least failure in which that holds; each of them is replayed from its fault
 // time up to now. By the classic rules only the first loss of a run is diagnosed.
 #include <algorithm>
+#include <cassert>
 #include <ctime>
 
 #include "continuous/isolation.h"
@@ -43,6 +44,7 @@ Observations allFalse(std::vector<Atom*> const& atoms) {
 }  // namespace
 
 void insertDiagnosis(RunState& run, std::unique_ptr<hybTrajectory> candidate, HybMap& out) {
+    assert(candidate->rt != nullptr && candidate->traj != nullptr);
     if (!candidate->rt->bridgeConflicts)
         return;
     for (auto const& set : *candidate->rt->bridgeConflicts) {
@@ -161,6 +163,7 @@ bool mayDiagnose(RunState const& run) {
 }
 
 void diagnoseMisbTrajs(RunState& run, RunOptions const& options, double time) {
+    assert(!run.misbtrajs.empty() && mayDiagnose(run));
     run.last_detection_time = time;
     run.lost = true;
     HybMap copies = copyHybTrajectories(run.misbtrajs);

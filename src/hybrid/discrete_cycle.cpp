@@ -1,5 +1,7 @@
 // The discrete step of all candidates, the check against the measures, and who stays.
 
+#include <cassert>
+
 #include "continuous/displays.h"
 #include "continuous/sorn-runt.h"
 #include "hybrid/dates.h"
@@ -64,6 +66,7 @@ void placeCandidate(DiscreteWalk& walk, bool misb) {
 // One candidate; moves on to the next entry.
 void visit(DiscreteWalk& walk) {
     hybTrajectory& candidate = *walk.at->second;
+    assert(candidate.rt != nullptr && candidate.traj != nullptr);
     s_runtime* rt = candidate.rt.get();
     if (rt->num <= walk.limit)
         stepDiscreteSide(walk.run, candidate, walk.time);

@@ -1,4 +1,5 @@
 // The start of a run, one step of all candidates, and the end of a run.
+#include <cassert>
 #include <new>
 
 #include "continuous/sorn-runt.h"
@@ -30,6 +31,7 @@ void setNoise(RunState const& run, s_runtime const* rt) {
 int stepCode(RunOptions const& options, double& countdown) {
     if (options.mode > RUN_RESET)
         return options.isolation;
+    assert(countdown >= 0.0 || options.period == 0.0);
     if (options.period == 0.0 || countdown != 0.0)
         return CYCLE_SIMULATE;
     countdown = options.period;
@@ -46,6 +48,7 @@ void initNominalTraj(RunState& run, string_map<Atom*> const* atoms, s_runtime co
         if (entry.second != nullptr)
             run.hybNT->traj->getState(0)->comps[entry.second->getName()] = entry.second;
     run.tracked_trajs.emplace(firstKey, std::move(first));
+    assert(run.brokenInvariant() == nullptr);
 }
 
 int tavro_initialize_discrete(RunState& run) {
@@ -76,6 +79,7 @@ int tavro_initialize(RunState& run, int global, double precision, char const* di
     clearRunTime(rt);
     // What a split of the first values added is followed by no candidate.
     clearNrt(run, rt);
+    assert(run.brokenInvariant() == nullptr);
     return 1;
 }
 
@@ -91,6 +95,7 @@ void lockFirstTrajState(Trajectory* traj) {
             element->prevTrans = idle;
             ++state->prevTransCount;
             Comp* comp = element->atom->getVarComp();
+            assert(comp != nullptr);
             state->comps[comp->getName()] = comp;
         }
         Diagnoser::lockTrajElsPerm(element, state);
@@ -105,13 +110,14 @@ void stepContinuousSide(RunState& run, RunOptions const& options, double countdo
 
 int tavro_doCycle(RunState& run, RunOptions const& options, double countdown, double time,
                   bool& nominal) {
+    assert(run.engine.nrt.empty());
     run.ntrajs.clear();
     run.misbtrajs.clear();
     stepContinuousSide(run, options, countdown);
     splitTrajs(run, options);
     tavroDiscreteCycle(run, options, time, nominal);
     run.hybNT = run.tracked_trajs.empty() ? nullptr : run.tracked_trajs.begin()->second.get();
-    run.checkRunState();
+    assert(run.brokenInvariant() == nullptr);
     return 1;
 }
 

@@ -1,6 +1,8 @@
 // Making candidates.
 #include "hybrid/hybTrajectory.h"
 
+#include <cassert>
+
 #include "continuous/sorn-runt.h"
 
 namespace {
@@ -17,7 +19,9 @@ hybTrajectory::hybTrajectory(hybTrajectory const* source, int upTo)
 
 hybTrajectory::hybTrajectory(Trajectory const* history, std::unique_ptr<s_runtime> runtime)
     : traj(std::make_unique<Trajectory>(history, history->getCurrentTime() + 1)),
-      rt(std::move(runtime)) {}
+      rt(std::move(runtime)) {
+    assert(rt != nullptr);
+}
 
 hybTrajectory::hybTrajectory(TrajectoryBook& book, string_map<Atom*> const* atoms,
                              s_runtime const* runtime)

@@ -4,6 +4,7 @@
 // is computed anew. While detecting, the jump may have come now or one cycle ago, so the prediction
 // afterwards covers both.
 #include <algorithm>
+#include <cassert>
 
 #include "continuous/sorn-runt.h"
 #include "hybrid/continuity.h"
@@ -20,6 +21,7 @@ constexpr int thresholdAfterJump = 1;
 bool guardHolds(s_runtime* rt, MapFunc const& function) {
     if (function.guard == nullptr)
         return true;
+    assert(static_cast<std::size_t>(function.guard->slot) < rt->condPool.size());
     return sn_evalCond(rt->condPool[static_cast<std::size_t>(function.guard->slot)].get(), rt) != 0;
 }
 
@@ -71,6 +73,7 @@ void defineTheRest(s_runtime* rt) {
 
 void takeMeasure(s_runtime* rt, s_Variable* variable) {
     auto const found = std::find(rt->measure.begin(), rt->measure.end(), variable);
+    assert(rt->mesval != nullptr || found == rt->measure.end());
     if (found != rt->measure.end())
         variable->mes = makeReal(rt->mesval[found - rt->measure.begin()]);
 }
@@ -81,6 +84,7 @@ void becomeNumber(s_Objet* value) {
 
 // The smallest interval that covers both, open at both ends.
 s_Objet openHull(s_Objet const& a, s_Objet const& b) {
+    assert(isRange(a) && isRange(b));
     return makeRange(std::min(a.rng.inf, b.rng.inf), std::max(a.rng.sup, b.rng.sup), 0, 0);
 }
 
@@ -89,6 +93,7 @@ void coverBothJumps(s_runtime* rt, s_runtime const* copy) {
     for (auto const& variable : rt->dico) {
         if (variable->isParam)
             continue;
+        assert(copy->dico[static_cast<std::size_t>(variable->slot)]->nom == variable->nom);
         sn_uniObjet(&variable->new_, &copy->dico[static_cast<std::size_t>(variable->slot)]->new_);
         sn_putObjet(&variable->new_, &variable->old);
         sn_fillHisto(variable.get());

@@ -1,4 +1,5 @@
 // Misbehaviour of a candidate, and merging of candidates that have become the same.
+#include <cassert>
 #include <cmath>
 
 #include "continuous/sorn-runt.h"
@@ -17,7 +18,9 @@ bool isMisb(s_runtime const* rt) {
 namespace {
 
 s_Variable const* sameVariable(s_runtime const* rt, s_Variable const* variable) {
-    return rt->dico[static_cast<std::size_t>(variable->slot)].get();
+    s_Variable const* same = rt->dico[static_cast<std::size_t>(variable->slot)].get();
+    assert(same->nom == variable->nom);
+    return same;
 }
 
 bool overlap(s_Objet const& a, s_Objet const& b) {

@@ -4,6 +4,7 @@
 // step, and stepped forward again on past inputs and measures, read from the candidate's own
 // histories and never from the files. No discrete step is taken: the history stands as the
 // diagnosis made it.
+#include <cassert>
 #include <optional>
 
 #include "continuous/displays.h"
@@ -41,9 +42,12 @@ void replay(RunState& run, hybTrajectory const& candidate, int faultStep, double
     auto moved = std::make_unique<hybTrajectory>();
     moved->traj = std::make_unique<Trajectory>(&history, history.getCurrentTime() + 1);
     double const faultTime = history.getTimeCorr(faultStep);
+    assert(candidate.rt != nullptr && faultStep > 0);
     moved->rt = sn_copyPartialFaultyRt(candidate.rt.get(), faultStep, faultTime, time,
                                        run.scheduler.book.twd);
     updateDiagConds(run, moved->traj.get(), moved->rt.get(), faultStep, faultTime, threshold);
+    assert(run.engine.inps.size() >= candidate.rt->input.size());
+    assert(run.engine.meas.size() >= candidate.rt->measure.size());
     HybMap replayed;
     double const rank = moved->traj->rank;
     replayed.emplace(rank, std::move(moved));

@@ -1,7 +1,6 @@
 // The start and the end of what a run owns.
 #include "hybrid/run_state.h"
 
-#include <cassert>
 #include <utility>
 
 #include "continuous/sorn-runt.h"
@@ -32,15 +31,35 @@ RunState::RunState(Plant const& plant, Host& host, RunSettings settings)
 
 RunState::~RunState() = default;
 
-void RunState::checkRunState() const {
-#ifndef NDEBUG
-    assert(hybNT == nullptr ||
-           (!tracked_trajs.empty() && hybNT == tracked_trajs.begin()->second.get()));
-    assert(engine.nrt.empty());
-    for (auto const& [key, candidate] : tracked_trajs) {
-        assert(candidate != nullptr && candidate->traj != nullptr);
-        assert(candidate->rt != nullptr || tavro_rt == nullptr);
-        assert(candidate->rt == nullptr || candidate->rt->engine == &engine);
-    }
-#endif
+namespace {
+
+char const* brokenRuntime(RunState const& run, hybTrajectory const& candidate) {
+    if (candidate.rt == nullptr)
+        return run.tavro_rt == nullptr ? nullptr : "a candidate has no runtime";
+    if (candidate.rt->engine != &run.engine)
+        return "a runtime belongs to another run";
+    return sn_brokenRuntime(candidate.rt.get());
+}
+
+char const* brokenCandidate(RunState const& run, hybTrajectory const* candidate) {
+    if (candidate == nullptr || candidate->traj == nullptr)
+        return "a candidate has no history";
+    if (!candidate->traj->holdsAll(run.plant.active_comps))
+        return "a component has left the window of a history";
+    if (char const* broken = candidate->traj->brokenInvariant())
+        return broken;
+    return brokenRuntime(run, *candidate);
+}
+
+}  // namespace
+
+char const* RunState::brokenInvariant() const {
+    if (hybNT != nullptr && (tracked_trajs.empty() || hybNT != tracked_trajs.begin()->second.get()))
+        return "the nominal candidate is not the first";
+    if (!engine.nrt.empty() || !ntrajs.empty() || !misbtrajs.empty())
+        return "a table of a step is not empty";
+    for (auto const& entry : tracked_trajs)
+        if (char const* broken = brokenCandidate(*this, entry.second.get()))
+            return broken;
+    return nullptr;
 }

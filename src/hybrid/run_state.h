@@ -5,10 +5,13 @@
 // other, so that the end of a run is the reverse of its start: candidates go first, since the keys
 // of their tables are texts of the plant and their states tell the scheduler's book.
 //
-// Invariants between two steps:
+// Invariants between two steps (told broken by brokenInvariant, which debug builds ask after each):
 //   1. hybNT is null, or the first of tracked_trajs;
-//   2. every candidate of tracked_trajs has a history and, in a hybrid plant, a runtime;
-//   3. engine.nrt is empty.
+//   2. every candidate of tracked_trajs has a history and, in a hybrid plant, a runtime of this
+//   run,
+//      and the invariants of both hold;
+//   3. the window of each history holds every component of the plant;
+//   4. engine.nrt, ntrajs and misbtrajs are empty.
 #pragma once
 
 #include <deque>
@@ -27,7 +30,8 @@ struct RunState {
     RunState(RunState const&) = delete;
     RunState& operator=(RunState const&) = delete;
 
-    void checkRunState() const;
+    // What does not hold of the invariants, or null.
+    char const* brokenInvariant() const;
 
     Plant const& plant;
     Host& host;

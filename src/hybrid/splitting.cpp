@@ -9,6 +9,7 @@ namespace {
 
 // Takes the first runtime out of nrt. It may have been placed more than once; it is taken once.
 std::unique_ptr<s_runtime> takeFromNrt(RunState& run) {
+    assert(!run.engine.nrt.empty() && run.engine.nrt.begin()->second != nullptr);
     std::unique_ptr<s_runtime> taken(run.engine.nrt.begin()->second);
     std::erase_if(run.engine.nrt,
                   [&taken](auto const& entry) { return entry.second == taken.get(); });
@@ -48,11 +49,12 @@ void createNewTrajs(RunState& run, Trajectory const* history, HybMap& out) {
 
 void splitRuntime(RunState& run, std::unique_ptr<hybTrajectory> candidate, HybMap& out, int multi,
                   int mode) {
-    assert(run.engine.nrt.empty());
+    assert(run.engine.nrt.empty() && candidate->rt != nullptr && candidate->traj != nullptr);
     NrtGuard guard(run, candidate->rt.get());
     sn_splitValiditySpc(candidate->rt.get());
     if (mode > RUN_RESET || multi == 1) {
         guard.keep = nullptr;
+        assert(run.rules.cover || !run.engine.nrt.empty());  // at least the runtime itself
         if (isInNrt(run, candidate->rt.get()))
             candidate->rt.release();  // its copies are there too
         createNewTrajs(run, candidate->traj.get(), out);
@@ -70,6 +72,7 @@ void splitRuntime(RunState& run, std::unique_ptr<hybTrajectory> candidate, HybMa
 void splitTrajs(RunState& run, RunOptions const& options) {
     for (auto& entry : run.tracked_trajs)
         splitRuntime(run, std::move(entry.second), run.ntrajs, options.multi, options.mode);
+    assert(run.ntrajs.size() >= run.tracked_trajs.size());  // a split loses no candidate
     run.hybNT = nullptr;
     run.tracked_trajs = std::move(run.ntrajs);
     run.ntrajs.clear();

@@ -14,6 +14,7 @@ Atom::Atom(StateVar* variable, std::string const& domainValue, std::string const
     var = variable;
     value = domainValue;
     linkIndex = var->addAtomToLinks(this);
+    assert(brokenInvariant() == nullptr);
 }
 
 bool Atom::evalAtom() const {
@@ -36,10 +37,11 @@ void Atom::set() {
     var->setCurrentState(value);
     label = labelTrue;
     labelSiblingsFalse();
+    assert(evalAtom() && brokenInvariant() == nullptr);
 }
 
 void Atom::setLabel(std::string const& newLabel, bool const& exclusive) {
-    label = newLabel;
+    setLabel(newLabel);
     if (exclusive && label == labelTrue)
         labelSiblingsFalse();
 }
@@ -57,6 +59,18 @@ Atom* Atom::getAtomLink(std::string const& otherId) const {
         if (sibling->id == otherId)
             return sibling;
     return nullptr;
+}
+
+char const* Atom::brokenInvariant() const {
+    if (!isLabel(label))
+        return "the label is none of the three";
+    if (var == nullptr)
+        return linkIndex == -1 && value.empty() ? nullptr : "a refused value has a place";
+    std::vector<Atom*> const& links = var->getAtomLinks();
+    std::size_t const place = static_cast<std::size_t>(linkIndex);
+    if (linkIndex < 0 || place >= links.size() || links[place] != this)
+        return "the variable does not hold the atom at its place";
+    return var->inValues(value) ? nullptr : "the value is outside the domain";
 }
 
 void Atom::showAtom(std::ostream& out, bool full) const {

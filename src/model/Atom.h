@@ -4,16 +4,20 @@
 // a run is the label and the support, kept by the truth maintenance; the copies of those for one
 // candidate at one step are in TrajEl.
 //
-// Invariants:
-//   1. var->atomLinks[linkIndex] is this atom, unless the value was refused (var is null then);
+// Invariants (1 to 3 are told broken by brokenInvariant, which debug builds ask after each change):
+//   1. var->atomLinks[linkIndex] is this atom, unless the value was refused: var is null then,
+//      linkIndex -1 and `value` empty;
 //   2. label is one of the three of labels.h;
-//   3. `id` does not change while a table is keyed by getId().
+//   3. `value` is in the domain of the variable;
+//   4. `id` does not change while a table is keyed by getId().
 #pragma once
 
+#include <cassert>
 #include <ostream>
 #include <string>
 #include <vector>
 
+#include "model/labels.h"
 #include "support/hash_map.h"
 
 class Clause;
@@ -35,7 +39,10 @@ public:
     // Makes this the value of its variable; labels it true and its siblings false.
     void set();
 
-    void setLabel(std::string const& newLabel) { label = newLabel; }
+    void setLabel(std::string const& newLabel) {
+        assert(isLabel(newLabel));
+        label = newLabel;
+    }
     // With *exclusive* and the label "true", the siblings become "false".
     void setLabel(std::string const& newLabel, bool const& exclusive);
     std::string const& getLabel() const { return label; }
@@ -46,8 +53,14 @@ public:
     std::string getVarType() const;
     std::vector<Transition*> const& getRefTransPre() const { return refTransPre; }
     std::vector<Transition*> const& getRefTransPost() const { return refTransPost; }
-    void addRefTransPre(Transition* transition) { refTransPre.push_back(transition); }
-    void addRefTransPost(Transition* transition) { refTransPost.push_back(transition); }
+    void addRefTransPre(Transition* transition) {
+        assert(transition != nullptr);
+        refTransPre.push_back(transition);
+    }
+    void addRefTransPost(Transition* transition) {
+        assert(transition != nullptr);
+        refTransPost.push_back(transition);
+    }
 
     // Every atom of the variable, this one included.
     std::vector<Atom*> const& getSiblings() const;
@@ -57,6 +70,9 @@ public:
     void decTopoNumber() { --topoNumber; }
     void incTopoNumber() { ++topoNumber; }
     int getTopoNumber() const { return topoNumber; }
+
+    // What does not hold of the invariants, or null.
+    char const* brokenInvariant() const;
 
     void showAtom(std::ostream& out, bool full) const;
 

@@ -1,6 +1,9 @@
 // Literals, tests on labels, supports and printing of clauses.
 #include "model/Clause.h"
 
+#include <algorithm>
+#include <cassert>
+
 #include "model/Atom.h"
 #include "model/labels.h"
 
@@ -24,6 +27,11 @@ Clause::Clause(Atom* atom, bool sign, Comp* comp) : comp(comp) {
 }
 
 Clause::Clause(Clause const* source) : atoms(source->atoms), comp(source->comp) {}
+
+void Clause::addAtom(Atom* atom, bool sign) {
+    assert(atom != nullptr);
+    atoms.insert({sign, atom});
+}
 
 void Clause::addAtomRef(Atom* atom, bool sign) {
     addAtom(atom, sign);
@@ -73,6 +81,8 @@ std::vector<Atom*> Clause::getOpposites(Atom const* atom) const {
 }
 
 void Clause::setSupport(Atom* atom) {
+    assert(std::any_of(atoms.begin(), atoms.end(),
+                       [atom](auto const& literal) { return literal.second == atom; }));
     atom->support = this;
     for (auto const& literal : atoms)
         if (literal.second != atom)

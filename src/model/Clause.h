@@ -22,7 +22,7 @@ public:
     Clause(Clause const&) = delete;
     Clause& operator=(Clause const&) = delete;
 
-    void addAtom(Atom* atom, bool sign) { atoms.insert({sign, atom}); }
+    void addAtom(Atom* atom, bool sign);
     // Also enters this clause among the clauses of the atom.
     void addAtomRef(Atom* atom, bool sign);
 

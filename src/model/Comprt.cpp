@@ -1,6 +1,8 @@
 // Building, counting and printing of components.
 #include "model/Comprt.h"
 
+#include <algorithm>
+
 #include "model/Atom.h"
 #include "model/labels.h"
 
@@ -16,15 +18,18 @@ StateVar* Comp::getStateVariable(std::string const& fullName) const {
 }
 
 Atom* Comp::newAtom(char const* key, StateVar* variable, std::string const& value) {
+    assert(key != nullptr && variable != nullptr && atoms.count(key) == 0);
     symbolicKeys.push_back(std::make_unique<std::string>(key));
     ownedAtoms.push_back(
         std::make_unique<Atom>(variable, value, variable->getName() + "=" + value));
     Atom* atom = ownedAtoms.back().get();
     atoms[symbolicKeys.back()->c_str()] = atom;
+    assert(brokenInvariant() == nullptr);
     return atom;
 }
 
 Transition* Comp::addTransitionToC(std::unique_ptr<Transition> transition) {
+    assert(transition != nullptr);
     transitions.push_back(std::move(transition));
     return transitions.back().get();
 }
@@ -40,6 +45,7 @@ void Comp::computeNominalCover() {
 }
 
 void Comp::countGuard(Transition const& transition) {
+    assert(transition.preMode->getStateVar() == transition.modeVar);
     ++transition.preMode->guards;
     ++transition.modeVar->guards;
 }
@@ -61,6 +67,47 @@ void Comp::getTransitionsGuards(std::ostream& err) {
             if (transitions[j]->pre && transition.pre->eq(transitions[j]->pre.get()))
                 countGuard(transition);
     }
+}
+
+namespace {
+
+template <typename List>
+bool holdsNull(List const& list) {
+    return std::any_of(list.begin(), list.end(), [](auto const& entry) { return !entry; });
+}
+
+}  // namespace
+
+char const* Comp::brokenInvariant() const {
+    for (auto const& variable : stateVariables) {
+        if (variable->getComp() != this)
+            return "a variable knows another component";
+        if (char const* broken = variable->brokenInvariant())
+            return broken;
+    }
+    if (holdsNull(clauses) || holdsNull(transitions) || holdsNull(commands) ||
+        holdsNull(importedCommands) || holdsNull(neighbours))
+        return "a list of the component holds a null";
+    return nullptr;
+}
+
+char const* Comp::brokenLinks() const {
+    std::size_t count = 0;
+    std::string const prefix = name + ".";
+    for (auto const& variable : stateVariables) {
+        if (variable->getName().compare(0, prefix.size(), prefix) != 0)
+            return "the name of a variable does not begin with that of the component";
+        for (Atom const* atom : variable->getAtomLinks()) {
+            ++count;
+            auto const entry = atoms.find(atom->getId());
+            if (entry == atoms.end() || entry->second != atom)
+                return "an atom is missing from the table of the component";
+            auto const owner = atom->comps.find(getName());
+            if (owner == atom->comps.end() || owner->second != this)
+                return "an atom does not list the component that holds it";
+        }
+    }
+    return count == atoms.size() ? nullptr : "the table holds what is no atom of a variable";
 }
 
 namespace {

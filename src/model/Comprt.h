@@ -4,11 +4,16 @@
 // influences belong to the runtime and are only listed here. Compiled models derive from this class
 // and fill it in init().
 //
-// Invariants:
-//   1. `atoms` holds every atom of every variable once start-up is over, keyed by atom id;
-//   2. names of variables begin with the component's name and a dot.
+// Invariants (1 and 2 are told broken by brokenInvariant, which debug builds ask after each change;
+// the others hold once start-up is over, and are told broken by brokenLinks):
+//   1. every variable knows this component, and its own invariants hold;
+//   2. no clause, transition, command or neighbour is null;
+//   3. names of variables begin with the component's name and a dot;
+//   4. `atoms` holds every atom of every variable and nothing else, keyed by atom id;
+//   5. each of these atoms lists this component under its name.
 #pragma once
 
+#include <cassert>
 #include <functional>
 #include <memory>
 #include <ostream>
@@ -53,13 +58,21 @@ public:
         Variable* borrowed = variable.get();
         borrowed->setComp(this);
         stateVariables.push_back(own<StateVar>(std::move(variable)));
+        assert(brokenInvariant() == nullptr);
         return borrowed;
     }
     // Makes the atom of a value of *variable* and enters it under a symbolic key, which is copied.
     Atom* newAtom(char const* key, StateVar* variable, std::string const& value);
-    void addVariable(s_Variable* variable) { variables.push_back(variable); }
-    void addInfluence(s_Influence* influence) { influences.push_back(influence); }
+    void addVariable(s_Variable* variable) {
+        assert(variable != nullptr);
+        variables.push_back(variable);
+    }
+    void addInfluence(s_Influence* influence) {
+        assert(influence != nullptr);
+        influences.push_back(influence);
+    }
     void addFormulaToCS(std::unique_ptr<Formula> formula) {
+        assert(formula != nullptr);
         constraints.push_back(std::move(formula));
     }
     Transition* addTransitionToC(std::unique_ptr<Transition> transition);
@@ -72,6 +85,10 @@ public:
 
     // *showInfluence* prints one influence, in the form of the runtime's printers.
     using InfluencePrinter = std::function<void(s_Influence const*)>;
+    // What does not hold of the invariants, or null.
+    char const* brokenInvariant() const;
+    char const* brokenLinks() const;
+
     void showComp(std::ostream& out, InfluencePrinter const& showInfluence) const;
 
     std::string className;  // name of the compiled class; assigned by the top level of the model

@@ -1,6 +1,8 @@
 // What a plant owns, and its end.
 #include "model/Plant.h"
 
+#include <cassert>
+
 Plant::Plant(std::string name) : name(std::move(name)) {}
 
 Plant::~Plant() {
@@ -8,6 +10,7 @@ Plant::~Plant() {
 }
 
 Clause* Plant::addClause(std::unique_ptr<Clause> clause) {
+    assert(clause != nullptr);
     cls.push_back(std::move(clause));
     return cls.back().get();
 }

@@ -1,7 +1,11 @@
 // Construction, default value and printing of variables.
 #include "model/StateVar.h"
 
+#include <algorithm>
+#include <cassert>
 #include <utility>
+
+#include "model/Atom.h"
 
 StateVar::StateVar() = default;
 
@@ -37,12 +41,24 @@ void StateVar::setDefault(std::string const& value) {
 }
 
 int StateVar::addAtomToLinks(Atom* atom) {
+    assert(std::find(atomLinks.begin(), atomLinks.end(), atom) == atomLinks.end());
     atomLinks.push_back(atom);
     return static_cast<int>(atomLinks.size()) - 1;
 }
 
 bool StateVar::matchObs() const {
     return !observable || observation.empty() || currentState == observation;
+}
+
+char const* StateVar::brokenInvariant() const {
+    for (std::size_t i = 0; i < atomLinks.size(); ++i)
+        if (atomLinks[i]->var != this || atomLinks[i]->linkIndex != static_cast<int>(i))
+            return "an atom of the variable does not stand at its place";
+    bool const isDefault =
+        defaultValue.empty() || std::any_of(values.begin(), values.end(), [&](auto const& value) {
+            return defaultValue == name + "=" + value;
+        });
+    return isDefault ? nullptr : "the default is no value of the variable";
 }
 
 void StateVar::showValues(std::ostream& out) const {

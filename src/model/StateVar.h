@@ -4,7 +4,7 @@
 // and CommandVar. Variables are built once by the compiled model, live for the whole run and are
 // never copied; a component owns them, and the component's atoms are linked here in creation order.
 //
-// Invariants:
+// Invariants (told broken by brokenInvariant, which debug builds ask when a component changes):
 //   1. every atom of `atomLinks` names this variable and has its own position as `linkIndex`;
 //   2. `defaultValue` is "" or name + "=" + a member of `values`.
 #pragma once
@@ -60,6 +60,9 @@ public:
 
     // False only when the variable is observable, has an observation, and is in another state.
     bool matchObs() const;
+
+    // What does not hold of the invariants, or null.
+    char const* brokenInvariant() const;
 
     void showValues(std::ostream& out) const;
     void showCurrentState(std::ostream& out) const;

@@ -1,6 +1,8 @@
 // Construction of transitions and their links into the atoms.
 #include "model/Transitionrt.h"
 
+#include <cassert>
+
 #include "model/Atom.h"
 #include "model/StateVar.h"
 #include "model/labels.h"
@@ -58,6 +60,7 @@ void Transition::addRefToAtoms() {
 }
 
 void Transition::refAtomPre(bool sign, Atom* atom) {
+    assert(atom != nullptr);
     if (!sign) {
         for (Atom* sibling : atom->getSiblings())
             if (sibling != atom)
@@ -68,6 +71,7 @@ void Transition::refAtomPre(bool sign, Atom* atom) {
     if (modeVar == nullptr && atom->getVarType() == typeMode) {
         modeVar = atom->getStateVar();
         preMode = atom;
+        assert(modeVar != nullptr);  // a refused atom is of no kind
     }
 }
 

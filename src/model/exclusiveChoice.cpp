@@ -1,6 +1,8 @@
 // The exclusive choice among the values of a variable, as clauses.
 #include "model/exclusiveChoice.h"
 
+#include <cassert>
+
 #include "model/Plant.h"
 #include "model/StateVar.h"
 
@@ -16,6 +18,7 @@ Clause* newInternalClause(Plant& plant, StateVar* variable) {
 }  // namespace
 
 void addExclusiveChoice(Plant& plant, StateVar* variable) {
+    assert(variable->clauses.empty());  // told once
     std::vector<Atom*> const& atoms = variable->getAtomLinks();
     for (std::size_t i = 0; i < atoms.size(); ++i)
         for (std::size_t j = i + 1; j < atoms.size(); ++j) {

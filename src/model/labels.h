@@ -1,10 +1,16 @@
 // The strings and numbers of the discrete side that carry a meaning, each told once.
 #pragma once
 
+#include <string>
+
 // Truth of an atom, or of its element at one step: unknown is the initial and the retracted value.
 inline constexpr char const* labelTrue = "true";
 inline constexpr char const* labelFalse = "false";
 inline constexpr char const* labelUnknown = "unknown";
+
+inline bool isLabel(std::string const& text) {
+    return text == labelTrue || text == labelFalse || text == labelUnknown;
+}
 
 // Kinds of variables. No constructor makes the last two, but the engine tests for them.
 inline constexpr char const* typeMode = "Mode";

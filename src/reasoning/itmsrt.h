@@ -120,6 +120,13 @@ public:
     // The last unknown element of a clause that no plain literal satisfies, or null.
     TrajEl* unitClause(Clause const* clause, StateSite const& site);
 
+    // ---- Invariants (invariants.cpp) ----
+
+    // What does not hold of a state that the engine works on, or null: the invariants of the state,
+    // and that each supported element stands on a clause that mentions it, and has a higher number
+    // than the others of that clause.
+    static char const* brokenSupports(State const& state);
+
     // ---- Unit propagation (propagate.cpp) ----
 
     Clause* getFirstUnitClause(std::vector<TrajEl*> const& elements, StateSite const& site);

@@ -1,6 +1,7 @@
 // Construction, elements, locks and probabilities of states.
 #include "trajectory/Statert.h"
 
+#include <algorithm>
 #include <cassert>
 #include <cstring>
 #include <set>
@@ -44,6 +45,7 @@ State::State(TrajectoryBook& book, string_map<Atom*> const* atoms) : State(book)
     }
     computePrevTransProb();
     proba = prevTransProb;
+    assert(brokenInvariant() == nullptr);
 }
 
 State::State(State const* source, bool full) : State(source->book) {
@@ -56,7 +58,7 @@ State::State(State const* source, bool full) : State(source->book) {
     unknown = source->unknown;
     observations = source->observations;
     copyElements(*source, full);
-    checkState();
+    assert(elts.size() <= source->elts.size() && brokenInvariant() == nullptr);
 }
 
 // What tells how the source came to be.
@@ -116,6 +118,7 @@ TrajEl* State::addElt(TrajEl const* element, bool const& keep) {
     }
     TrajEl* borrowed = copy.get();
     enter(borrowed->getId(), std::move(copy));
+    assert(brokenElement(borrowed->getId(), borrowed) == nullptr);
     return borrowed;
 }
 
@@ -131,6 +134,7 @@ void State::removeElt(char const* id) {
     for (auto const& kept : replaced)
         std::erase(kept->consequences, element);
     delete element;
+    assert(getElt(id) == nullptr && brokenInvariant() == nullptr);
 }
 
 void State::setPrevTrans(char const* id, Transition* transition) {
@@ -149,6 +153,7 @@ void State::lockStatePerm() {
         element->lock = LOCK_TRUE_PERM;
     }
     locked = true;
+    assert(brokenInvariant() == nullptr);
 }
 
 double State::getTransitionPostProb(Transition const* transition) const {
@@ -204,15 +209,29 @@ void State::clear() {
     replaced.clear();
 }
 
-void State::checkState() const {
-#ifndef NDEBUG
-    for (auto const& [id, element] : elts) {
-        assert(element == nullptr || std::strcmp(id, element->getId()) == 0);
-        if (element != nullptr)
-            for (TrajEl const* consequence : element->consequences)
-                assert(consequence->atom != nullptr);
-    }
-#endif
+bool State::owns(TrajEl const* element) const {
+    return getElt(element->getId()) == element ||
+           std::any_of(replaced.begin(), replaced.end(),
+                       [element](auto const& kept) { return kept.get() == element; });
+}
+
+char const* State::brokenElement(char const* id, TrajEl const* element) const {
+    if (element->atom == nullptr || std::strcmp(id, element->getId()) != 0)
+        return "an element stands under the id of another atom";
+    for (TrajEl const* consequence : element->consequences)
+        if (consequence == nullptr || consequence->atom == nullptr || !owns(consequence))
+            return "a consequence is no element of the state";
+    return element->brokenInvariant();
+}
+
+char const* State::brokenInvariant() const {
+    for (auto const& [id, element] : elts)
+        if (char const* broken = element != nullptr ? brokenElement(id, element) : nullptr)
+            return broken;
+    for (auto const& [name, comp] : comps)
+        if (comp == nullptr || std::strcmp(name, comp->getName()) != 0)
+            return "a component stands under another name";
+    return nullptr;
 }
 
 void State::showState(std::ostream& out) const {

@@ -4,11 +4,14 @@
 // in an earlier state of the trajectory. It owns its elements; one that another of the same id
 // replaced is kept until the state goes, since supports may still point at it.
 //
-// Invariants (checked by checkState in debug builds):
-//   1. every element stands under the id of its atom;
-//   2. every consequence of an element has an atom.
+// Invariants (told broken by brokenInvariant, which debug builds ask after each change; where one
+// element alone has changed they ask brokenElement):
+//   1. every element stands under the id of its atom, and its own invariants hold;
+//   2. a consequence of an element is an element of this state, or one that another replaced;
+//   3. every component of `comps` stands under its name.
 #pragma once
 
+#include <cassert>
 #include <functional>
 #include <map>
 #include <memory>
@@ -49,7 +52,10 @@ public:
     // Destroys the element of that id, if there is one.
     void removeElt(char const* id);
     void setPrevTrans(char const* id, Transition* transition);
-    void setPrevTrans(TrajEl* element, Transition* transition) { element->prevTrans = transition; }
+    void setPrevTrans(TrajEl* element, Transition* transition) {
+        assert(element == getElt(element->getId()));
+        element->prevTrans = transition;
+    }
     // Fixes what is true and free, for good, and the siblings at false.
     void lockStatePerm();
     // 0.0 when the transition has no entry; enters nothing.
@@ -67,7 +73,8 @@ public:
     void setUnknown() { unknown = true; }
     // Destroys every element.
     void clear();
-    void checkState() const;
+    // What does not hold of the invariants, or null.
+    char const* brokenInvariant() const;
 
     void showState(std::ostream& out) const;
     void showFullState(std::ostream& out) const;
@@ -93,6 +100,8 @@ public:
 private:
     void copyHistory(State const& source);
     void copyElements(State const& source, bool full);
+    char const* brokenElement(char const* id, TrajEl const* element) const;
+    bool owns(TrajEl const* element) const;
     void enter(char const* id, std::unique_ptr<TrajEl> element);
 
     std::vector<std::unique_ptr<TrajEl>> replaced;

@@ -1,6 +1,8 @@
 // Construction, transitions and printing of elements.
 #include "trajectory/TrajElrt.h"
 
+#include <algorithm>
+
 #include "model/Clause.h"
 #include "model/Transitionrt.h"
 #include "model/labels.h"
@@ -54,10 +56,12 @@ bool TrajEl::evalTrajEl() const {
 }
 
 void TrajEl::addToNextTrans(Transition* transition) {
+    assert(transition != nullptr);
     std::erase_if(nextTrans, [transition](auto const& entry) {
         return entry.second != nullptr && entry.second->modeVar == transition->modeVar;
     });
     nextTrans[transition->id] = transition;
+    assert(brokenInvariant() == nullptr);
 }
 
 void TrajEl::addToNextTransNeg(Transition* transition) {
@@ -66,6 +70,27 @@ void TrajEl::addToNextTransNeg(Transition* transition) {
         if (entry.second->modeVar == transition->modeVar)
             nextTrans.erase(entry.first);
     nextTransNeg[transition->id] = transition;
+    assert(brokenInvariant() == nullptr);
+}
+
+namespace {
+
+bool standUnderTheirIds(TrajEl::Transitions const& transitions) {
+    return std::all_of(transitions.begin(), transitions.end(), [](auto const& entry) {
+        return entry.second == nullptr || entry.second->id == entry.first;
+    });
+}
+
+}  // namespace
+
+char const* TrajEl::brokenInvariant() const {
+    if (!label.empty() && !isLabel(label))
+        return "the label is none of the three";
+    if (lock < LOCK_TRUE || lock > LOCK_FALSE_PERM)
+        return "the lock is none of the five";
+    return standUnderTheirIds(nextTrans) && standUnderTheirIds(nextTransNeg)
+               ? nullptr
+               : "a transition stands under the id of another";
 }
 
 void TrajEl::showAtom(std::ostream& out, bool const& full) const {

@@ -4,17 +4,20 @@
 // A State owns its elements; all pointers but the tables of transitions are borrowed, and the
 // consequences are elements of the same state.
 //
-// Invariants:
+// Invariants (told broken by brokenInvariant, which debug builds ask after each change):
 //   1. label is one of the three of labels.h, or "" for an element made empty;
-//   2. lock is one of the five below.
+//   2. lock is one of the five below;
+//   3. a transition stands in nextTrans and nextTransNeg under its id.
 #pragma once
 
+#include <cassert>
 #include <map>
 #include <ostream>
 #include <string>
 #include <vector>
 
 #include "model/Atom.h"
+#include "model/labels.h"
 #include "trajectory/TrajectoryBook.h"
 
 class Clause;
@@ -44,13 +47,19 @@ public:
     TrajEl& operator=(TrajEl const&) = delete;
 
     void setAtom(Atom* newAtom) { atom = newAtom; }
-    char const* getId() const { return atom->getId(); }
+    char const* getId() const {
+        assert(atom != nullptr);
+        return atom->getId();
+    }
     std::string getVarType() const { return atom->getVarType(); }
     StateVar* getStateVar() const { return atom->getStateVar(); }
     Atom* getAtomLink(std::string const& id) const { return atom->getAtomLink(id); }
 
     std::string const& getLabel() const { return label; }
-    void setLabel(std::string const& newLabel) { label = newLabel; }
+    void setLabel(std::string const& newLabel) {
+        assert(isLabel(newLabel));
+        label = newLabel;
+    }
     bool isLabelled(char const* text) const { return label == text; }
     bool eq(TrajEl const& other) const { return atom == other.atom; }
     bool evalTrajEl() const;
@@ -62,6 +71,9 @@ public:
     void addToNextTrans(Transition* transition);
     void addToNextTransNeg(Transition* transition);
     void updateProba(double const& factor) { proba *= factor; }
+
+    // What does not hold of the invariants, or null.
+    char const* brokenInvariant() const;
 
     void showAtom(std::ostream& out, bool const& full) const;
     void showTrajEl(std::ostream& out, bool const& full) const;

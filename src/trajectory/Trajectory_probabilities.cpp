@@ -7,6 +7,8 @@
 #include "trajectory/Trajectoryrt.h"
 
 void Trajectory::setTimeCorr(double time) {
+    // In the order of the steps: only the current one is appended.
+    assert(timeCorr.empty() || timeCorr.back().first <= currentTime);
     timeCorr.emplace_back(currentTime, time);
 }
 
@@ -52,6 +54,7 @@ void Trajectory::coverDates(Trajectory const& other) {
 
 std::vector<Transition*> Trajectory::getStateTransitions(int t) const {
     std::vector<Transition*> transitions;
+    assert(getState(t) != nullptr);
     for (auto const& entry : getState(t)->elts)
         if (entry.second != nullptr && entry.second->prevTrans != nullptr)
             transitions.push_back(entry.second->prevTrans);
@@ -59,6 +62,7 @@ std::vector<Transition*> Trajectory::getStateTransitions(int t) const {
 }
 
 void Trajectory::computePrevTransSetProb(int t) {
+    assert(getState(t) != nullptr);
     getState(t)->computePrevTransProb();
 }
 
@@ -93,6 +97,7 @@ void Trajectory::updateStatesProbClassic() {
 }
 
 void Trajectory::updateCover(State* state, Transition const* transition) {
+    assert(state != nullptr && transition != nullptr);
     double const guard = state->computePrevTransGuard();
     state->cover += state->getTransitionPostProb(transition) * guard;
 }
@@ -109,6 +114,7 @@ void fillWithNulls(TrajEl::Transitions& transitions) {
 }  // namespace
 
 void Trajectory::updateCover(State* from, State* to, int t, int u, Transition const* transition) {
+    assert(from != nullptr && to != nullptr && t < u);
     double guard = 1.0;
     std::set<int> seen;
     for (auto const& entry : from->elts) {

@@ -17,6 +17,7 @@ Trajectory::Trajectory(TrajectoryBook& book) : book(book) {
 Trajectory::Trajectory(TrajectoryBook& book, string_map<Atom*> const* atoms) : Trajectory(book) {
     putState(0, std::make_unique<State>(book, atoms));
     setTimeCorr(0.0);
+    assert(brokenInvariant() == nullptr);
 }
 
 Trajectory::Trajectory(Trajectory const* source, int upTo) : Trajectory(source->book) {
@@ -52,6 +53,7 @@ void Trajectory::advanceTo(int t) {
 
 // The reduction comes before the rank here and after it in addCopyState.
 std::unique_ptr<State> Trajectory::addState(int t, std::unique_ptr<State> state) {
+    assert(state != nullptr && t >= firstTime);
     advanceTo(t);
     std::unique_ptr<State> before = takeState(t);
     State* added = state.get();
@@ -61,11 +63,12 @@ std::unique_ptr<State> Trajectory::addState(int t, std::unique_ptr<State> state)
     rank += getStateRank(added);
     if (added->unknown)
         setUnknown();
-    checkTrajectory();
+    assert(brokenInvariant() == nullptr);
     return before;
 }
 
 void Trajectory::addCopyState(int t, State const* source, bool full) {
+    assert(source != nullptr && t >= firstTime);
     auto copy = std::make_unique<State>(source, full);
     bool const reachedUnknown = source->unknown;
     takeState(t);  // may be the source itself
@@ -76,10 +79,11 @@ void Trajectory::addCopyState(int t, State const* source, bool full) {
         setUnknown();
     if (static_cast<int>(states.size()) > book.twd)
         reduceTrajectory();
-    checkTrajectory();
+    assert(brokenInvariant() == nullptr);
 }
 
 void Trajectory::removeLastState() {
+    assert(getLastState() != nullptr);
     takeState(currentTime);
     --currentTime;
 }
@@ -91,7 +95,7 @@ std::unique_ptr<State> Trajectory::takeState(int t) {
 }
 
 void Trajectory::putState(int t, std::unique_ptr<State> state) {
-    assert(getState(t) == nullptr);
+    assert(state != nullptr && getState(t) == nullptr);
     State*& place = states[t];  // made before the state is given away
     place = state.release();
 }
@@ -99,12 +103,14 @@ void Trajectory::putState(int t, std::unique_ptr<State> state) {
 void Trajectory::reduceTrajectory() {
     int const oldest = currentTime - book.twd;
     State* next = getState(oldest + 1);
+    assert(oldest == firstTime && getState(oldest) != nullptr && next != nullptr);
     for (auto const& [name, comp] : getState(oldest)->comps)
         if (next->comps.count(name) == 0)
             addComp(comp, next, oldest + 1, true, false);
     next->lockStatePerm();
     ++firstTime;
-    takeState(oldest);
+    std::unique_ptr<State> const folded = takeState(oldest);
+    assert(holdsAll(folded->comps));
     stepDates.erase(oldest);
     if (!timeCorr.empty())
         timeCorr.erase(timeCorr.begin());
@@ -212,6 +218,7 @@ void carryConsequences(State* state, string_map<TrajEl*> const& sources) {
 }  // namespace
 
 void Trajectory::addComp(Comp* comp, State* state, int t, bool idle, bool keepLocks) {
+    assert(comp != nullptr && state != nullptr);
     book.out << "[addComp] --> timestep : " << t << " -- " << comp->getName()
              << (keepLocks ? " (locked)" : "") << "\n";
     string_map<TrajEl*> found;
@@ -229,10 +236,12 @@ void Trajectory::addComp(Comp* comp, State* state, int t, bool idle, bool keepLo
     carryConsequences(state, found);
     state->comps[comp->getName()] = comp;
     state->prevTransCount += comp->compSize;
+    assert(state->brokenInvariant() == nullptr);
 }
 
 void Trajectory::removeComp(Comp* comp, int t) {
     State* state = getState(t);
+    assert(state != nullptr);
     for (auto const& entry : comp->atoms)
         state->removeElt(entry.second->getId());
     state->comps.erase(comp->getName());
@@ -240,6 +249,7 @@ void Trajectory::removeComp(Comp* comp, int t) {
 }
 
 double Trajectory::getStateRank(State const* state) const {
+    assert(state != nullptr);
     double rankOfState = 0.0;
     for (auto const& entry : state->elts)
         if (entry.second != nullptr && entry.second->prevTrans != nullptr &&
@@ -254,10 +264,23 @@ bool Trajectory::holdsUnknown() const {
     });
 }
 
-void Trajectory::checkTrajectory() const {
-#ifndef NDEBUG
-    assert(static_cast<int>(states.size()) <= book.twd);
+char const* Trajectory::brokenInvariant() const {
     for (int t = firstTime; t <= currentTime; ++t)
-        assert(getState(t) != nullptr);
-#endif
+        if (getState(t) == nullptr)
+            return "a step of the window has no state";
+    for (auto const& entry : states)
+        if (entry.first < firstTime)
+            return "a state stands before the window";
+    if (static_cast<int>(states.size()) > book.twd)
+        return "the window holds more states than it may";
+    return nullptr;
+}
+
+bool Trajectory::holdsAll(string_map<Comp*> const& comps) const {
+    return std::all_of(comps.begin(), comps.end(), [this](auto const& wanted) {
+        return wanted.second == nullptr ||
+               std::any_of(states.begin(), states.end(), [&wanted](auto const& entry) {
+                   return entry.second != nullptr && entry.second->comps.count(wanted.first) != 0;
+               });
+    });
 }

@@ -5,10 +5,13 @@
 // state holds elements only for the components that changed at its step, so the truth of an atom is
 // searched backwards through the window. A trajectory owns its states.
 //
-// Invariants (checked by checkTrajectory in debug builds):
+// Invariants (1 and 2 are told broken by brokenInvariant, which debug builds ask after each
+// addition and removal):
 //   1. the steps of `states` run from firstTime to currentTime with none missing;
 //   2. right after an addition there are at most `twd` of them;
-//   3. the first state of the window holds, or a newer one does, every component of the model.
+//   3. a component that a state of the window holds leaves the window with no state of it: when the
+//      oldest state is folded, the next one holds what it held. So a history that begins with every
+//      component, as those of a run do, can always tell the truth of each: holdsAll.
 #pragma once
 
 #include <map>
@@ -115,7 +118,10 @@ public:
     void setUnknown() { unknown = true; }
     // Whether a state of the window was reached through an unknown mode.
     bool holdsUnknown() const;
-    void checkTrajectory() const;
+    // What does not hold of the invariants 1 and 2, or null.
+    char const* brokenInvariant() const;
+    // Whether each of *comps* that is not null stands in a state of the window.
+    bool holdsAll(string_map<Comp*> const& comps) const;
 
     void showTrajectory(std::ostream& out, int t) const;
     void showTrajectoryFull(std::ostream& out, int t) const;

@@ -61,6 +61,8 @@ public:
         influence->gain = influence->b1 = obj(gain);
         nodeOf(effect)->kind = type;
         nodeOf(effect)->causes.push_back(influence.get());
+        rt.condin.push_back(0);
+        rt.condout.push_back(0);
         return adoptInfluence(rt, std::move(influence));
     }
 

@@ -12,84 +12,12 @@
 // their list, and touching, counting and closing are operations on words. A set may close many of
 // thousands of leaves, so the closing sets of one suspect stand in an index of their own.
 #include <algorithm>
-#include <bit>
 #include <cassert>
-#include <cstdint>
 
-#include "continuous/isolation.h"
+#include "continuous/isolation/tree_parts.h"
 #include "support/memory_watch.h"
 
 namespace {
-
-// A set of suspect numbers. The first 64 take no allocation.
-class SuspectBits {
-public:
-    void add(int number) { word(static_cast<std::size_t>(number) / bits) |= mask(number); }
-    bool holds(int number) const {
-        return (wordAt(static_cast<std::size_t>(number) / bits) & mask(number)) != 0;
-    }
-    // How many members come before a number.
-    int rank(int number) const {
-        std::size_t const place = static_cast<std::size_t>(number) / bits;
-        int count = std::popcount(wordAt(place) & (mask(number) - 1));
-        for (std::size_t i = 0; i < place; ++i)
-            count += std::popcount(wordAt(i));
-        return count;
-    }
-    // Whether test(rank of the member) holds for a member that is in both, in ascending order.
-    template <typename Test>
-    bool anyCommon(SuspectBits const& other, Test test) const {
-        int before = 0;
-        for (std::size_t i = 0; i <= more.size(); ++i) {
-            std::uint64_t const own = wordAt(i);
-            for (std::uint64_t left = own & other.wordAt(i); left != 0; left &= left - 1)
-                if (test(before + std::popcount(own & ((left & -left) - 1))))
-                    return true;
-            before += std::popcount(own);
-        }
-        return false;
-    }
-    int countCommon(SuspectBits const& other) const {
-        int count = std::popcount(first & other.first);
-        for (std::size_t i = 0; i < std::min(more.size(), other.more.size()); ++i)
-            count += std::popcount(more[i] & other.more[i]);
-        return count;
-    }
-
-private:
-    static constexpr std::size_t bits = 64;
-    static std::uint64_t mask(int number) {
-        return std::uint64_t{1} << (static_cast<std::size_t>(number) % bits);
-    }
-    std::uint64_t wordAt(std::size_t i) const {
-        if (i == 0)
-            return first;
-        return i - 1 < more.size() ? more[i - 1] : 0;
-    }
-    std::uint64_t& word(std::size_t i) {
-        if (i == 0)
-            return first;
-        if (more.size() < i)
-            more.resize(i);
-        return more[i - 1];
-    }
-
-    std::uint64_t first = 0;
-    std::vector<std::uint64_t> more;
-};
-
-// A leaf: its suspects as positions in the table of suspects met so far, in order of adding.
-struct Branch {
-    int number = 0;
-    std::vector<int> members;
-    SuspectBits held;
-};
-
-// A suspect as it came in a conflict set; its number is that of all its equals.
-struct Met {
-    std::shared_ptr<Conflict> suspect;
-    int number;
-};
 
 // Sets of suspect numbers, kept so that the question whether one of them lies within another set
 // need not look at each: a tree in which every path from the root is the ascending members of a
@@ -121,6 +49,7 @@ private:
 
     std::size_t childOf(std::size_t at, int member) {
         auto const rank = nodes[at].next.rank(member);
+        assert(rank >= 0 && static_cast<std::size_t>(rank) <= nodes[at].children.size());
         if (!nodes[at].next.holds(member)) {
             nodes[at].next.add(member);
             nodes[at].children.insert(nodes[at].children.begin() + rank, nodes.size());
@@ -157,22 +86,19 @@ void quickSort(std::vector<T>& items, int low, int high, Less less) {
 
 }  // namespace
 
-struct HittingSetTree::Implementation {
+struct HittingSetTree::Implementation : TreeParts {
     class Growth;
 
     explicit Implementation(Host& host) : host(host) {}
 
     Host& host;
-    std::vector<Met> met;
-    std::vector<Conflict const*> kinds;  // by number, the first suspect of its kind
-    std::vector<Branch> branches;
-    int nbLeaves = 0;
 
-    int numberOf(Conflict const& conflict) const {
-        for (std::size_t i = 0; i < kinds.size(); ++i)
-            if (compareConflicts(*kinds[i], conflict))
-                return static_cast<int>(i);
-        return -1;
+    // That the tree holds its invariants, and that every leaf hits the set just met.
+    bool hasMet(SuspectBits const& set) const {
+        return brokenTree(*this) == nullptr &&
+               std::all_of(branches.begin(), branches.end(), [&set](Branch const& branch) {
+                   return branch.held.countCommon(set) > 0;
+               });
     }
 
     // Enters the suspects of a conflict set; returns the position of the first.
@@ -200,6 +126,7 @@ struct HittingSetTree::Implementation {
 
     Branch extend(Branch const& from, int member, int number) const {
         watchMemory(host);
+        assert(!from.held.holds(met[static_cast<std::size_t>(member)].number));
         Branch extended{number, {}, from.held};
         extended.members.reserve(from.members.size() + 1);
         extended.members = from.members;
@@ -216,6 +143,7 @@ public:
         : tree(tree), start(tree.enter(conflictSet)), closing(conflictSet.size()) {
         for (std::size_t i = 0; i < closing.size(); ++i)
             set.add(numberAt(i));
+        assert(set.countCommon(set) == static_cast<int>(closing.size()));  // each suspect once
     }
 
     // A branch that holds nothing of the set is to get a leaf for each suspect of it.
@@ -248,6 +176,7 @@ public:
     }
 
     std::vector<Branch> grown;
+    SuspectBits set;  // the conflict set
 
 private:
     int numberAt(std::size_t i) const {
@@ -256,7 +185,6 @@ private:
 
     Implementation& tree;
     int start;  // of the set, in the table of suspects met
-    SuspectBits set;
     // The branches to be split, each with the last number given before its leaves got theirs: most
     // leaves of a large tree are closed at once, and never made.
     std::vector<std::pair<Branch const*, int>> open;
@@ -279,6 +207,7 @@ void HittingSetTree::grow(Suspects const& conflictSet) {
         growth.meet(branch);
     growth.extendOpen();
     own->branches = std::move(growth.grown);
+    assert(own->hasMet(growth.set));
 }
 
 void HittingSetTree::exonerate(std::vector<MeasureConflicts> const& normalVars) {
@@ -296,6 +225,7 @@ void HittingSetTree::exonerate(std::vector<MeasureConflicts> const& normalVars) 
         return std::any_of(branch.members.begin(), branch.members.end(),
                            [&](int member) { return shown[static_cast<std::size_t>(member)]; });
     });
+    assert(brokenTree(tree) == nullptr);
 }
 
 void HittingSetTree::sortByPreference(Suspects const& softConflicts) {
@@ -309,6 +239,7 @@ void HittingSetTree::sortByPreference(Suspects const& softConflicts) {
         return softInA != softInB ? softInA < softInB : a.members.size() < b.members.size();
     };
     quickSort(tree.branches, 0, static_cast<int>(tree.branches.size()) - 1, isBefore);
+    assert(brokenTree(tree) == nullptr);
 }
 
 std::vector<Leaf> HittingSetTree::leaves() const {

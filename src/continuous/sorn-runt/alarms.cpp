@@ -115,6 +115,7 @@ void sn_resetMs(s_runtime* rt) {
 }
 
 int sn_checkMs(s_runtime* rt, int threshold) {
+    assert(threshold > 0);
     for (s_Variable* measure : rt->measure)
         check(measure, rt->engine->rules, rt->precision, threshold);
     return 1;
@@ -124,7 +125,9 @@ int sn_yieldAlarms(s_runtime* rt) {
     if (rt->measure.empty())
         return 1;
     std::size_t const count = rt->measure.size();
-    assert(rt->lowalarm.size() == count && rt->mesmisb.size() == count);
+    assert(rt->lowalarm.size() == count && rt->highalarm.size() == count);
+    assert(rt->meslowmisb.size() == count && rt->meshighmisb.size() == count);
+    assert(rt->mesmisb.size() == count);
     for (std::size_t i = 0; i < count; ++i) {
         s_Variable const& measure = *rt->measure[i];
         rt->lowalarm[i] = measure.lowalarm;

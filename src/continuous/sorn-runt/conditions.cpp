@@ -5,6 +5,8 @@
 // conditions, and the split of the validity space resolves such intervals.
 #include "continuous/sorn-runt.h"
 
+#include <cassert>
+
 namespace {
 
 // Required: two values that are equal, or one strictly inside the other.
@@ -13,6 +15,7 @@ boolVal insideOrEqual(s_Objet const* value, s_Objet const* space) {
 }
 
 boolVal evalRelation(s_Condition const* condition) {
+    assert(condition->var != nullptr && (condition->var2 != nullptr || condition->value));
     s_Objet const* left = &condition->var->old;
     s_Objet const* right = condition->var2 != nullptr ? &condition->var2->old : &*condition->value;
     switch (condition->op) {
@@ -36,6 +39,7 @@ boolVal evalRelation(s_Condition const* condition) {
 }
 
 boolVal evalExpression(s_Condition const* condition, s_runtime* rt) {
+    assert(condition->var != nullptr && condition->expr != nullptr);
     s_Variable const* variable = condition->var;
     // A copy: the evaluation of the expression must not see the scratch objects.
     s_Objet const left = variable->old.type == OBJ_UNSET ? variable->new_ : variable->old;
@@ -53,17 +57,20 @@ boolVal sn_evalCond(s_Condition* condition, s_runtime* rt) {
         case COND_REL:
             return evalRelation(condition);
         case COND_OR: {
+            assert(condition->left != nullptr && condition->right != nullptr);
             // Both operands are evaluated always.
             boolVal const left = sn_evalCond(condition->left, rt);
             boolVal const right = sn_evalCond(condition->right, rt);
             return left == 1 || right == 1 ? 1 : 0;
         }
         case COND_AND: {
+            assert(condition->left != nullptr && condition->right != nullptr);
             boolVal const left = sn_evalCond(condition->left, rt);
             boolVal const right = sn_evalCond(condition->right, rt);
             return left != 0 && right != 0 ? 1 : 0;
         }
         case COND_NOT:
+            assert(condition->left != nullptr);
             return sn_evalCond(condition->left, rt) == 1 ? 0 : 1;
         case COND_ATOM:
             return condition->val != 0 ? 1 : 0;
@@ -82,6 +89,7 @@ int sn_evalCondExpr(s_Condition* condition, s_runtime* rt) {
                    : 0;
     if (condition->kind != COND_EXPR)
         return 0;
+    assert(condition->expr != nullptr && condition->expr->gvar != nullptr);
     s_Objet value = condition->expr->gvar->value;
     sn_evalSolFunc(rt, condition->expr);
     s_Objet const space = rt->engine->TMP4;

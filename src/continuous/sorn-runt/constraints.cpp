@@ -5,9 +5,12 @@
 // agenda only after a variable that it depends on was narrowed.
 #include "continuous/sorn-runt.h"
 
+#include <cassert>
+
 namespace {
 
 s_Objet operandValue(s_runtime* rt, s_Expr const* operand) {
+    assert(operand != nullptr && (operand->op != EXPR_CONST || operand->gvar != nullptr));
     // Required: an operand that names a variable is read, not evaluated again.
     if (operand->op == EXPR_CONST || operand->gvar != nullptr)
         return operand->gvar->value;
@@ -40,8 +43,10 @@ void combine(int op, s_Objet* left, s_Objet* right) {
 }
 
 s_Objet evaluate(s_runtime* rt, s_Expr const* expr) {
-    if (expr->op == EXPR_CONST || expr->op == EXPR_VAR)
+    if (expr->op == EXPR_CONST || expr->op == EXPR_VAR) {
+        assert(expr->gvar != nullptr);
         return expr->gvar->value;
+    }
     if (expr->op == EXPR_NEG) {
         s_Objet left = operandValue(rt, expr->left);
         sn_minusObjet(&left);
@@ -82,6 +87,7 @@ bool passIsStable(s_runtime* rt) {
         if (!rt->inAc[i])
             continue;
         s_GVar* gvar = rt->gC[i]->gvar;
+        assert(gvar != nullptr);  // a constraint constrains something
         s_Objet* const narrowed = &rt->engine->TMP1;
         sn_putObjet(&gvar->value, narrowed);
         if (narrowByConstraints(rt, gvar) || !sn_inObjet(narrowed, &gvar->value))
@@ -119,6 +125,7 @@ int sn_updateAgenda(s_runtime* rt, s_GVar const* gvar) {
 }
 
 void sn_globalConstraints(s_runtime* rt) {
+    assert(rt->inAc.size() == rt->gC.size());
     sn_fillAgenda(rt);
     for (s_GVar* gvar : rt->gV) {
         if (gvar->kind == GV_VARIABLE)

@@ -20,6 +20,7 @@ std::unique_ptr<Record> clone(Record const& record) {
 // The copy of *record*, which lives in the pool that *pool* is a copy of; null for null.
 template <typename Record>
 Record* counterpart(std::vector<std::unique_ptr<Record>> const& pool, Record const* record) {
+    assert(record == nullptr || static_cast<std::size_t>(record->slot) < pool.size());
     return record == nullptr ? nullptr : pool[static_cast<std::size_t>(record->slot)].get();
 }
 
@@ -163,5 +164,7 @@ std::unique_ptr<s_runtime> sn_copyRuntime(s_runtime const* source, s_engine* eng
     copyInfluences(*source, *copy);
     copyGraph(*source, *copy);
     copyBridge(*source, *copy);
+    // As sound as its source: an incomplete one has a copy of which the same is told.
+    assert(sn_brokenRuntime(copy.get()) == sn_brokenRuntime(source));
     return copy;
 }

@@ -1,4 +1,6 @@
 // One runtime through time: its start, and one cycle of a candidate.
+#include <cassert>
+
 #include "continuous/sorn-runt.h"
 #include "support/memory_watch.h"
 
@@ -35,6 +37,7 @@ int step(s_runtime* rt, bool narrows, bool& invalid) {
 }  // namespace
 
 void sorn_initialize(s_runtime* rt, int global, double precision, char const* diagBuf, int window) {
+    assert(rt->engine != nullptr && sn_brokenRuntime(rt) == nullptr);
     sn_updateDico(rt);
     sn_evalInfluCoefs(rt, rt->Ts);
     sn_enterInputs(rt);
@@ -54,11 +57,13 @@ void sorn_initialize(s_runtime* rt, int global, double precision, char const* di
     rt->diagBuf = diagBuf != nullptr ? diagBuf : "";
     startMisbehaviourWindow(rt, window);
     init_nelder(*rt->engine);
+    assert(sn_brokenRuntime(rt) == nullptr && sn_brokenValues(rt) == nullptr);
 }
 
 // The order is fixed: displays come after the constraints, a reset after the displays, and inputs
 // move from new to old last of all.
 int sorn_doCycle2(s_runtime* rt, int mode) {
+    assert(rt->engine != nullptr && mode >= CYCLE_SIMULATE);
     // Candidates part here: what a copy shared with its source becomes its own.
     watchMemory(rt->engine->host);
     if (mode <= CYCLE_RESET)
@@ -73,6 +78,7 @@ int sorn_doCycle2(s_runtime* rt, int mode) {
     if (mode == CYCLE_RESET)
         sn_resetMs(rt);
     sn_moveInputs(rt);
+    assert(sn_brokenRuntime(rt) == nullptr && sn_brokenValues(rt) == nullptr);
     return invalid ? -1 : failures;
 }
 

@@ -12,6 +12,7 @@
 
 #include <algorithm>
 #include <array>
+#include <cassert>
 
 #include "continuous/sorn-runt.h"
 
@@ -77,6 +78,7 @@ public:
     // TMP1 becomes the hull, and a number when it is one point.
     // Required: its flags stay, also those that it remembers as a number.
     void putInSum(s_engine& engine) const {
+        assert(noted);
         if (lo == hi)
             engine.TMP1 = makeReal(lo);
         else
@@ -194,6 +196,7 @@ s_Objet tenSamplesAhead(s_Objet a1) {
 }  // namespace
 
 void sn_evalDynInfl(s_runtime* rt, s_Influence* influence) {
+    assert(influence->effect != nullptr);
     Previous previous = previousOf(rt, influence->effect);
     if (influence->type == INF_DYNAMIC2)
         evalSecondOrder(rt, influence, previous);

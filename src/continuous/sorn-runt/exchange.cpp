@@ -38,6 +38,7 @@ int verdict(bool allFalse) {
 // Copies the conditions' values out. Returns whether all are false, given that *allFalse* were so
 // far.
 bool yieldCondsOf(s_runtime* rt, bool allFalse) {
+    assert(rt->condout.size() == rt->influ.size());
     for (std::size_t i = 0; i < rt->influ.size(); ++i) {
         s_Condition* condition = rt->influ[i]->cond;
         // What may act counts as acting.
@@ -64,6 +65,7 @@ int sn_enterMeasuresOld(s_runtime* rt) {
 int sn_enterMisbs(s_runtime* rt) {
     if (rt->measure.empty())
         return 1;
+    assert(rt->mesmisb.size() == rt->measure.size());
     bool const given =
         rt->engine->host.misbehaviours(static_cast<int>(rt->measure.size()), rt->mesmisb.data());
     for (std::size_t i = 0; i < rt->measure.size(); ++i)
@@ -74,6 +76,7 @@ int sn_enterMisbs(s_runtime* rt) {
 int sn_enterConds(s_runtime* rt) {
     if (rt->influ.empty())
         return verdict(true);
+    assert(rt->condin.size() == rt->influ.size());
     if (!rt->engine->host.activity(static_cast<int>(rt->influ.size()), rt->condin.data()))
         return 0;
     bool allFalse = true;
@@ -88,6 +91,7 @@ int sn_enterConds(s_runtime* rt) {
 }
 
 int sn_yieldDisplays(s_runtime* rt) {
+    assert(rt->dinfval.size() == rt->display.size() && rt->dsupval.size() == rt->display.size());
     for (std::size_t i = 0; i < rt->display.size(); ++i) {
         rt->dinfval[i] = sn_infOf(rt->display[i]->old);
         rt->dsupval[i] = sn_supOf(rt->display[i]->old);

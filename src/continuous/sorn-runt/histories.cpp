@@ -1,6 +1,8 @@
 // Filling and pushing the histories of values and measures.
 #include "continuous/sorn-runt.h"
 
+#include <cassert>
+
 void sn_fillHisto(s_Variable* variable) {
     variable->histo.fill(variable->old);
 }

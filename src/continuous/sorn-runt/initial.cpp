@@ -1,12 +1,15 @@
 // The first values of a runtime.
 #include "continuous/sorn-runt.h"
 
+#include <cassert>
+
 namespace {
 
 // `defined` while a first value is being computed.
 constexpr int beingDefined = -1;
 
 void setFirstValue(s_Variable* variable, s_Objet const& value) {
+    assert(!variable->isParam);
     sn_putObjet(&value, &variable->old);
     sn_fillHisto(variable);
     variable->defined = 1;
@@ -71,6 +74,7 @@ s_Objet firstValue(s_runtime* rt, s_CGraph const& graph) {
         else if (acts == Truth::OPEN)
             addOpenCauseForInit(rt, influence, graph.kind, &sum);
     }
+    assert(last != nullptr);  // only an effect with causes has a first value from them
     if (graph.kind == INF_INTEGRAL)
         sn_addObjet(&sum, &last->effect->old);
     if (graph.kind == INF_DYNAMIC || graph.kind == INF_DYNAMIC2)
@@ -94,6 +98,7 @@ void sn_compInitVar(s_runtime* rt, s_Variable* variable) {
 }
 
 void sn_initVars(s_runtime* rt) {
+    assert(rt->engine->nrt.empty());
     for (s_InitVar const& initial : rt->init)
         setFirstValue(initial.var, initial.value);
     for (s_Variable* measure : rt->measure)

@@ -1,4 +1,6 @@
 // A runtime as it stood at a past time, rebuilt from its histories.
+#include <cassert>
+
 #include "continuous/sorn-runt.h"
 #include "support/numbers.h"
 #include "support/run_stopped.h"
@@ -9,6 +11,7 @@ namespace {
 // more than half of the history leaves the entries that neither move nor are moved onto.
 template <typename T>
 void shiftBack(History<T>& history, int count, T const& zero) {
+    assert(count > 0);
     if (count <= history.size() - count) {
         history.forgetNewest(count, zero);
         return;
@@ -113,5 +116,6 @@ std::unique_ptr<s_runtime> sn_copyPartialFaultyRt(s_runtime const* source, int f
     }
     for (auto const& variable : copy->dico)
         moveHistory(copy.get(), variable.get(), contTime, curTime);
+    assert(sn_brokenRuntime(copy.get()) == sn_brokenRuntime(source));
     return copy;
 }

@@ -1,5 +1,6 @@
 // Making, finding and clearing records of a runtime.
 #include <algorithm>
+#include <cassert>
 
 #include "continuous/sorn-runt.h"
 
@@ -13,6 +14,7 @@ namespace {
 
 template <typename Record>
 Record* adopt(std::vector<std::unique_ptr<Record>>& pool, std::unique_ptr<Record> record) {
+    assert(record != nullptr);
     record->slot = static_cast<int>(pool.size());
     pool.push_back(std::move(record));
     return pool.back().get();

@@ -30,6 +30,7 @@ struct SearchBox {
         : n(static_cast<int>(size)), start(size), lower(size), upper(size) {}
 
     void fill(int i, s_Objet const& value) {
+        assert(i >= 0 && static_cast<std::size_t>(i) < start.size());
         meanCoef(&value, start.data(), lower.data(), upper.data(), i);
     }
 
@@ -42,7 +43,7 @@ using Parameters = std::array<double, 3>;
 
 // The point where the search ends.
 std::vector<double> searchPoint(s_engine& engine, Nelder_cost cost, SearchBox& box, Parameters& p) {
-    assert(cost != nullptr);
+    assert(cost != nullptr && box.n >= 0 && static_cast<std::size_t>(box.n) <= box.start.size());
     std::vector<double> x = box.start;
     int status = 0;
     Nelder_minimise(engine.host, engine.random, cost, &box.n, x.data(), box.lower.data(),
@@ -265,6 +266,7 @@ void narrowCause(s_Influence* influence, double a, double b) {
 // by the cause that a result was searched for. So a second-order cause gets the result for y(k-1).
 void writeBack(s_CGraph const& graph, s_runtime* rt, std::vector<double> const& low,
                std::vector<double> const& high) {
+    assert(low.size() == high.size());
     std::size_t k = 0;
     for (s_Influence* influence : graph.causes) {
         if (!sn_isActive(influence, rt) || !mayBeNarrowed(rt, influence->cause))
@@ -302,6 +304,7 @@ void call_nelder_obs(s_Variable* variable, s_runtime* rt, s_Objet* prev1, s_Obje
     if (!setUp(kind, graph, rt, prev1, prev2, search))
         return;
     Parameters p = {rt->Ts, LOW_SIDE, 0.0};
+    assert(search.last != nullptr);
     if (!observe(rt, search.last->effect, useMeasure, *result, &p[2]))
         return;
     std::vector<double> const low =

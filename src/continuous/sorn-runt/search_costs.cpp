@@ -5,6 +5,7 @@
 // quadratic penalty of the same weight as the distances from the bounds. Hence a result explains
 // the measure only nearly, and the caller has to test it.
 
+#include <cassert>
 #include <cmath>
 
 #include "continuous/search.h"
@@ -35,6 +36,7 @@ double const* boundsOfSide(double const* lower, double const* upper, double cons
 // coefficients: that is what makes its extremes tighter than those of independent coefficients.
 double opti_second_order(int*, double* x, double*, double*, double* p, int*, int*, int* status) {
     double const Ts = p[0];
+    assert(p[1] == LOW_SIDE || p[1] == HIGH_SIDE);
     double const alpha = x[AT_D1] / (2 * x[AT_D2]);
     double const beta = std::sqrt(x[AT_D0] / x[AT_D2] - alpha * alpha);
     double const E = std::exp(-alpha * Ts);
@@ -69,6 +71,7 @@ double opti_static_obs(int* n, double* x, double* lower, double* upper, double* 
                        int* status) {
     double const* bounds = boundsOfSide(lower, upper, p);
     double sum = 0.0, acc = 0.0;
+    assert(*n % 2 == 0);  // pairs of a value and its coefficient
     for (int i = 0; i < *n; i += 2) {
         sum += square(x[i] - bounds[i]);
         acc -= x[i + 1] * x[i];

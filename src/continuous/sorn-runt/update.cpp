@@ -1,5 +1,6 @@
 // Updating a variable from its causes, and what a cause is worth at a delay.
 #include <algorithm>
+#include <cassert>
 
 #include "continuous/sorn-runt.h"
 
@@ -7,6 +8,7 @@ namespace {
 
 // Makes *value* the newest entry; a history of length 0 holds its one entry all the same.
 void pushCondHisto(s_Influence* influence, boolVal value) {
+    assert(influence->cond != nullptr && (value == 0 || value == 1));
     auto& history = influence->condHisto;
     std::size_t const needed = static_cast<std::size_t>(std::max(influence->condHistoLn, 1));
     if (history.size() < needed)
@@ -26,6 +28,7 @@ void pushCondValue(s_Influence* influence, boolVal value) {
 s_Objet const& entryAt(History<s_Objet> const& history, int i, s_Objet const& without) {
     if (history.size() == 0)
         return without;
+    assert(i >= 0);
     return history[std::min(i, history.size() - 1)];
 }
 
@@ -116,6 +119,7 @@ void updateIntegral(s_runtime* rt, s_Variable* variable) {
 void updateStatic(s_runtime* rt, s_Variable* variable) {
     s_engine& engine = *rt->engine;
     s_Influence const* last = addCauses(rt, variable, &s_Influence::b1);
+    assert(last != nullptr);
     if (engine.env_opti && last->useOpti && sn_isTrusted(rt, variable) &&
         sn_mayBeSearched(*variable->graph, rt))
         call_nelder_obs(variable, rt, &variable->mes, nullptr, &engine.TMP1, INF_STATIC, true);
@@ -147,6 +151,7 @@ void updateSecondOrder(s_runtime* rt, s_Variable* variable) {
         sn_loadCauseValue(rt, influence);
         addSecondOrder(engine, influence, acts);
     }
+    assert(last != nullptr && last->effect == variable);
     sn_evalDynInfl(rt, last);
 }
 
@@ -184,6 +189,7 @@ void sn_coverNothing(s_Objet* value) {
 }
 
 void sn_loadCauseValue(s_runtime* rt, s_Influence* influence) {
+    assert(influence->cause != nullptr && influence->delayMin <= influence->delayMax);
     if (rt->engine->rules.narrow && !isOnlyMeasured(rt, influence->cause))
         return sn_loadPredicted(rt, influence);
     s_engine& engine = *rt->engine;

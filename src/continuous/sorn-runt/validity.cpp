@@ -8,6 +8,8 @@
 //
 // TMP1 holds the narrowed value through one pass and must survive everything called there; only
 // TMP4 may be overwritten.
+#include <algorithm>
+#include <cassert>
 #include <queue>
 
 #include "continuous/bridge.h"
@@ -18,6 +20,7 @@
 namespace {
 
 s_Condition* conditionAt(s_runtime* rt, int index) {
+    assert(index >= 0 && static_cast<std::size_t>(index) < rt->condi.size());
     return rt->condi[static_cast<std::size_t>(index)];
 }
 
@@ -73,6 +76,7 @@ std::unique_ptr<s_runtime> copyForPiece(s_runtime const* rt, s_Objet const& piec
     std::unique_ptr<s_runtime> owned = sn_copyRuntime(rt);
     s_runtime* copy = owned.get();
     s_GVar* gvar = copy->aC[index]->gvar;
+    assert(gvar != nullptr && isValue(piece));
     std::vector<s_Condition*> const left = sn_findCondCover(gvar, copy);
     sn_putObjet(&piece, &gvar->value);
     takeOut(copy, left);
@@ -189,11 +193,15 @@ void storeValues(s_runtime* rt) {
 // Entering it into nrt comes last: until then the part belongs to whoever made it. False when it
 // is dropped.
 bool settlePart(s_runtime* rt, Pending& pending) {
+    assert(rt->ccAgenda.size() == rt->aC.size() && rt->valSpc.size() == rt->aC.size());
     Split split{rt, &pending};
     if (!isCovered(rt, [&split] { settle(split); }))
         return false;
     storeValues(rt);
     sn_yieldDisplays(rt);
+    // What is in force lies in its space, and nothing waits to be applied.
+    assert(std::count(rt->ccAgenda.begin(), rt->ccAgenda.end(), 0) ==
+           static_cast<std::ptrdiff_t>(rt->ccAgenda.size()));
     rt->engine->nrt.insert({rt->num, rt});
     return true;
 }

@@ -1,5 +1,6 @@
 // Conflicts between the transitions of a history and the labels of its states.
 #include <algorithm>
+#include <cassert>
 
 #include "model/labels.h"
 #include "reasoning/Diagnoser.h"
@@ -20,6 +21,7 @@ void addEffectConflicts(Trajectory const* trajectory, int t, Transition const* t
             continue;
         int position = t;  // when nothing stands before
         trajectory->getElt(atom->getId(), t - 1, 0, position);
+        assert(position <= t);
         conflicts[atom->getId()] = disConflict(element, position);
     }
 }
@@ -32,6 +34,7 @@ void addGuardConflicts(Trajectory const* trajectory, int t, Transition const* tr
     for (auto const& [key, atom] : transition->pre->getAllSignedAtoms()) {
         int position = 0;
         TrajEl* element = trajectory->getElt(atom->getId(), t - 1, 0, position);
+        assert(element == nullptr || position < t);
         if (element != nullptr && element->isLabelled(key ? labelFalse : labelTrue))
             conflicts[atom->getId()] = disConflict(element, position, key);
     }
@@ -40,6 +43,7 @@ void addGuardConflicts(Trajectory const* trajectory, int t, Transition const* tr
 }  // namespace
 
 ConflictSet Diagnoser::getConflicts(Trajectory* trajectory, int t, bool post) {
+    assert(trajectory != nullptr && t >= 0);
     showHeading(err, post ? "effects" : "guards", t);
     ConflictSet conflicts;
     std::vector<Transition const*> seen;

@@ -1,6 +1,8 @@
 // A history in which another transition was taken: its guard asserted at one step, its effect at a
 // later one.
 
+#include <cassert>
+
 #include "model/StateVar.h"
 #include "model/labels.h"
 #include "reasoning/Diagnoser.h"
@@ -17,6 +19,7 @@ void lockChanged(ItmsResults const& results) {
 
 void requireComponent(Trajectory* trajectory, State* state, Transition const* transition, int t,
                       bool idle) {
+    assert(transition->modeVar != nullptr && transition->modeVar->getComp() != nullptr);
     Comp* comp = transition->modeVar->getComp();
     if (state->comps.count(comp->getName()) == 0)
         trajectory->addComp(comp, state, t, idle, false);
@@ -45,6 +48,7 @@ std::unique_ptr<Trajectory> combine(Trajectory const* trajectory, likelyTransiti
     if (!history->transByTime)
         history->transByTime.emplace();
     history->transByTime->insert({t, candidate.transition});
+    assert(history->brokenInvariant() == nullptr && history->rank >= 0.0);
     return history;
 }
 
@@ -92,6 +96,8 @@ ItmsResults Diagnoser::settleEffect(likelyTransition const& candidate, Trajector
 void Diagnoser::constructSuccessors(likelyTransition const& candidate, Trajectory* trajectory,
                                     int t, TrajectoryMap& successors, double rank) {
     int const start = candidate.startStep;
+    assert(trajectory->getState(start) != nullptr && trajectory->getState(t) != nullptr &&
+           start <= t);
     auto guardState = std::make_unique<State>(trajectory->getState(start), true);
     auto effectState = std::make_unique<State>(trajectory->getState(t), true);
     requireComponent(trajectory, guardState.get(), candidate.transition, start, true);

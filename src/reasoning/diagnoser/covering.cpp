@@ -20,6 +20,7 @@ bool isAtStart(Trajectory const& trajectory, int step) {
 // back.
 bool Diagnoser::stepBack(Round& round, std::unique_ptr<Trajectory>& current,
                          TrajectoryMap& results) {
+    assert(current != nullptr);
     int const step = current->stepCount;
     if (current->getState(step) == nullptr) {
         // The step has left the window, and nothing can be explained there.
@@ -86,6 +87,7 @@ TrajectoryMap Diagnoser::coverTrack3(std::unique_ptr<Trajectory> trajectory, dou
     transitions_checked = 0;
     trajectories_checked = 0;
     double coverSum = 0.0;
+    assert(trajectory != nullptr && redux_diag.empty());
     int const t = trajectory->getCurrentTime();
     TrajectoryMap results;
     double rank = fromRank;

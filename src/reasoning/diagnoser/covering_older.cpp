@@ -3,6 +3,7 @@
 //
 // It goes back to step 1 and not to the start of the window, so it finds nothing once the window
 // has moved. Every history that comes to step 1 is a result of the first rank that has any.
+#include <cassert>
 #include <ctime>
 #include <stack>
 

@@ -1,5 +1,7 @@
 // Inserting observations into the last state of a history.
 
+#include <cassert>
+
 #include "model/labels.h"
 #include "reasoning/Diagnoser.h"
 
@@ -12,6 +14,7 @@ std::unique_ptr<State> Diagnoser::observedCopy(State const* state) {
 
 void Diagnoser::noteChanged(ItmsRes const& result) {
     State* state = result.state.get();
+    assert(state != nullptr && state->observed);
     for (auto const& entry : result.already_changed)
         if (entry.second->isLabelled(labelFalse))
             state->observations.push_back(entry.second->atom);
@@ -25,6 +28,7 @@ namespace {
 // led into this step count once; they stood in the state that is replaced.
 std::unique_ptr<Trajectory> withState(Trajectory const* trajectory, int t,
                                       std::unique_ptr<State> outcome) {
+    assert(outcome != nullptr);
     auto history = std::make_unique<Trajectory>(trajectory, t);
     if (history->book.rules.histories)
         history->rank -= history->getStateRank(trajectory->getState(t));

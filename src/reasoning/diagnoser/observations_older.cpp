@@ -1,6 +1,8 @@
 // The older insertion of observations: every atom counts as seen, and nothing is normalised.
 // Nothing calls it; results of both forms can be compared.
 
+#include <cassert>
+
 #include "model/labels.h"
 #include "reasoning/Diagnoser.h"
 

@@ -2,6 +2,7 @@
 //
 // One call expands the conflicts of one variable; the successors deal with the rest, recursively.
 #include <algorithm>
+#include <cassert>
 
 #include "model/StateVar.h"
 #include "model/labels.h"
@@ -58,6 +59,7 @@ void Diagnoser::tellTransition(Transition const* transition) {
 
 void Diagnoser::addResult(std::unique_ptr<Trajectory> trajectory, TrajectoryMap& results,
                           double& sum) {
+    assert(trajectory != nullptr && trajectory->getLastState() != nullptr);
     trajectory->updateStatesProb();
     double const proba = trajectory->getLastState()->proba;
     sum += proba;
@@ -68,6 +70,7 @@ void Diagnoser::addResult(std::unique_ptr<Trajectory> trajectory, TrajectoryMap&
 bool Diagnoser::isGuardRefused(Selection const& selection, disConflict const& conflict,
                                Transition const* transition) {
     Trajectory* trajectory = selection.trajectory;
+    assert(transition->pre != nullptr);
     StateSite const site{trajectory->getState(conflict.position), trajectory,
                          conflict.position + 1};
     for (auto const& [key, atom] : transition->pre->getAllSignedAtoms()) {
@@ -88,6 +91,7 @@ bool Diagnoser::isGuardRefused(Selection const& selection, disConflict const& co
 
 // An atom of the effect is held at false. Required: the sign of the literal is not looked at.
 bool Diagnoser::isEffectRefused(Selection const& selection, Transition const* transition) {
+    assert(transition->post != nullptr && selection.now() != nullptr);
     StateSite const site{selection.now(), selection.trajectory, selection.t + 1};
     for (Atom const* atom : transition->post->getAllAtoms()) {
         TrajEl const* effect = getElt(atom->getId(), site, true);
@@ -169,6 +173,7 @@ bool Diagnoser::tryConflict(Selection& selection, disConflict const& conflict) {
     TrajEl* element = conflict.element;
     State const* where =
         selection.post ? selection.now() : selection.trajectory->getState(conflict.position);
+    assert(where != nullptr && conflict.position <= selection.t);
     bool tried = false;
     for (Atom const* atom : element->getStateVar()->getAtomLinks()) {
         TrajEl const* through = where->getElt(atom->getId());
@@ -202,6 +207,7 @@ void Diagnoser::selectTransitions(Selection& selection, ConflictSet const& confl
 void Diagnoser::recurse(std::unique_ptr<Trajectory> successor, Selection const& selection,
                         TrajectoryMap& finals) {
     int const t = selection.t;
+    assert(selection.lastVar != nullptr);
     int next = 0;
     if (successor->getCurrentTime() != t) {
         next = successor->getNext(selection.lastVar, t);
@@ -234,6 +240,7 @@ void Diagnoser::recurse(std::unique_ptr<Trajectory> successor, Selection const& 
 void Diagnoser::immediateSuccessors(ConflictSet const& conflicts,
                                     std::unique_ptr<Trajectory> trajectory, int t, double rank,
                                     TrajectoryMap& finals, bool post) {
+    assert(!conflicts.empty() && trajectory->getState(t) != nullptr);
     Selection selection{trajectory.get(), t, rank, post, {}, {}, nullptr, nullptr};
     selectTransitions(selection, conflicts);
     transitions_checked += static_cast<unsigned>(selection.candidates.size());

@@ -5,6 +5,7 @@
 // value is retracted. The first branch goes on in the caller's loop; the others wait on the agenda.
 // What bounds the search: locks, the elements changed already on the branch, and the rank that a
 // history may reach.
+#include <cassert>
 #include <optional>
 
 #include "model/labels.h"
@@ -101,6 +102,7 @@ void noteFailure(TrajEl const* flipped, State* state) {
 }
 
 void flip(std::ostream& out, TrajEl* element, ItmsRes& branch) {
+    assert(!element->isLabelled(labelUnknown));
     char const* label = element->isLabelled(labelFalse) ? labelTrue : labelFalse;
     out << "[propagateThroughConflict] --> clause to be added :\n";
     element->showAtom(out, true);
@@ -131,6 +133,8 @@ std::unique_ptr<ItmsRes> makeBranch(TrajEl const* candidate, Implicate const& im
     branch->already_changed = itms::copyState(conflict.res.already_changed, branch->state.get());
     StateSite const site{branch->state.get(), conflict.trajectory, conflict.timestep};
     TrajEl* flipped = engine.getElt(candidate->getId(), site);
+    assert(flipped != nullptr && flipped != candidate && flipped->eq(*candidate));
+    assert(branch->already_changed.count(flipped->getId()) == 0);  // once on a branch
     if (!applyImplicate(implicate, flipped, *branch, conflict, engine))
         return nullptr;
     noteFailure(flipped, branch->state.get());
@@ -141,6 +145,7 @@ std::unique_ptr<ItmsRes> makeBranch(TrajEl const* candidate, Implicate const& im
     branch->focus = branch->already_changed;
     engine.resupportDependence(flipped, branch->focus, site);
     retractConsequences(flipped, *branch, site, engine);
+    assert(itms::brokenSupports(*branch->state) == nullptr);
     return branch;
 }
 
@@ -172,6 +177,7 @@ std::unique_ptr<ItmsRes> itms::propagateThroughConflict(Clause* clause,
                                                         std::unique_ptr<ItmsRes> res,
                                                         Agenda& agenda, SearchLimits const& limits,
                                                         Trajectory* trajectory, int timestep) {
+    assert(res != nullptr && isViolated(clause, {res->state.get(), trajectory, timestep}));
     out << "[propagateThroughConflict] --> conflict :\n";
     clause->showClause(out, true);
     Conflict const conflict{clause, *res, limits, trajectory, timestep};

@@ -1,4 +1,5 @@
 // Asserting propositions, finding violated clauses, re-supporting and retracting elements.
+#include <cassert>
 #include <ctime>
 
 #include "model/CommandVar.h"
@@ -26,6 +27,7 @@ bool assertProposition(bool value, TrajEl* element, ItmsRes& res, double maxRank
         return false;
     if (isForbiddenCommand(element))
         return false;
+    assert(res.state->getElt(element->getId()) == element);  // of this very state
     element->setLabel(value ? labelTrue : labelFalse);
     res.already_changed[element->getId()] = element;
     return true;
@@ -40,6 +42,7 @@ double projectedRank(Trajectory const* trajectory, State const* state) {
 ItmsResults itms::addPropositions(SignedElements const& props, std::unique_ptr<State>& state,
                                   SearchLimits const& limits, Trajectory* trajectory, int timestep,
                                   bool keep) {
+    assert(state != nullptr && trajectory != nullptr && timestep >= trajectory->firstTime);
     std::vector<char const*> ids;
     std::clock_t const start = std::clock();
     if (keep)
@@ -142,4 +145,5 @@ void itms::deleteClause(TrajEl* element, std::vector<TrajEl*>& list, StateSite c
             list.insert(list.end(), retracted.begin(), retracted.end());
     }
     element->consequences.clear();
+    assert(element->support == nullptr && element->isLabelled(labelUnknown));
 }

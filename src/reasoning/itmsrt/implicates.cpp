@@ -1,4 +1,5 @@
 // Reading the file of prime implicates.
+#include <cassert>
 #include <optional>
 #include <sstream>
 

@@ -5,11 +5,13 @@
 // initial state can be given a new support; and a conflict does not change an element twice on a
 // branch. So the numbers along a chain of supports rise strictly.
 #include <algorithm>
+#include <cassert>
 
 #include "model/labels.h"
 #include "reasoning/itmsrt.h"
 
 TrajEl* itms::getElt(char const* id, StateSite const& site, bool withIdle) {
+    assert(site.state != nullptr && site.trajectory != nullptr);
     if (TrajEl* present = site.state->getElt(id))
         return present;
     TrajEl const* earlier = site.trajectory->getElt(id, site.timestep, -1);
@@ -30,6 +32,7 @@ int itms::maxPropagationNumber(Clause const* clause, StateSite const& site) {
 
 bool itms::isResupportable(TrajEl const* element, Clause const* clause, bool sign,
                            StateSite const& site) {
+    assert(element->isLabelled(labelUnknown));
     for (auto const& [key, atom] : clause->atoms) {
         if (atom == element->atom) {
             if (key != sign)
@@ -62,6 +65,9 @@ void itms::removeFromSupport(TrajEl* element, StateSite const& site) {
 
 void itms::setSupport(Clause* clause, TrajEl* element, StateSite const& site) {
     removeFromSupport(element, site);
+    assert(clause->atoms.end() !=
+           std::find_if(clause->atoms.begin(), clause->atoms.end(),
+                        [element](auto const& l) { return l.second == element->atom; }));
     element->support = clause;
     for (auto const& literal : clause->atoms) {
         TrajEl* other = site.state->getElt(literal.second->getId());

@@ -1,6 +1,7 @@
 // Post probabilities of transitions, the entropy that ranks the candidates of a conflict, and the
 // rough likelihood of observations.
 #include <algorithm>
+#include <cassert>
 #include <cmath>
 
 #include "model/CommandVar.h"
@@ -17,6 +18,7 @@ void itms::sortPostProbs(State* state) {
     state->sortedPostProbs.clear();
     for (auto const& [id, probability] : state->postProbs)
         state->sortedPostProbs.insert({probability, id});
+    assert(state->sortedPostProbs.size() == state->postProbs.size());
 }
 
 namespace {
@@ -57,6 +59,7 @@ Learnt learn(State const* state, bool guarded, Chance chance) {
         (*learnt.table)[transition->id] = joint;
         learnt.mass += joint;
     });
+    assert(!(learnt.mass < 0.0));
     if (guarded && learnt.mass == 0.0) {
         forEachWeighted(state, [&](Transition const* transition, double weight) {
             (*learnt.table)[transition->id] = weight;
@@ -71,6 +74,7 @@ Learnt learn(State const* state, bool guarded, Chance chance) {
 }  // namespace
 
 double itms::entropy(StateVar const* variable, State* state) {
+    assert(variable != nullptr);
     double total = 0.0;
     for (Atom const* atom : variable->getAtomLinks()) {
         Learnt const learnt = learn(state, rules.likelihood, [&](Transition const* transition) {
@@ -97,6 +101,7 @@ double itms::computeCondProbRough(Atom const* atom, Transition const* transition
         transition->post ? transition->post->getAllSignedAtoms() : SignedAtoms{};
     if (checkInImportedComps(atom, effect))
         return checkInOpposites(atom, effect) ? 1.0 : 0.0;
+    assert(!atom->getSiblings().empty());
     return 1.0 / static_cast<double>(atom->getSiblings().size());
 }
 
@@ -178,6 +183,7 @@ double itms::probaCondObsAtom(Atom* atom, std::vector<Atom*> const& observed) {
     std::vector<Atom*> const predicted = predictedAtoms(atom, {});
     auto const met = std::count_if(predicted.begin(), predicted.end(),
                                    [&](Atom* member) { return inVector(member, &observed); });
+    assert(!observed.empty());
     return static_cast<double>(met) / static_cast<double>(observed.size());
 }
 

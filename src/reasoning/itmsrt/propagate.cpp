@@ -5,6 +5,8 @@
 // elements in the focus are checked again, and unit clauses are looked for only among the clauses
 // of retracted elements: the whole clause base is never scanned.
 
+#include <cassert>
+
 #include "model/labels.h"
 #include "reasoning/itmsrt.h"
 #include "support/memory_watch.h"
@@ -46,6 +48,7 @@ Clause* itms::getFirstUnitClause(StateSite const& site) {
 // support nor a number, so that a retraction does not reach it.
 void itms::propagateClause(Clause const* clause, StateSite const& site) {
     TrajEl* unknown = getUnknown(clause, site);
+    assert(unknown != nullptr);  // the clause is unit
     out << "[propagateClause] --> propagating (setting to true) :\n";
     unknown->showAtom(out, true);
     unknown->setLabel(labelTrue);
@@ -84,6 +87,7 @@ std::unique_ptr<ItmsRes> itms::settleBranch(std::unique_ptr<ItmsRes> cur, Agenda
 
 void itms::finishBranch(std::unique_ptr<ItmsRes> cur, ItmsResults& results, Agenda const& agenda,
                         Trajectory* trajectory, int timestep) {
+    assert(cur->conflicts.empty() && brokenSupports(*cur->state) == nullptr);
     sortPostProbs(cur->state.get());
     if (cur->state->observed && rules.likelihood)
         computeObsLikelihood(siteOf(*cur, trajectory, timestep));
@@ -96,6 +100,7 @@ void itms::finishBranch(std::unique_ptr<ItmsRes> cur, ItmsResults& results, Agen
 
 void itms::unitPropagate(std::unique_ptr<ItmsRes> branch, ItmsResults& results,
                          SearchLimits const& limits, Trajectory* trajectory, int timestep) {
+    assert(branch != nullptr && branch->conflicts.empty() && branch->deleted.empty());
     StateSite const site = siteOf(*branch, trajectory, timestep);
     for (auto const& entry : branch->already_changed)
         resupportDependence(entry.second, branch->focus, site);

@@ -4,6 +4,8 @@
 // atoms, links atoms and components both ways, marks dead ends and sets the first labels. After it
 // the transition ids are stable keys.
 
+#include <cassert>
+
 #include "model/CommandVar.h"
 #include "model/StateVar.h"
 #include "model/labels.h"
@@ -25,6 +27,7 @@ void collectAtoms(std::vector<Clause*> const& clauses, AtomIds& ids) {
 }  // namespace
 
 void itms::rtInit() {
+    assert(stateVars.empty() && active_trans.empty());  // once in the life of a plant
     int id = 0;
     for (auto const& entry : active_comps) {
         if (entry.second == nullptr)
@@ -49,6 +52,7 @@ void itms::linkAtoms(Comp* comp) {
             atom->comps[comp->getName()] = comp;
             deadEndAtom(atom);
         }
+    assert(comp->brokenInvariant() == nullptr && comp->brokenLinks() == nullptr);
 }
 
 string_map<Atom*> itms::loadAtoms(std::vector<std::unique_ptr<Clause>> const& clauses) const {
@@ -70,6 +74,7 @@ bool itms::guardHasCommand(Transition const& transition) {
 }
 
 void itms::numberTransition(Transition* transition, Comp const& comp, int id) {
+    assert(active_trans.count(id) == 0 && !comp.transitions.empty());
     transition->setID(id);
     building().active_trans[id] = transition;
     transition->weight = transition->proba / static_cast<double>(comp.transitions.size());
@@ -130,6 +135,7 @@ void itms::initialize() {
             continue;
         atom->set();
         atom->propagationNumber = initialPropagation;
+        assert(atom->brokenInvariant() == nullptr);
     }
 }
 

@@ -1,5 +1,6 @@
 // Membership tests and copies of the engine's tables.
 #include <algorithm>
+#include <cassert>
 #include <cstring>
 
 #include "model/StateVar.h"
@@ -44,6 +45,8 @@ ElementTable itms::copyState(ElementTable const& table, State const* state) {
     ElementTable copy;
     for (auto const& entry : table)
         copy[entry.first] = state->getElt(entry.first);
+    assert(std::all_of(copy.begin(), copy.end(),
+                       [](auto const& entry) { return entry.second != nullptr; }));
     return copy;
 }
 

@@ -1,4 +1,5 @@
 // From one misbehaving candidate and what was seen to the histories that explain it.
+#include <cassert>
 #include <ctime>
 
 #include "reasoning/Scheduler.h"
@@ -17,6 +18,7 @@ double secondsSince(std::clock_t start) {
 
 TrajectoryMap Scheduler::Diagnose(Trajectory* traj, Observations const& observations) {
     std::clock_t const start = std::clock();
+    assert(traj->brokenInvariant() == nullptr);
     bound = traj->rank;
     int const t = traj->getCurrentTime();
     auto copy = std::make_unique<Trajectory>(traj, t + 1);

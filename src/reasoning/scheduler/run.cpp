@@ -4,6 +4,7 @@
 // state. An observation step keeps the trajectories that agree with what was seen; when none does,
 // the covering search looks for the histories of least failure that do.
 #include <algorithm>
+#include <cassert>
 #include <ctime>
 
 #include "model/StateVar.h"
@@ -72,6 +73,7 @@ void Scheduler::beginSteps() {
 
 bool Scheduler::step(scenarEvent& event) {
     announceStep(event);
+    assert(discretemdl);  // beginSteps has made ready
     bool searched = false;
     if (event.isCommand)
         commandStep(event);
@@ -163,6 +165,7 @@ TrajectoryMap Scheduler::explainedBy(Observations const& observations, ElapsedTi
 
 void Scheduler::keepSurvivors(TrajectoryMap survivors, double sum) {
     for (auto& entry : survivors) {
+        assert(!(entry.first > sum));
         double const proba = entry.first / sum;
         entry.second->proba = proba;
         err << "normalized proba after inserting obs : " << proba << "\n";
@@ -201,6 +204,7 @@ bool Scheduler::observationStep(scenarEvent const& event) {
 void Scheduler::diagnose(std::unique_ptr<Trajectory> refuted, Observations const& observations) {
     err << "---------> Diagnosing...\n";
     Trajectory const further(refuted.get(), refuted->getCurrentTime() + 1);
+    assert(tracked_traj.empty());  // what was refuted has gone
     double const highest = refuted->rank + rankMargin;
     tracked_traj = coverTrack3(std::move(refuted), bound + 1.0, highest, observations, bound);
 }

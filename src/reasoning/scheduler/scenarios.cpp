@@ -4,6 +4,7 @@
 // one line by line, during a discrete run. Tokens are separated by blanks and line ends alone.
 #include <algorithm>
 #include <array>
+#include <cassert>
 #include <cstdlib>
 #include <cstring>
 #include <optional>
@@ -33,6 +34,7 @@ bool nextLine(std::istream& file, Line& line) {
         if (c == '\n')
             break;
     }
+    assert(length < lineSize);
     line[length] = '\0';
     return length > 0;
 }
@@ -151,6 +153,7 @@ std::unique_ptr<scenarEvent> Scheduler::readFromScenario() {
 }
 
 void Scheduler::addCommandEvent(Atom* atom, int when) {
+    assert(atom != nullptr && atom->getVarType() == typeCommand);
     double key = when;
     for (;; key += 1.0) {
         auto& event = scenario[key];

@@ -1,4 +1,6 @@
 // Construction and reset of the scheduler.
+#include <cassert>
+
 #include "reasoning/Scheduler.h"
 
 #include "support/run_stopped.h"

@@ -3,6 +3,7 @@
 // Commands are asserted in the current state; the transitions that they trigger, and those that the
 // settled elements trigger, fire into the next state. Only the first result of each propagation is
 // followed, and only transitions reachable from what changed are examined, never all of the model.
+#include <cassert>
 #include <optional>
 #include <utility>
 
@@ -29,6 +30,7 @@ void reportNoState(std::ostream& err) {
 
 // Of a list of results that is not empty, the first alone is followed.
 std::unique_ptr<ItmsRes> firstOf(ItmsResults& results) {
+    assert(!results.empty() && results.front() != nullptr);
     return std::move(results.front());
 }
 
@@ -51,6 +53,7 @@ struct Scheduler::NominalStep {
 void Scheduler::constructNextNominalStateLarge(Trajectory* traj, std::vector<Atom*>& commands,
                                                bool keepUnlocked, PendingTransitions& pending) {
     int const t = traj->getCurrentTime();
+    assert(traj->getState(t) != nullptr);
     NominalStep step{traj, t, commands, keepUnlocked, pending, nullptr, nullptr, {}};
     traj->addState(t + 1, std::make_unique<State>(book));
     step.next = traj->takeState(t + 1);
@@ -75,6 +78,7 @@ void Scheduler::constructNextNominalStateLarge(Trajectory* traj, std::vector<Ato
 void Scheduler::assertPendingCommands(NominalStep& step) {
     for (auto const& entry : step.pending) {
         Atom* command = entry.second.command;
+        assert(command != nullptr && command->getVarType() == typeCommand);
         StateSite const site{step.current(), step.traj, step.t};
         if (TrajEl* element = getElt(command->getId(), site))
             lockTrajElsPerm(element, step.current());
@@ -135,6 +139,7 @@ void Scheduler::endPendingTransitions(NominalStep& step) {
 
 // With nothing in the next state no transition fired, and the trajectory stays where it was.
 void Scheduler::closeStep(NominalStep& step) {
+    assert(step.next != nullptr && step.current() != nullptr);
     bool const fired = !step.next->elts.empty();
     if (fired) {
         noteUnknown(step.next.get());
@@ -143,6 +148,7 @@ void Scheduler::closeStep(NominalStep& step) {
     } else {
         step.traj->putState(step.t + 1, std::move(step.next));
         step.traj->removeLastState();
+        assert(step.traj->getCurrentTime() == step.t);
     }
 }
 
@@ -259,6 +265,7 @@ bool Scheduler::fireDelayedEffects(Firing& firing) {
     Takeback const takeback(firing);
     Transition* transition = firing.transition;
     for (auto const& [delay, formula] : *transition->posts) {
+        assert(delay != noDelay && formula != nullptr);
         if (!fireEffect(firing, formula, delay)) {
             takeback.apply(firing);
             return false;
@@ -277,6 +284,8 @@ void Scheduler::triggerTransition(Transition* transition, State* current,
                                   PendingTransitions& pending, int now) {
     if (!transition->post && !transition->posts)
         return;
+    assert(current != nullptr && next != nullptr && transition->pre != nullptr);
+    assert(discretemdl || runtime != nullptr);
     std::unique_ptr<State> before = exactCopy(next.get());
     BridgeAtoms conditions;
     if (!discretemdl) {
@@ -295,6 +304,7 @@ void Scheduler::triggerTransition(Transition* transition, State* current,
     }
     next = std::move(before);
     if (!discretemdl) {
+        assert(!runtime->bridgeTrans.empty() && runtime->bridgeTrans.back() == transition);
         runtime->bridgeTrans.pop_back();  // it did not fire
         runtime->bridgeConds = std::move(conditions);
     }
@@ -302,12 +312,15 @@ void Scheduler::triggerTransition(Transition* transition, State* current,
 
 void Scheduler::addBridgeConditions(ElementTable const& table) {
     for (auto const& entry : table)
-        if (entry.second->atom->bridged)
+        if (entry.second->atom->bridged) {
+            assert(runtime != nullptr);
             addBridgeCond(entry.second->atom, entry.second->isLabelled(labelTrue), runtime);
+        }
 }
 
 int Scheduler::syncPreviousState(Trajectory* traj) {
     State const* last = traj->getLastState();
+    assert(last != nullptr);
     if (last->elts.empty() || !last->locked)
         return 0;
     traj->addState(traj->getCurrentTime() + 1, std::make_unique<State>(book));
@@ -320,6 +333,7 @@ int Scheduler::syncPreviousState(Trajectory* traj) {
 void Scheduler::takeBackEmptyState(Trajectory* traj) {
     if (!traj->getLastState()->elts.empty())
         return;
+    assert(!traj->timeCorr.empty() && traj->timeCorr.back().first == traj->getCurrentTime());
     traj->removeLastState();
     traj->timeCorr.pop_back();
 }
@@ -327,6 +341,7 @@ void Scheduler::takeBackEmptyState(Trajectory* traj) {
 void Scheduler::addContEvents(Trajectory* traj) {
     int const t = traj->getCurrentTime();
     StateSite const site{traj->getState(t), traj, t};
+    assert(site.state != nullptr);
     SignedElements props;
     for (auto const& [sign, atom] : contEvents) {
         TrajEl* element = getElt(atom->getId(), site);
@@ -392,6 +407,7 @@ void Scheduler::doCycle(Trajectory* traj, s_runtime* rt, double when) {
         contCommands.clear();
     }
     weighSteps(traj, before);
+    assert(traj->brokenInvariant() == nullptr && contEvents.empty());
     if (rt != nullptr)
         rt->tStart = traj->getCurrentTime();
 }
