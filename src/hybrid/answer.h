@@ -15,6 +15,9 @@ struct Move {
 // The moves of a history, idle ones left out, and those that a later turn of the search has
 // replaced. In the order of their steps.
 std::vector<Move> movesOf(Trajectory const& history);
+// Makes what earlier searches put into the history, and is still taken, a part of it: what
+// transByTime holds from here on is new.
+void settleMoves(Trajectory& history);
 // The value that the newest state with this variable holds; null when none does.
 Atom const* valueOf(Trajectory const& history, StateVar const& variable);
 // Whether the history ends in an unknown mode.

@@ -23,14 +23,25 @@
 // true one and lies within the window, and then it is never dropped but by the same check that
 // raises alarms; the union covers it.
 //
-// An explanation without a failure keeps its classic replay. When no date of any explanation
-// agrees, the explanations are followed from the steps where the search placed them.
+// Of several new failures the first is tried at every date; the others come where the search placed
+// them, or with the first where that is later, and so do earlier diagnosed failures of the
+// candidate that a start goes back behind. A start from which a state is reached in which a run
+// cannot go on is no date either.
+//
+// An explanation without a failure is a history that the run has followed, and lost, already. Only
+// when no date of any explanation agrees is it followed, as the others then are, from the step
+// where the search placed it.
 #pragma once
 
 #include "hybrid/tavro-runt.h"
 
-// Replaces the candidates *found*, explanations of the misbehaving *candidate*, by what they come
-// to from every date that agrees with the measures, in *out*.
+// What one diagnosis may spend, in cycles of one candidate: some seconds. The dates that are left
+// out when it is spent are the earliest, since a failure is mostly noticed soon.
+constexpr int cyclesOfOneDiagnosis = 60000;
+
+// Replaces the candidates *found*, explanations of the misbehaving *candidate* that add a failure,
+// by what they come to from every date that agrees with the measures, in *out*. Each of them gets
+// its share of the *budget*; false when that was too little for one of them.
 // Uses the tracked candidates of the run as its work place.
-void dateExplanations(RunState& run, hybTrajectory const& candidate, HybMap const& found,
-                      int threshold, double now, HybMap& out);
+bool dateExplanations(RunState& run, hybTrajectory const& candidate, HybMap const& found,
+                      int threshold, double now, int budget, HybMap& out);
