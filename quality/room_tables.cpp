@@ -118,6 +118,8 @@ Row faultyFigures(Group const& group) {
             std::to_string(count(group, [](auto const& v) { return v.stopped && !v.ranAway(); })),
             std::to_string(count(group, [](auto const& v) { return v.ranAway(); })),
             heldTemperature(group),
+            percent(sum(noticed, [](auto const& v) { return v.explainedHold; }),
+                    sum(noticed, [](auto const& v) { return v.explained; })),
             mostCandidates(group)};
 }
 
@@ -136,6 +138,7 @@ Row const faultyColumns{"runs",
                         "stopped",
                         "ran away",
                         "holds room.x",
+                        "explained",
                         "most candidates"};
 
 Row faultOf(RoomResult const& r) {

@@ -77,7 +77,8 @@ bool suspects(tavro::Step const& step, std::string const& influence) {
 // The thermostat has stuck at the step before the first rate that shows it.
 bool names(tavro::Step const& step, int struck, std::string const& mode) {
     return std::any_of(step.explanations.begin(), step.explanations.end(), [&](auto const& e) {
-        return e.failure && e.component == "thermostat" && e.to == mode && e.time == struck - 1;
+        return e.failure && e.component == "thermostat" && e.to == mode &&
+               e.earliest <= struck - 1 && e.latest >= struck - 1;
     });
 }
 
@@ -113,7 +114,12 @@ private:
         verdict.atEnd = answerOf(step.candidates, truth);
         verdict.mostCandidates = std::max(verdict.mostCandidates, step.candidates.size());
         ++verdict.samples;
-        verdict.holdTemperature += someHolds(step.candidates, "room.x", truth.temperature);
+        bool const holds = someHolds(step.candidates, "room.x", truth.temperature);
+        verdict.holdTemperature += holds;
+        if (verdict.atDiagnosis.among) {
+            ++verdict.explained;
+            verdict.explainedHold += holds;
+        }
         verdict.holdRate += someHolds(step.candidates, "room.xd", truth.rate);
         for (std::size_t i = 0; i < widthMarks.size(); ++i)
             if (widthMarks[i] == k && !step.candidates.empty())

@@ -38,6 +38,8 @@ struct RoomVerdict {
     // Samples that were answered, time 0 included, and those of which some candidate's bounds hold
     // the true temperature, and the true rate.
     int samples = 0, holdTemperature = 0, holdRate = 0;
+    // The same from a diagnosis on whose answer holds: a candidate is in the true modes.
+    int explained = 0, explainedHold = 0;
     // From the lowest lower to the highest upper bound of all candidates; none after a stop.
     std::array<std::optional<double>, widthMarks.size()> widths;
     std::size_t mostCandidates = 0;

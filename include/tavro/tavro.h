@@ -150,6 +150,8 @@ typedef struct tavro_explanation {
     char const* to;
     int step;
     double time;
+    double earliest;
+    double latest;
     double rank;
     int failure;
     int unknown;

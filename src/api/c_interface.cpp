@@ -347,8 +347,17 @@ size_t tavro_step_explanations(tavro_step const* step) {
 tavro_code tavro_step_explanation(tavro_step const* step, size_t place,
                                   tavro_explanation* explanation) {
     return fill(explanation, entryOf(step, &tavro::Step::explanations, place), [](auto const& e) {
-        return tavro_explanation{
-            e.candidate, e.component.c_str(), e.from.c_str(),    e.to.c_str(),     e.step, e.time,
-            e.rank,      e.failure ? 1 : 0,   e.unknown ? 1 : 0, e.summary.c_str()};
+        return tavro_explanation{e.candidate,
+                                 e.component.c_str(),
+                                 e.from.c_str(),
+                                 e.to.c_str(),
+                                 e.step,
+                                 e.time,
+                                 e.earliest,
+                                 e.latest,
+                                 e.rank,
+                                 e.failure ? 1 : 0,
+                                 e.unknown ? 1 : 0,
+                                 e.summary.c_str()};
     });
 }

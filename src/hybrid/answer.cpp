@@ -22,7 +22,7 @@ bool isStillTaken(Trajectory const& history, int step, Transition const* transit
     });
 }
 
-std::string dateOf(Trajectory const& history, Move const& move) {
+std::string dateOf(Trajectory const& history, Move const& move, double placed) {
     auto const dated = history.dated.find(move.transition->id);
     if (dated != history.dated.end()) {
         // Times are sums of periods: those of one step may differ in their last digits.
@@ -30,8 +30,7 @@ std::string dateOf(Trajectory const& history, Move const& move) {
         if (from != to)
             return "between " + from + " and " + to;
     }
-    double const time =
-        dated != history.dated.end() ? dated->second.from : history.getTimeCorr(move.step);
+    double const time = dated != history.dated.end() ? dated->second.from : placed;
     if (time == Trajectory::noTime)
         return "before the kept steps";
     return "at " + shortText(time);
@@ -53,12 +52,16 @@ std::string failuresOf(Trajectory const& history) {
     std::string text;
     for (Move const& move : movesOf(history))
         if (move.transition->type == transFail)
-            text +=
-                (text.empty() ? "" : ", ") + nameOf(*move.transition) + " " + dateOf(history, move);
+            text += (text.empty() ? "" : ", ") +
+                    summaryOf(history, move, history.getTimeCorr(move.step));
     return text.empty() ? "nothing failed" : text;
 }
 
 }  // namespace
+
+std::string summaryOf(Trajectory const& history, Move const& move, double placed) {
+    return nameOf(*move.transition) + " " + dateOf(history, move, placed);
+}
 
 std::vector<Move> movesOf(Trajectory const& history) {
     std::vector<Move> moves;

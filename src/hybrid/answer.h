@@ -18,6 +18,9 @@ std::vector<Move> movesOf(Trajectory const& history);
 // Makes what earlier searches put into the history, and is still taken, a part of it: what
 // transByTime holds from here on is new.
 void settleMoves(Trajectory& history);
+// "thermostat on -> stuck_on at 24", or "between 20 and 24" where the date is a range. *placed* is
+// the time of the move's step.
+std::string summaryOf(Trajectory const& history, Move const& move, double placed);
 // The value that the newest state with this variable holds; null when none does.
 Atom const* valueOf(Trajectory const& history, StateVar const& variable);
 // Whether the history ends in an unknown mode.

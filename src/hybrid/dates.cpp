@@ -17,6 +17,8 @@
 namespace {
 
 constexpr int noStep = std::numeric_limits<int>::max();
+// Of the candidates that were dropped, those of the last switches: each costs a runtime.
+constexpr std::size_t mostDropped = 20;
 
 struct Failure {
     Transition* transition;
@@ -123,6 +125,21 @@ Case caseOf(Trajectory const& candidate, Trajectory const& explanation) {
         else
             one.firstLost = std::min(one.firstLost, move.step);
     return one;
+}
+
+// The same case on another history, which may have other steps.
+Case caseOn(Trajectory const& history, Case const& one) {
+    Case other{one.failures, {}, noStep, one.proba};
+    for (Move const& move : failuresOf(history)) {
+        bool const stays = std::any_of(
+            one.kept.begin(), one.kept.end(),
+            [&move](Failure const& kept) { return kept.transition == move.transition; });
+        if (stays)
+            other.kept.push_back({move.transition, move.step, history.datesOf(move.step).from});
+        else
+            other.firstLost = std::min(other.firstLost, move.step);
+    }
+    return other;
 }
 
 bool areTheSame(std::vector<Failure> const& a, std::vector<Failure> const& b) {
@@ -244,23 +261,34 @@ void fillActivity(s_runtime* rt) {
                       sn_evalCond(influence->cond, rt));
 }
 
+// A candidate as it stood at some time; the cycles of its dates are counted back from then.
+struct Source {
+    hybTrajectory const& candidate;
+    double time;
+    int latest, earliest;  // the cycles to be tried
+};
+
 // One candidate, one case, tried at one date after the other.
 class Dating {
 public:
-    Dating(RunState& run, int threshold, hybTrajectory const& candidate, Case const& one,
-           double now, int& budget)
+    // The lines of the past are read from *lines*, a candidate of *now*.
+    Dating(RunState& run, int threshold, Source const& source, Case const& one,
+           s_runtime const& lines, double now, int& budget)
         : run(run),
           stepping{RUN_DETECT, 0.0, CYCLE_DETECT, threshold, 1},
-          candidate(candidate),
+          source(source),
+          candidate(source.candidate),
           one(one),
-          Ts(candidate.rt->Ts),
+          lines(lines),
+          Ts(lines.Ts),
           now(now),
           budget(budget) {}
 
-    void tryDates(HybMap& out);
+    // Adds what agrees to *agreeing*.
+    void tryDates(HybMap& agreeing);
 
 private:
-    double timeBack(int cycles) const { return now - cycles * Ts; }
+    double timeBack(int cycles) const { return source.time - cycles * Ts; }
     // Times of steps are sums of periods, and as exact as these.
     bool isAt(double time, double when) const { return std::fabs(time - when) < Ts / 2; }
     bool isBefore(double time, double when) const { return time < when - Ts / 2; }
@@ -276,12 +304,14 @@ private:
     void failLater(HybMap& followed, std::vector<Failure> const& later, double time);
     HybMap step(HybMap followed, double time);
     HybMap replay(std::unique_ptr<hybTrajectory> start, std::vector<Failure> const& later,
-                  int cycles);
+                  double from);
 
     RunState& run;
     RunOptions const stepping;
+    Source const source;
     hybTrajectory const& candidate;
-    Case const& one;
+    Case const one;
+    s_runtime const& lines;
     double const Ts;
     double const now;
     int& budget;
@@ -426,19 +456,20 @@ HybMap Dating::step(HybMap followed, double time) {
     return std::exchange(run.ntrajs, {});
 }
 
-// Runs from the start up to now. Empty when the measures disagree.
+// Runs from the start, at *from*, up to now. Empty when the measures disagree.
 HybMap Dating::replay(std::unique_ptr<hybTrajectory> start, std::vector<Failure> const& later,
-                      int cycles) {
+                      double from) {
     HybMap followed;
     double const rank = start->traj->rank;
     followed.emplace(rank, std::move(start));
-    failLater(followed, later, timeBack(cycles));
+    failLater(followed, later, from);
+    int const cycles = static_cast<int>(std::lround((now - from) / Ts));
     for (int back = cycles - 1; back >= 0 && !followed.empty(); --back) {
         budget -= static_cast<int>(followed.size());
         if (budget <= 0)
             return {};
-        recallLine(run.engine, candidate.rt.get(), back);
-        double const time = dateOfLine(timeBack(back));
+        recallLine(run.engine, &lines, back);
+        double const time = dateOfLine(now - back * Ts);
         followed = step(std::move(followed), time);
         if (followed.size() > 1)
             sn_reduxTrajs(followed, time);
@@ -447,26 +478,37 @@ HybMap Dating::replay(std::unique_ptr<hybTrajectory> start, std::vector<Failure>
     return followed;
 }
 
-void Dating::tryDates(HybMap& out) {
-    HybMap agreeing;
-    int const elapsed = static_cast<int>(std::lround(now / Ts));
-    int const earliest = std::min(elapsed, cyclesKept(*candidate.rt));
-    for (int cycles = std::max(1, cyclesOutside(*candidate.rt)); cycles <= earliest; ++cycles) {
-        if (budget <= 0)
-            break;
+void Dating::tryDates(HybMap& agreeing) {
+    int const dropped = static_cast<int>(std::lround((now - source.time) / Ts));
+    int const earliest = std::min(source.earliest, cyclesKept(lines) - dropped);
+    for (int cycles = source.latest; cycles <= earliest && budget > 0; ++cycles) {
         std::vector<Failure> later;
         std::unique_ptr<hybTrajectory> start = failedAt(cycles, later);
         if (start == nullptr)
             continue;
-        for (auto& entry : replay(std::move(start), later, cycles))
+        for (auto& entry : replay(std::move(start), later, timeBack(cycles)))
             agreeing.emplace(entry.second->traj->rank, std::move(entry.second));
         if (agreeing.size() > 1)
             sn_reduxTrajs(agreeing, now);
     }
-    for (auto& entry : agreeing) {
-        entry.second->traj->proba = one.proba;
-        out.emplace(entry.first, std::move(entry.second));
-    }
+}
+
+Source wholeWindow(hybTrajectory const& candidate, double now) {
+    int const elapsed = static_cast<int>(std::lround(now / candidate.rt->Ts));
+    return {candidate, now, std::max(1, cyclesOutside(*candidate.rt)),
+            std::min(elapsed, cyclesKept(*candidate.rt))};
+}
+
+// Of a dropped candidate, its last step alone: what came before it, it has in common with one that
+// stayed. A cycle more, since a failure may have come before what led to the step was seen.
+Source lastStep(RunState::Dropped const& dropped) {
+    hybTrajectory const& candidate = *dropped.candidate;
+    double const begun = candidate.traj->datesOf(candidate.traj->getCurrentTime()).from;
+    double const Ts = candidate.rt->Ts;
+    int const cycles = static_cast<int>(std::lround((dropped.time - begun) / Ts)) + 1;
+    Source source = wholeWindow(candidate, dropped.time);
+    source.earliest = std::min(source.earliest, cycles);
+    return source;
 }
 
 // The distinct cases among the explanations that add a failure, in their order.
@@ -489,6 +531,16 @@ std::vector<Case> casesOf(hybTrajectory const& candidate, HybMap const& found) {
 
 }  // namespace
 
+void keepDropped(RunState& run, double time) {
+    for (auto& entry : run.misbtrajs)
+        run.dropped.push_back({time, std::move(entry.second)});
+    while (run.dropped.size() > mostDropped)
+        run.dropped.pop_front();
+    double const window = run.tavro_rt->twc * run.tavro_rt->Ts;
+    while (!run.dropped.empty() && run.dropped.front().time < time - window)
+        run.dropped.pop_front();
+}
+
 bool dateExplanations(RunState& run, hybTrajectory const& candidate, HybMap const& found,
                       int threshold, double now, int budget, HybMap& out) {
     KeptLine const line(run.engine);
@@ -500,7 +552,18 @@ bool dateExplanations(RunState& run, hybTrajectory const& candidate, HybMap cons
     for (std::size_t i = 0; i < cases.size(); ++i) {
         int const share = budget / static_cast<int>(cases.size() - i);
         int left = share;
-        Dating(run, threshold, candidate, cases[i], now, left).tryDates(out);
+        HybMap agreeing;
+        auto const tryOn = [&](Source const& source) {
+            Case const one = caseOn(*source.candidate.traj, cases[i]);
+            Dating(run, threshold, source, one, *candidate.rt, now, left).tryDates(agreeing);
+        };
+        tryOn(wholeWindow(candidate, now));
+        for (RunState::Dropped const& dropped : run.dropped)
+            tryOn(lastStep(dropped));
+        for (auto& entry : agreeing) {
+            entry.second->traj->proba = cases[i].proba;
+            out.emplace(entry.first, std::move(entry.second));
+        }
         whole = whole && left > 0;
         budget -= share - std::max(left, 0);
     }

@@ -28,6 +28,11 @@
 // candidate that a start goes back behind. A start from which a state is reached in which a run
 // cannot go on is no date either.
 //
+// A candidate that has switched at one time and no longer agrees is dropped as long as another one
+// does. When all are lost later, the failure may have come where the dropped one switched, in place
+// of its switching; so the latest dropped ones are kept for a while, and the failures that explain
+// the others are tried at the step of theirs, too.
+//
 // An explanation without a failure is a history that the run has followed, and lost, already. Only
 // when no date of any explanation agrees is it followed, as the others then are, from the step
 // where the search placed it.
@@ -35,9 +40,8 @@
 
 #include "hybrid/tavro-runt.h"
 
-// What one diagnosis may spend, in cycles of one candidate: some seconds. The dates that are left
-// out when it is spent are the earliest, since a failure is mostly noticed soon.
-constexpr int cyclesOfOneDiagnosis = 60000;
+// Keeps the misbehaving candidates of this step, which are dropped, in run.dropped.
+void keepDropped(RunState& run, double time);
 
 // Replaces the candidates *found*, explanations of the misbehaving *candidate* that add a failure,
 // by what they come to from every date that agrees with the measures, in *out*. Each of them gets

@@ -77,22 +77,24 @@ std::vector<Explained> explainEach(RunState& run, HybMap misbehaving, int isolat
     return all;
 }
 
-void tellDatesUnfinished(RunState& run) {
-    run.err << "answer: the dates were searched for " << cyclesOfOneDiagnosis
-            << " cycles and no further: failures may have begun earlier\n";
-}
+// What one diagnosis may spend on dates, in cycles of one candidate, and how much of it for one of
+// those that it explains: some seconds. The dates that are left out when it is spent are the
+// earliest, since a failure is mostly noticed soon.
+constexpr int cyclesOfOneDiagnosis = 60000;
+constexpr int cyclesOfOneCandidate = 20000;
 
-// What the explanations come to from every date that agrees with the measures. Each candidate gets
-// its share of the cycles that are left.
+// What the explanations come to from every date that agrees with the measures.
 HybMap dateEach(RunState& run, std::vector<Explained> const& all, int threshold, double time) {
     HybMap dated;
-    int const share = cyclesOfOneDiagnosis / static_cast<int>(std::max<std::size_t>(all.size(), 1));
+    int const each = cyclesOfOneDiagnosis / static_cast<int>(std::max<std::size_t>(all.size(), 1));
+    int const share = std::min(each, cyclesOfOneCandidate);
     bool whole = true;
     for (Explained const& one : all)
         if (!dateExplanations(run, *one.candidate, one.explanations, threshold, time, share, dated))
             whole = false;
     if (!whole)
-        tellDatesUnfinished(run);
+        run.err << "answer: the dates were searched for " << share
+                << " cycles of each candidate and no further: failures may have begun earlier\n";
     return dated;
 }
 
@@ -102,8 +104,10 @@ HybMap followDated(RunState& run, std::vector<Explained> all, int threshold, dou
     HybMap followed = dateEach(run, all, threshold, time);
     // What was dated agrees with the measures: whatever follows is a new loss.
     run.lost = followed.empty();
-    if (!run.lost)
+    if (!run.lost) {
+        run.dropped.clear();
         return followed;
+    }
     for (Explained& one : all)
         for (auto& entry : one.explanations)
             replayExplanation(run, std::move(entry.second), time, threshold, followed);

@@ -2,6 +2,7 @@
 
 #include "continuous/displays.h"
 #include "continuous/sorn-runt.h"
+#include "hybrid/dates.h"
 #include "hybrid/tavro-runt.h"
 #include "reasoning/Scheduler.h"
 #include "support/numbers.h"
@@ -77,6 +78,8 @@ void visit(DiscreteWalk& walk) {
 
 void keepNominal(RunState& run, RunOptions const& options, double time) {
     run.lost = false;
+    if (run.rules.dates)
+        keepDropped(run, time);
     run.misbtrajs.clear();
     run.tracked_trajs = std::move(run.ntrajs);
     if (options.mode == RUN_DETECT && run.tracked_trajs.size() > 1)

@@ -136,4 +136,5 @@ void clearRunTime(s_runtime* rt) {
 void clearMultiTrajs(RunState& run) {
     run.hybNT = nullptr;
     run.tracked_trajs.clear();
+    run.dropped.clear();
 }

@@ -11,7 +11,10 @@
 //   3. engine.nrt is empty.
 #pragma once
 
+#include <deque>
+#include <memory>
 #include "continuous/engine.h"
+
 #include "hybrid/bounds_watch.h"
 #include "hybrid/hybTrajectory.h"
 #include "hybrid/hybrid_candidates.h"
@@ -46,6 +49,13 @@ public:
     HybMap ntrajs;                   // candidates being rebuilt within a cycle
     HybMap misbtrajs;                // candidates found misbehaving in this cycle
     hybTrajectory* hybNT = nullptr;  // the nominal candidate, borrowed; null: not initialised
+
+    // By the rule `dates`: misbehaving candidates that were dropped, and when, the latest last.
+    struct Dropped {
+        double time;
+        std::unique_ptr<hybTrajectory> candidate;
+    };
+    std::deque<Dropped> dropped;
 
     double last_detection_time = -1.0;  // of the first detection that came last; -1 at first
     bool diag_flag = false;             // a diagnosis has been accepted in this run

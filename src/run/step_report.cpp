@@ -40,7 +40,8 @@ std::string textOf(Atom const* atom) {
     return atom != nullptr ? atom->value : "";
 }
 
-tavro::Explanation explain(Transition const& transition, int step, double time) {
+tavro::Explanation explain(Trajectory const& history, Transition& transition, int step,
+                           double time) {
     tavro::Explanation e;
     if (Comp const* comp = transition.modeVar != nullptr ? transition.modeVar->getComp() : nullptr)
         e.component = comp->getName();
@@ -49,10 +50,14 @@ tavro::Explanation explain(Transition const& transition, int step, double time) 
     if (transition.postMode != nullptr)
         e.to = transition.postMode->value;
     e.step = step;
-    e.time = time;
+    e.time = e.earliest = e.latest = time;
+    if (auto const dated = history.dated.find(transition.id); dated != history.dated.end()) {
+        e.earliest = dated->second.from;
+        e.latest = dated->second.to;
+    }
     e.failure = transition.type == transFail;
     e.unknown = transition.unknownPost;
-    e.summary = e.component + " " + e.from + " -> " + e.to + " at " + shortText(time);
+    e.summary = summaryOf(history, {&transition, step}, time);
     return e;
 }
 
@@ -115,7 +120,7 @@ std::vector<tavro::Explanation> explanationsOf(std::vector<CandidateView> const&
     for (std::size_t i = 0; i < candidates.size(); ++i) {
         Trajectory const& history = *candidates[i].history;
         for (auto const& [transition, step] : movesOf(history)) {
-            tavro::Explanation e = explain(*transition, step, timeOfStep(history, step));
+            tavro::Explanation e = explain(history, *transition, step, timeOfStep(history, step));
             e.candidate = i;
             e.rank = history.rank;
             explanations.push_back(std::move(e));

@@ -21,15 +21,16 @@ complain() {
   failed=1
 }
 
-# Every script draws its two pictures, and the one that explains its candidate, which runs last, the
+# Every script draws its two pictures, but the day that both sets of rules follow, which is one, and the one that explains its candidate, which runs last, the
 # history of that too.
 check_names() {
-  names=$(for script in *.tavro; do basename "$script" .tavro; done | grep -v '_explained$')
+  names=$(for script in *.tavro; do basename "$script" .tavro; done | grep -Ev '_(explained|classic)$')
   names="$names stuck_on_explained"
   # shellcheck disable=SC2086  # a list of names
   ./draw $names >drawn 2>complaints || complain "draw ended with status $?: $(cat complaints)"
   for name in $names; do
     case $name in
+    long_day) views='long_day' ;;
     simulate) views='simulate_single_xd simulate_single_x simulate_multi_xd simulate_multi_x' ;;
     *) views="${name}_xd ${name}_x" ;;
     esac

@@ -6,7 +6,8 @@
 //     level    rises in a step by   while
 //     wide     0.5 to 1.5           wide is on
 //     tight    0.9 to 1.1           tight is on
-//     late     0.1 to 1.5           late is on
+//     firm     0.9 to 1.1           firm is on
+//     late     0.0625 to 1.5        late is on
 //     pair     0.5 to 1.5           left or right is on
 //     pipe     0.9 to 1.1           the valve is open
 //     odd      0.5 to 1.5           odd is on; anything in the mode unknown
@@ -197,7 +198,8 @@ void build(Scheduler* scheduler, char const* name, double period) {
     addLamp(plant);
     s_Variable* wide = addTank(plant, "wide", {"failed", "burst"}, 0.5, 1.5);
     addTank(plant, "tight", {"failed"}, 0.9, 1.1);
-    addTank(plant, "late", {"failed"}, 0.1, 1.5);
+    addTank(plant, "firm", {"failed"}, 0.9, 1.1);
+    addTank(plant, "late", {"failed"}, 0.0625, 1.5);
     addPair(plant);
     addPipe(plant);
     addTank(plant, "odd", {"unknown"}, 0.5, 1.5);
