@@ -24,8 +24,12 @@ bool isStillTaken(Trajectory const& history, int step, Transition const* transit
 
 std::string dateOf(Trajectory const& history, Move const& move, double placed) {
     auto const dated = history.dated.find(move.transition->id);
-    if (dated != history.dated.end() && dated->second.from < dated->second.to)
-        return "between " + shortText(dated->second.from) + " and " + shortText(dated->second.to);
+    if (dated != history.dated.end()) {
+        // Times are sums of periods: those of one step may differ in their last digits.
+        std::string const from = shortText(dated->second.from), to = shortText(dated->second.to);
+        if (from != to)
+            return "between " + from + " and " + to;
+    }
     double const time = dated != history.dated.end() ? dated->second.from : placed;
     if (time == Trajectory::noTime)
         return "before the kept steps";
@@ -61,11 +65,22 @@ std::string summaryOf(Trajectory const& history, Move const& move, double placed
 
 std::vector<Move> movesOf(Trajectory const& history) {
     std::vector<Move> moves;
-    if (history.transByTime)
-        for (auto const& [step, transition] : *history.transByTime)
-            if (!transition->idle && isStillTaken(history, step, transition))
-                moves.push_back({transition, step});
+    for (auto const* placed : {&history.settled, &history.transByTime})
+        if (*placed)
+            for (auto const& [step, transition] : **placed)
+                if (!transition->idle && isStillTaken(history, step, transition))
+                    moves.push_back({transition, step});
+    std::stable_sort(moves.begin(), moves.end(),
+                     [](Move const& a, Move const& b) { return a.step < b.step; });
     return moves;
+}
+
+void settleMoves(Trajectory& history) {
+    Trajectory::TransByTime settled;
+    for (Move const& move : movesOf(history))
+        settled.insert({move.step, move.transition});
+    history.settled = std::move(settled);
+    history.transByTime.reset();
 }
 
 Atom const* valueOf(Trajectory const& history, StateVar const& variable) {

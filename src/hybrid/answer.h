@@ -15,6 +15,9 @@ struct Move {
 // The moves of a history, idle ones left out, and those that a later turn of the search has
 // replaced. In the order of their steps.
 std::vector<Move> movesOf(Trajectory const& history);
+// Makes what earlier searches put into the history, and is still taken, a part of it: what
+// transByTime holds from here on is new.
+void settleMoves(Trajectory& history);
 // "thermostat on -> stuck_on at 24", or "between 20 and 24" where the date is a range. *placed* is
 // the time of the move's step.
 std::string summaryOf(Trajectory const& history, Move const& move, double placed);

@@ -12,6 +12,12 @@ constexpr int firstSteps = 10;
 constexpr int blindSteps = 10;
 constexpr double growth = 4.0;
 
+// What the rounding of a few operations makes of a number. Bounds as thin as that have not grown.
+double rounding(double lower, double upper) {
+    constexpr double part = 1e-9;
+    return std::max(part * (std::fabs(lower) + std::fabs(upper)), part);
+}
+
 s_Variable const& measureOf(hybTrajectory const& candidate, std::size_t measure) {
     return *candidate.rt->measure[measure];
 }
@@ -35,7 +41,7 @@ bool BoundsWatch::isBlind(Watched& watched, std::size_t measure, HybMap const& c
         return false;
     }
     return lower <= watched.least && upper >= watched.greatest &&
-           upper - lower >= growth * watched.firstWidth;
+           upper - lower >= std::max(growth * watched.firstWidth, rounding(lower, upper));
 }
 
 std::string BoundsWatch::look(HybMap const& candidates) {

@@ -5,8 +5,8 @@
 // use when, for ten steps in a row, the hull of those of all candidates contains every value that
 // the measure has had, and is at least four times as wide as it was at its widest in the first ten
 // steps. The second condition keeps a measure that hardly moves from being called unwatched, as
-// long as its bounds have not grown. This is told once per run; bounds that shrink again do not
-// take it back.
+// long as its bounds have not grown; bounds as thin as rounding have not. This is told once per
+// run; bounds that shrink again do not take it back.
 #pragma once
 
 #include <string>

@@ -14,12 +14,17 @@ bool actedBefore(s_Influence const& influence) {
            (!influence.condHisto.empty() && influence.condHisto.front() != 0);
 }
 
-// The same influences act as before, each on a measure that is trusted: the flow into the variable
-// is the same whether the jump came now or one cycle ago.
+// What the cause was one cycle ago does not depend on the mode.
+bool isGiven(s_runtime const* rt, s_Variable const* cause) {
+    return cause->isParam || sn_isInput(rt, cause) || sn_isTrusted(rt, cause);
+}
+
+// The same influences act as before, each on what is given: the flow into the variable is the same
+// whether the jump came now or one cycle ago.
 bool flowsAlike(s_runtime* rt, s_Variable const& variable) {
     for (s_Influence const* influence : variable.graph->causes) {
         bool const acts = influence->cond == nullptr || sn_evalCond(influence->cond, rt) != 0;
-        if (acts != actedBefore(*influence) || (acts && !sn_isTrusted(rt, influence->cause)))
+        if (acts != actedBefore(*influence) || (acts && !isGiven(rt, influence->cause)))
             return false;
     }
     return true;
@@ -41,12 +46,15 @@ s_Objet flowBefore(s_runtime* before, s_Variable const& variable) {
 }
 
 // Of the value one cycle ago only what the flow has led to the value of now; all of it when the
-// two contradict each other.
+// two contradict each other, or when nobody knows how much has flowed.
 void narrowToSource(s_runtime* before, s_Variable* variable, s_Objet const& now) {
+    if (sn_anyOpen(*variable->graph, before))
+        return;
     s_Objet led = now;
     s_Objet const flow = flowBefore(before, *variable);
     sn_subObjet(&led, &flow);
-    s_Objet narrowed = variable->old;
+    // Without a history the copy holds the value of now.
+    s_Objet narrowed = variable->histLen() > 0 ? variable->old : led;
     if (sn_interObjet(&narrowed, &led) == 1)
         variable->old = variable->new_ = narrowed;
 }
@@ -71,7 +79,7 @@ std::unique_ptr<s_runtime> copyOfJumpBefore(s_runtime* rt) {
 
 void coverJumpBefore(s_runtime* rt, s_runtime const* copy) {
     for (auto const& variable : rt->dico) {
-        if (variable->isParam)
+        if (variable->isParam || sn_isInput(rt, variable.get()))
             continue;
         bool const assigned = variable->defined != 0;
         variable->defined = 1;

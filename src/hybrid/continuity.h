@@ -16,8 +16,8 @@
 // the flow into it depends on the mode, a jump one cycle ago has let it flow otherwise for that one
 // cycle; then the copy, which is moved back by exactly one cycle, is first narrowed as the split
 // narrowed its source: what flowed in since is taken off the value of now, and only what can have
-// led there is stepped forward again. The other variables become the union as before. Histories
-// stay, since the past does.
+// led there is stepped forward again, with the inputs and measures of now. The other variables
+// become the union as before; inputs are what they are. Histories stay, since the past does.
 //
 // Why it is sound. The values kept are those of the cycle that has just been computed under the
 // mode before; if the change came at its end they are the true ones, and if it came one cycle

@@ -3,10 +3,12 @@
 
 #include <algorithm>
 #include <cmath>
+#include <limits>
 
 #include "continuous/bridge.h"
 #include "continuous/sorn-runt.h"
 #include "hybrid/answer.h"
+#include "hybrid/continuity.h"
 #include "hybrid/merging.h"
 #include "model/StateVar.h"
 #include "model/Transitionrt.h"
@@ -15,20 +17,21 @@
 
 namespace {
 
-// What one diagnosis may spend, in cycles of one candidate: some seconds. The dates that are left
-// out when it is spent are the earliest, since a failure is mostly noticed soon.
-constexpr int cyclesOfOneDiagnosis = 20000;
+constexpr int noStep = std::numeric_limits<int>::max();
 // Of the candidates that were dropped, those of the last switches: each costs a runtime.
 constexpr std::size_t mostDropped = 20;
 
 struct Failure {
     Transition* transition;
-    double time;  // where the search placed it
+    int step;     // where the search, or an earlier diagnosis, placed it
+    double time;  // the same
 };
 
 // New failures that together explain what a candidate does not.
 struct Case {
     std::vector<Failure> failures;  // by time
+    std::vector<Failure> kept;      // of the candidate's own, those that stay in the explanation
+    int firstLost;                  // the step of the candidate's first failure that does not
     double proba;                   // of the likeliest explanation with them
 };
 
@@ -66,6 +69,32 @@ private:
     std::vector<double> inps, meas;
 };
 
+// What the scheduler keeps from step to step. Transitions that fire in a replay have given their
+// commands already.
+class KeptEvents {
+public:
+    explicit KeptEvents(Scheduler& scheduler)
+        : scheduler(scheduler), commands(scheduler.contCommands) {
+        for (auto const& [date, event] : scheduler.scenario)
+            if (event != nullptr)
+                events[date] = *event;
+    }
+    KeptEvents(KeptEvents const&) = delete;
+    KeptEvents& operator=(KeptEvents const&) = delete;
+    ~KeptEvents() {
+        scheduler.contCommands.swap(commands);
+        std::erase_if(scheduler.scenario,
+                      [this](auto const& entry) { return events.count(entry.first) == 0; });
+        for (auto& [date, event] : scheduler.scenario)
+            *event = std::move(events[date]);
+    }
+
+private:
+    Scheduler& scheduler;
+    std::vector<Atom*> commands;
+    std::map<double, scenarEvent> events;
+};
+
 bool holds(Trajectory const& history, int step, Atom const* atom) {
     TrajEl const* element = history.getElt(atom->getId(), step, 0);
     return element != nullptr && element->evalTrajEl();
@@ -77,21 +106,51 @@ bool isIn(std::vector<Move> const& moves, Move const& move) {
     });
 }
 
-std::vector<Failure> newFailures(hybTrajectory const& candidate, Trajectory const& explanation) {
-    std::vector<Move> const known = movesOf(*candidate.traj);
-    std::vector<Failure> failures;
-    if (!explanation.transByTime)
-        return failures;
-    for (Move const& move : movesOf(explanation))
-        if (move.transition->type == transFail && !isIn(known, move))
-            failures.push_back(
-                {const_cast<Transition*>(move.transition), explanation.datesOf(move.step).from});
+std::vector<Move> failuresOf(Trajectory const& history) {
+    std::vector<Move> failures = movesOf(history);
+    std::erase_if(failures, [](Move const& move) { return move.transition->type != transFail; });
     return failures;
+}
+
+// What the explanation adds to the failures of the candidate, and what it takes from them.
+Case caseOf(Trajectory const& candidate, Trajectory const& explanation) {
+    std::vector<Move> const known = failuresOf(candidate), all = failuresOf(explanation);
+    Case one{{}, {}, noStep, explanation.proba};
+    for (Move const& move : all)
+        if (!isIn(known, move))
+            one.failures.push_back(
+                {move.transition, move.step, explanation.datesOf(move.step).from});
+    for (Move const& move : known)
+        if (isIn(all, move))
+            one.kept.push_back({move.transition, move.step, candidate.datesOf(move.step).from});
+        else
+            one.firstLost = std::min(one.firstLost, move.step);
+    return one;
+}
+
+// The same case on another history, which may have other steps.
+Case caseOn(Trajectory const& history, Case const& one) {
+    Case other{one.failures, {}, noStep, one.proba};
+    for (Move const& move : failuresOf(history)) {
+        bool const stays = std::any_of(
+            one.kept.begin(), one.kept.end(),
+            [&move](Failure const& kept) { return kept.transition == move.transition; });
+        if (stays)
+            other.kept.push_back({move.transition, move.step, history.datesOf(move.step).from});
+        else
+            other.firstLost = std::min(other.firstLost, move.step);
+    }
+    return other;
 }
 
 bool areTheSame(std::vector<Failure> const& a, std::vector<Failure> const& b) {
     return std::equal(a.begin(), a.end(), b.begin(), b.end(),
                       [](Failure const& x, auto const& y) { return x.transition == y.transition; });
+}
+
+bool areTheSame(Case const& a, Case const& b) {
+    return areTheSame(a.failures, b.failures) && areTheSame(a.kept, b.kept) &&
+           a.firstLost == b.firstLost;
 }
 
 double valueBack(s_Objet const& present, History<s_Objet> const& history, int cycles) {
@@ -123,13 +182,35 @@ int cyclesOutside(s_runtime const& rt) {
     return outside;
 }
 
+// Whether a replay needs to know what the variable was: its lines are given again, and what carries
+// state begins with its value.
+bool isNeededBack(s_runtime const& rt, s_Variable const& variable) {
+    return variable.histLen() > 0 || carriesState(variable) || sn_isInput(&rt, &variable) ||
+           sn_isMeasure(&rt, &variable);
+}
+
 // How many cycles the runtime can be moved back by.
 int cyclesKept(s_runtime const& rt) {
     int kept = rt.twc - 1;
     for (auto const& variable : rt.dico)
-        if (!variable->isParam && variable->histLen() > 0)
+        if (!variable->isParam && isNeededBack(rt, *variable))
             kept = std::min(kept, variable->histLen() - 1);
     return kept;
+}
+
+// The history up to that step, as if nothing had come after it.
+std::unique_ptr<Trajectory> historyUpTo(Trajectory const& source, int step) {
+    auto history = std::make_unique<Trajectory>(&source, step + 1);
+    history->eventTime = -1.0;
+    for (auto const& [t, state] : source.states)
+        if (t > step)
+            history->rank -= source.getStateRank(state);
+    std::erase_if(history->timeCorr, [step](auto const& entry) { return entry.first > step; });
+    std::erase_if(history->stepDates, [step](auto const& entry) { return entry.first > step; });
+    for (auto* moves : {&history->transByTime, &history->settled})
+        if (*moves)
+            std::erase_if(**moves, [step](auto const& entry) { return entry.first > step; });
+    return history;
 }
 
 // The bounds are cut to where the condition holds; false where it cannot hold.
@@ -171,6 +252,10 @@ void follow(Trajectory const& history, s_runtime* rt) {
         if (held)
             sn_setInValSpc(rt, condition);
     }
+}
+
+// The influences have always acted as they do now.
+void fillActivity(s_runtime* rt) {
     for (auto const& influence : rt->influ)
         if (influence->cond != nullptr)
             std::fill(influence->condHisto.begin(), influence->condHisto.end(),
@@ -188,51 +273,63 @@ struct Source {
 class Dating {
 public:
     // The lines of the past are read from *lines*, a candidate of *now*.
-    Dating(RunState& run, int threshold, Source const& source, s_runtime const& lines, double now,
-           int& budget)
+    Dating(RunState& run, int threshold, Source const& source, Case const& one,
+           s_runtime const& lines, double now, int& budget)
         : run(run),
           stepping{RUN_DETECT, 0.0, CYCLE_DETECT, threshold, 1},
           source(source),
           candidate(source.candidate),
+          one(one),
           lines(lines),
           Ts(lines.Ts),
           now(now),
           budget(budget) {}
 
     // Adds what agrees to *agreeing*.
-    void tryDates(Case const& one, HybMap& agreeing);
+    void tryDates(HybMap& agreeing);
 
 private:
     double timeBack(int cycles) const { return source.time - cycles * Ts; }
+    // Times of steps are sums of periods, and as exact as these.
     bool isAt(double time, double when) const { return std::fabs(time - when) < Ts / 2; }
+    bool isBefore(double time, double when) const { return time < when - Ts / 2; }
     double dateOfLine(double time) const;
-    std::optional<int> stateFor(Transition const& failure, double time) const;
-    bool canLeave(Transition const& failure, int step, double time) const;
+    std::optional<int> stateFor(Trajectory const& history, Transition const& failure, double time,
+                                int before) const;
+    bool canLeave(Trajectory const& history, Transition const& failure, int step,
+                  double time) const;
     bool fail(hybTrajectory& moved, Transition* failure, double time);
-    std::unique_ptr<hybTrajectory> failedAt(Failure const& failure, int cycles);
-    HybMap replay(std::unique_ptr<hybTrajectory> start, Case const& one, double from);
-    void failLater(HybMap& followed, Case const& one, double time);
+    bool failFromState(hybTrajectory& moved, Transition* failure, double time);
+    std::unique_ptr<hybTrajectory> failedAt(int cycles, std::vector<Failure>& later);
+    std::vector<Failure> failuresAfter(int step, double start) const;
+    void failLater(HybMap& followed, std::vector<Failure> const& later, double time);
+    HybMap step(HybMap followed, double time);
+    HybMap replay(std::unique_ptr<hybTrajectory> start, std::vector<Failure> const& later,
+                  double from);
 
     RunState& run;
     RunOptions const stepping;
     Source const source;
     hybTrajectory const& candidate;
+    Case const one;
     s_runtime const& lines;
     double const Ts;
     double const now;
     int& budget;
 };
 
-// The scenario finds its events by the exact time.
+// The scenario finds its events by the exact time. One that the run has not met is none.
 double Dating::dateOfLine(double time) const {
-    auto const event = run.scheduler.scenario.lower_bound(time - Ts / 4);
-    bool const found = event != run.scheduler.scenario.end() && event->first <= time + Ts / 4;
-    return found ? event->first : time;
+    auto event = run.scheduler.scenario.lower_bound(time - Ts / 4);
+    for (; event != run.scheduler.scenario.end() && event->first <= time + Ts / 4; ++event)
+        if (event->second != nullptr && event->second->met)
+            return event->first;
+    return time;
 }
 
 // Whether everything of the guard but the conditions on values holds at the step.
-bool Dating::canLeave(Transition const& failure, int step, double time) const {
-    Trajectory const& history = *candidate.traj;
+bool Dating::canLeave(Trajectory const& history, Transition const& failure, int step,
+                      double time) const {
     for (auto const& [sign, atom] : failure.pre->getAllSignedAtoms()) {
         if (atom->getVarType() == typeCond)
             continue;
@@ -244,19 +341,21 @@ bool Dating::canLeave(Transition const& failure, int step, double time) const {
         if (step == history.getCurrentTime())
             return false;
         Trajectory::DateRange const given = history.datesOf(step + 1);
-        if (time < given.from || time > given.to)
+        if (isBefore(time, given.from) || isBefore(given.to, time))
             return false;
     }
     return true;
 }
 
-// The latest step of the history that may have held at that time and that the failure can leave.
-std::optional<int> Dating::stateFor(Transition const& failure, double time) const {
-    Trajectory const& history = *candidate.traj;
-    for (int step = history.getCurrentTime(); step >= history.firstTime; --step) {
-        bool const begun = history.datesOf(step).from <= time;
-        bool const ended = step < history.getCurrentTime() && history.datesOf(step + 1).to < time;
-        if (begun && !ended && canLeave(failure, step, time))
+// The latest step of the history, below *before*, that may have held at that time and that the
+// failure can leave.
+std::optional<int> Dating::stateFor(Trajectory const& history, Transition const& failure,
+                                    double time, int before) const {
+    int const last = history.getCurrentTime();
+    for (int step = std::min(last, before - 1); step >= history.firstTime; --step) {
+        bool const begun = !isBefore(time, history.datesOf(step).from);
+        bool const ended = step < last && isBefore(history.datesOf(step + 1).to, time);
+        if (begun && !ended && canLeave(history, failure, step, time))
             return step;
     }
     return std::nullopt;
@@ -291,35 +390,80 @@ bool Dating::fail(hybTrajectory& moved, Transition* failure, double time) {
     return true;
 }
 
-// The candidate as it would be had the failure come that many cycles ago; null when it could not.
-std::unique_ptr<hybTrajectory> Dating::failedAt(Failure const& failure, int cycles) {
+// The same from the step of the candidate's own history that the failure can leave at that time,
+// instead of what was taken at that very time.
+bool Dating::failFromState(hybTrajectory& moved, Transition* failure, double time) {
+    std::optional<int> const step = stateFor(*moved.traj, *failure, time, noStep);
+    if (!step)
+        return false;
+    if (*step < moved.traj->getCurrentTime())
+        moved.traj = historyUpTo(*moved.traj, *step);
+    return fail(moved, failure, time);
+}
+
+// The failures that follow the first one of a start at that time, from that step: the other new
+// ones, and those of the candidate's own that the start has not reached. Where they were placed
+// before the start they come with it.
+std::vector<Failure> Dating::failuresAfter(int step, double start) const {
+    std::vector<Failure> later(one.failures.begin() + 1, one.failures.end());
+    for (Failure const& failure : one.kept)
+        if (failure.step > step)
+            later.push_back(failure);
+    for (Failure& failure : later)
+        if (failure.time == Trajectory::noTime || failure.time < start)
+            failure.time = start;
+    return later;
+}
+
+// The candidate as it would be had the first failure come that many cycles ago, and what is to
+// fail *later*; null when it could not.
+std::unique_ptr<hybTrajectory> Dating::failedAt(int cycles, std::vector<Failure>& later) {
     double const time = timeBack(cycles);
-    std::optional<int> const step = stateFor(*failure.transition, time);
+    Transition* failure = one.failures.front().transition;
+    std::optional<int> const step = stateFor(*candidate.traj, *failure, time, one.firstLost);
     if (!step)
         return nullptr;
     auto moved = std::make_unique<hybTrajectory>();
-    moved->traj = std::make_unique<Trajectory>(candidate.traj.get(), *step + 1);
-    moved->traj->eventTime = -1.0;
+    moved->traj = historyUpTo(*candidate.traj, *step);
     moved->rt = sn_copyMovedBack(candidate.rt.get(), cycles);
-    if (!fail(*moved, failure.transition, time))
+    follow(*moved->traj, moved->rt.get());
+    fillActivity(moved->rt.get());
+    run.scheduler.contCommands.clear();
+    later = failuresAfter(*step, time);
+    if (!fail(*moved, failure, time))
         return nullptr;
     return moved;
 }
 
-void Dating::failLater(HybMap& followed, Case const& one, double time) {
-    for (std::size_t i = 1; i < one.failures.size(); ++i)
-        if (isAt(one.failures[i].time, time))
+void Dating::failLater(HybMap& followed, std::vector<Failure> const& later, double time) {
+    for (Failure const& failure : later)
+        if (isAt(failure.time, time))
             std::erase_if(followed, [&](auto const& entry) {
-                return !fail(*entry.second, one.failures[i].transition, time);
+                return !failFromState(*entry.second, failure.transition, time);
             });
 }
 
+// One step of all. A state in which a run cannot go on ends the start, not the run.
+HybMap Dating::step(HybMap followed, double time) {
+    run.tracked_trajs = std::move(followed);
+    try {
+        stepAndCheck(run, stepping, time);
+    } catch (RunStopped const&) {
+        for (HybMap* left : {&run.tracked_trajs, &run.ntrajs, &run.misbtrajs})
+            left->clear();
+        run.scheduler.contEvents.clear();
+        run.scheduler.contCommands.clear();
+    }
+    return std::exchange(run.ntrajs, {});
+}
+
 // Runs from the start, at *from*, up to now. Empty when the measures disagree.
-HybMap Dating::replay(std::unique_ptr<hybTrajectory> start, Case const& one, double from) {
+HybMap Dating::replay(std::unique_ptr<hybTrajectory> start, std::vector<Failure> const& later,
+                      double from) {
     HybMap followed;
     double const rank = start->traj->rank;
     followed.emplace(rank, std::move(start));
-    failLater(followed, one, from);
+    failLater(followed, later, from);
     int const cycles = static_cast<int>(std::lround((now - from) / Ts));
     for (int back = cycles - 1; back >= 0 && !followed.empty(); --back) {
         budget -= static_cast<int>(followed.size());
@@ -327,22 +471,23 @@ HybMap Dating::replay(std::unique_ptr<hybTrajectory> start, Case const& one, dou
             return {};
         recallLine(run.engine, &lines, back);
         double const time = dateOfLine(now - back * Ts);
-        run.tracked_trajs = std::move(followed);
-        stepAndCheck(run, stepping, time);
-        followed = std::move(run.ntrajs);
+        followed = step(std::move(followed), time);
         if (followed.size() > 1)
             mergeReplayed(followed, time);
-        failLater(followed, one, time);
+        failLater(followed, later, time);
     }
     return followed;
 }
 
-void Dating::tryDates(Case const& one, HybMap& agreeing) {
-    for (int cycles = source.latest; cycles <= source.earliest && budget > 0; ++cycles) {
-        std::unique_ptr<hybTrajectory> start = failedAt(one.failures.front(), cycles);
+void Dating::tryDates(HybMap& agreeing) {
+    int const dropped = static_cast<int>(std::lround((now - source.time) / Ts));
+    int const earliest = std::min(source.earliest, cyclesKept(lines) - dropped);
+    for (int cycles = source.latest; cycles <= earliest && budget > 0; ++cycles) {
+        std::vector<Failure> later;
+        std::unique_ptr<hybTrajectory> start = failedAt(cycles, later);
         if (start == nullptr)
             continue;
-        for (auto& entry : replay(std::move(start), one, timeBack(cycles)))
+        for (auto& entry : replay(std::move(start), later, timeBack(cycles)))
             agreeing.emplace(entry.second->traj->rank, std::move(entry.second));
         if (agreeing.size() > 1)
             mergeReplayed(agreeing, now);
@@ -367,21 +512,20 @@ Source lastStep(RunState::Dropped const& dropped) {
     return source;
 }
 
-// The distinct sets of new failures among the explanations, in their order.
+// The distinct cases among the explanations that add a failure, in their order.
 std::vector<Case> casesOf(hybTrajectory const& candidate, HybMap const& found) {
     std::vector<Case> cases;
     for (auto const& entry : found) {
-        std::vector<Failure> failures = newFailures(candidate, *entry.second->traj);
-        if (failures.empty())
+        Case one = caseOf(*candidate.traj, *entry.second->traj);
+        if (one.failures.empty())
             continue;
-        auto const same = std::find_if(cases.begin(), cases.end(), [&failures](Case const& one) {
-            return areTheSame(one.failures, failures);
+        auto const same = std::find_if(cases.begin(), cases.end(), [&one](Case const& other) {
+            return areTheSame(other, one);
         });
-        double const proba = entry.second->traj->proba;
         if (same == cases.end())
-            cases.push_back({std::move(failures), proba});
+            cases.push_back(std::move(one));
         else
-            same->proba = std::max(same->proba, proba);
+            same->proba = std::max(same->proba, one.proba);
     }
     return cases;
 }
@@ -393,32 +537,36 @@ void keepDropped(RunState& run, double time) {
         run.dropped.push_back({time, std::move(entry.second)});
     while (run.dropped.size() > mostDropped)
         run.dropped.pop_front();
-    while (!run.dropped.empty() && run.dropped.front().time < time - run.tavro_rt->twc)
+    double const window = run.tavro_rt->twc * run.tavro_rt->Ts;
+    while (!run.dropped.empty() && run.dropped.front().time < time - window)
         run.dropped.pop_front();
 }
 
-void dateExplanations(RunState& run, hybTrajectory const& candidate, HybMap const& found,
-                      int threshold, double now, HybMap& out) {
-    int budget = cyclesOfOneDiagnosis;
-    {
-        KeptLine const line(run.engine);
-        Hushed const out1(run.out);
-        Hushed const err1(run.err);
-        for (Case const& one : casesOf(candidate, found)) {
-            HybMap agreeing;
-            auto const tryOn = [&](Source const& source) {
-                Dating(run, threshold, source, *candidate.rt, now, budget).tryDates(one, agreeing);
-            };
-            tryOn(wholeWindow(candidate, now));
-            for (RunState::Dropped const& dropped : run.dropped)
-                tryOn(lastStep(dropped));
-            for (auto& entry : agreeing) {
-                entry.second->traj->proba = one.proba;
-                out.emplace(entry.first, std::move(entry.second));
-            }
+bool dateExplanations(RunState& run, hybTrajectory const& candidate, HybMap const& found,
+                      int threshold, double now, int budget, HybMap& out) {
+    KeptLine const line(run.engine);
+    KeptEvents const events(run.scheduler);
+    Hushed const out1(run.out);
+    Hushed const err1(run.err);
+    std::vector<Case> const cases = casesOf(candidate, found);
+    bool whole = true;
+    for (std::size_t i = 0; i < cases.size(); ++i) {
+        int const share = budget / static_cast<int>(cases.size() - i);
+        int left = share;
+        HybMap agreeing;
+        auto const tryOn = [&](Source const& source) {
+            Case const one = caseOn(*source.candidate.traj, cases[i]);
+            Dating(run, threshold, source, one, *candidate.rt, now, left).tryDates(agreeing);
+        };
+        tryOn(wholeWindow(candidate, now));
+        for (RunState::Dropped const& dropped : run.dropped)
+            tryOn(lastStep(dropped));
+        for (auto& entry : agreeing) {
+            entry.second->traj->proba = cases[i].proba;
+            out.emplace(entry.first, std::move(entry.second));
         }
+        whole = whole && left > 0;
+        budget -= share - std::max(left, 0);
     }
-    if (budget <= 0)
-        run.err << "answer: the dates were searched for " << cyclesOfOneDiagnosis
-                << " cycles and no further: failures may have begun earlier\n";
+    return whole;
 }

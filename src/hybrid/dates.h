@@ -23,13 +23,19 @@
 // true one and lies within the window, and then it is never dropped but by the same check that
 // raises alarms; the union covers it.
 //
+// Of several new failures the first is tried at every date; the others come where the search placed
+// them, or with the first where that is later, and so do earlier diagnosed failures of the
+// candidate that a start goes back behind. A start from which a state is reached in which a run
+// cannot go on is no date either.
+//
 // A candidate that has switched at one time and no longer agrees is dropped as long as another one
 // does. When all are lost later, the failure may have come where the dropped one switched, in place
 // of its switching; so the latest dropped ones are kept for a while, and the failures that explain
 // the others are tried at the step of theirs, too.
 //
-// An explanation without a failure keeps its classic replay. When no date of any explanation
-// agrees, the explanations are followed from the steps where the search placed them.
+// An explanation without a failure is a history that the run has followed, and lost, already. Only
+// when no date of any explanation agrees is it followed, as the others then are, from the step
+// where the search placed it.
 #pragma once
 
 #include "hybrid/tavro-runt.h"
@@ -37,8 +43,9 @@
 // Keeps the misbehaving candidates of this step, which are dropped, in run.dropped.
 void keepDropped(RunState& run, double time);
 
-// Replaces the candidates *found*, explanations of the misbehaving *candidate*, by what they come
-// to from every date that agrees with the measures, in *out*.
+// Replaces the candidates *found*, explanations of the misbehaving *candidate* that add a failure,
+// by what they come to from every date that agrees with the measures, in *out*. Each of them gets
+// its share of the *budget*; false when that was too little for one of them.
 // Uses the tracked candidates of the run as its work place.
-void dateExplanations(RunState& run, hybTrajectory const& candidate, HybMap const& found,
-                      int threshold, double now, HybMap& out);
+bool dateExplanations(RunState& run, hybTrajectory const& candidate, HybMap const& found,
+                      int threshold, double now, int budget, HybMap& out);

@@ -49,6 +49,8 @@ void insertDiagnosis(RunState& run, std::unique_ptr<hybTrajectory> candidate, Hy
         return;
     for (auto const& set : *candidate->rt->bridgeConflicts) {
         hybTrajectory const copy(candidate.get(), candidate->traj->getCurrentTime() + 1);
+        if (run.rules.again)
+            settleMoves(*copy.traj);
         TrajectoryMap const results = run.scheduler.Diagnose(copy.traj.get(), allFalse(set));
         for (auto const& result : results)
             out.emplace(result.first, std::make_unique<hybTrajectory>(
@@ -77,22 +79,41 @@ std::vector<Explained> explainEach(RunState& run, HybMap misbehaving, int isolat
     return all;
 }
 
+// What one diagnosis may spend on dates, in cycles of one candidate, and how much of it for one of
+// those that it explains: some seconds. The dates that are left out when it is spent are the
+// earliest, since a failure is mostly noticed soon.
+constexpr int cyclesOfOneDiagnosis = 60000;
+constexpr int cyclesOfOneCandidate = 20000;
+
+// What the explanations come to from every date that agrees with the measures.
+HybMap dateEach(RunState& run, std::vector<Explained> const& all, int threshold, double time) {
+    HybMap dated;
+    int const each = cyclesOfOneDiagnosis / static_cast<int>(std::max<std::size_t>(all.size(), 1));
+    int const share = std::min(each, cyclesOfOneCandidate);
+    bool whole = true;
+    for (Explained const& one : all)
+        if (!dateExplanations(run, *one.candidate, one.explanations, threshold, time, share, dated))
+            whole = false;
+    if (!whole)
+        run.err << "answer: the dates were searched for " << share
+                << " cycles of each candidate and no further: failures may have begun earlier\n";
+    return dated;
+}
+
 // Follows the explanations from every date that agrees with the measures, or, when none does, from
 // where the search placed them.
 HybMap followDated(RunState& run, std::vector<Explained> all, int threshold, double time) {
-    HybMap dated;
-    for (Explained const& one : all)
-        dateExplanations(run, *one.candidate, one.explanations, threshold, time, dated);
+    HybMap followed = dateEach(run, all, threshold, time);
     // What was dated agrees with the measures: whatever follows is a new loss.
-    run.lost = dated.empty();
+    run.lost = followed.empty();
     if (!run.lost) {
         run.dropped.clear();
-        return dated;
+        return followed;
     }
     for (Explained& one : all)
         for (auto& entry : one.explanations)
-            replayExplanation(run, std::move(entry.second), time, threshold, dated);
-    return dated;
+            replayExplanation(run, std::move(entry.second), time, threshold, followed);
+    return followed;
 }
 
 bool areAllUnknown(HybMap const& candidates) {
@@ -157,7 +178,9 @@ HybMap copyHybTrajectories(HybMap const& trajectories) {
 // every new loss of all candidates is diagnosed, a loss being new when some candidate has agreed
 // since the last one. It is sound as the first diagnosis is: the candidates that are explained are
 // those that were followed. When nothing explains a loss, the run does not end, as the classic one
-// does: its candidates are followed on, as misbehaving ones, until they agree again.
+// does: its candidates are followed on, as misbehaving ones, until they agree again. What an
+// earlier diagnosis has put into a history is settled then: the replay begins at what the new one
+// adds.
 bool mayDiagnose(RunState const& run) {
     return run.rules.again ? !run.lost : !run.diag_flag;
 }

@@ -135,6 +135,8 @@ bool applyContinuously(s_runtime* rt) {
     std::unique_ptr<s_runtime> const copy = copyOfJumpBefore(rt);
     applyBounds(copy.get(), false);
     sn_doStepTempo(copy.get());
+    sn_enterInputs(copy.get());
+    sn_enterMeasures(copy.get());
     sn_doStepUntemp(copy.get());
     bool const assigned = applyBounds(rt, false);
     walkMappingFuncs(rt, false,

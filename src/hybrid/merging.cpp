@@ -5,6 +5,7 @@
 #include "continuous/sorn-runt.h"
 #include "hybrid/merging.h"
 #include "hybrid/tavro-runt.h"
+#include "model/labels.h"
 #include "support/numbers.h"
 #include "trajectory/DataManagerrt.h"
 
@@ -28,20 +29,36 @@ bool overlap(s_Objet const& a, s_Objet const& b) {
     return sn_interObjet(&common, &b) == 1 || sn_eqObjet(&a, &b) == 1;
 }
 
+// Whether each mode of one history, as it was last, is that of the other.
+bool endInTheSameModes(Trajectory const& a, Trajectory const& b) {
+    auto const label = [](Trajectory const& history, char const* id) {
+        TrajEl const* element = history.getElt(id, history.getCurrentTime(), 0);
+        return element != nullptr && element->evalTrajEl();
+    };
+    for (auto const& [step, state] : a.states)
+        for (auto const& [id, element] : state->elts)
+            if (element != nullptr && element->getVarType() == typeMode &&
+                label(a, id) != label(b, id))
+                return false;
+    return true;
+}
+
 // Rule `regions`. The last states of two histories may be equal while their runtimes lie in
-// different validity spaces: a state holds the components that changed at its step, and the space
-// may have been entered at an earlier one. The classic merge unites them all the same, and the
-// value of the variable that the space is about then lies on both sides of a threshold, in a
-// runtime that counts as being on one. The next split parts them again, each as wide as the piece
-// allows, and with the conditions of neither. Here candidates of different spaces stay apart. That
-// is sound, since nothing is lost by not merging.
-bool liesApart(s_runtime const& a, s_runtime const& b) {
-    return a.engine->rules.regions && a.valSpc != b.valSpc;
+// different validity spaces, or while the histories end in different modes: a state holds the
+// components that changed at its step, and the space or the mode may have been entered at an
+// earlier one. The classic merge unites them all the same. The value of the variable that the space
+// is about then lies on both sides of a threshold, in a runtime that counts as being on one; the
+// next split parts them again, each as wide as the piece allows, and with the conditions of
+// neither. And of two modes one is lost, with what it explains. Here candidates of different spaces
+// or modes stay apart. That is sound, since nothing is lost by not merging.
+bool liesApart(hybTrajectory const& a, hybTrajectory const& b) {
+    return a.rt->engine->rules.regions &&
+           (a.rt->valSpc != b.rt->valSpc || !endInTheSameModes(*a.traj, *b.traj));
 }
 
 bool areTheSame(hybTrajectory& a, hybTrajectory const& b) {
     return DataManager::compareTrajsStates(a.traj->getLastState(), b.traj->getLastState()) &&
-           !liesApart(*a.rt, *b.rt) && intersectObsRt(a.rt.get(), b.rt.get());
+           !liesApart(a, b) && intersectObsRt(a.rt.get(), b.rt.get());
 }
 
 // What was, as far as either knows: a failure that is dated later may have begun in the past of

@@ -241,6 +241,16 @@ void StepwiseRun::giveCommands(std::vector<Atom*> const& commands, double when) 
     event->atoms.insert(event->atoms.end(), commands.begin(), commands.end());
 }
 
+// A diagnosis that goes back in time gives the commands of the window again.
+void StepwiseRun::forgetCommands(double when) {
+    Scenario& scenario = run.scheduler.scenario;
+    if (!run.rules.dates)
+        scenario.erase(when);
+    else
+        scenario.erase(scenario.begin(),
+                       scenario.lower_bound(when - run.tavro_rt->twc * run.tavro_rt->Ts));
+}
+
 tavro::Step StepwiseRun::hybridStep(tavro::Line const& line) {
     std::vector<Atom*> const commands = atomsOf(line.commands, names.commands, "command");
     require(line.observations.empty(), ErrorKind::data,
@@ -256,9 +266,10 @@ tavro::Step StepwiseRun::hybridStep(tavro::Line const& line) {
     countdown -= run.tavro_rt->Ts;
     bool nominal = false;
     tavro_doCycle(run, asked, countdown, when, nominal);
-    // A diagnosis that goes back in time gives past commands again.
-    if (!run.rules.dates)
-        run.scheduler.scenario.erase(when);
+    // By the rule `cover` the last candidate may go.
+    if (run.tracked_trajs.empty())
+        throw RunStopped(RunStopped::noCover, "no candidate is left");
+    forgetCommands(when);
     tavro::Step told;
     told.time = when;
     if (detecting() && !nominal) {
@@ -281,6 +292,7 @@ void StepwiseRun::diagnose(tavro::Step& told) {
     run.misbtrajs = std::move(run.tracked_trajs);
     run.tracked_trajs.clear();
     diagnoseMisbTrajs(run, isolating, told.time);
+    limitCandidates(run, told.time, false);
     run.ntrajs.clear();
     run.misbtrajs.clear();
     run.hybNT = run.tracked_trajs.empty() ? nullptr : run.tracked_trajs.begin()->second.get();

@@ -48,6 +48,7 @@ private:
     tavro::Step hybridStep(tavro::Line const& line);
     tavro::Step discreteStep(tavro::Line const& line);
     void giveCommands(std::vector<Atom*> const& commands, double when);
+    void forgetCommands(double when);
     void diagnose(tavro::Step& told);
     void describeCandidates(tavro::Step& told) const;
 

@@ -26,6 +26,7 @@ Trajectory::Trajectory(Trajectory const* source, int upTo) : Trajectory(source->
     rank = source->rank;
     proba = source->proba;
     transByTime = source->transByTime;
+    settled = source->settled;
     timeCorr = source->timeCorr;
     dated = source->dated;
     stepDates = source->stepDates;

@@ -135,6 +135,7 @@ public:
     double proba = 0.0;  // written by the search and the discrete run
     int stepCount = 0;   // goes up with currentTime, but not down again
     std::optional<TransByTime> transByTime;        // transitions by step, of a diagnosed history
+    std::optional<TransByTime> settled;            // the same of earlier diagnoses (rule `again`)
     std::vector<std::pair<int, double>> timeCorr;  // discrete step to continuous time
     // When a transition of the history was taken, by its id, where that is a range of times; and
     // the same of every step, where candidates that were merged had taken it at different times.

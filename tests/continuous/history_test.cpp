@@ -1,6 +1,8 @@
 // Histories: what they hold, that copies part, and a plain shifted array beside them.
 #include "continuous/history.h"
 
+#include <algorithm>
+
 #include "engine_fixture.h"
 
 namespace engine_test {
@@ -276,6 +278,71 @@ TEST(HistoryTwin, AllShortSequences) {
             doOperation(pair, rest % kinds, i);
         ASSERT_EQ(pair.problem(), "") << "sequence " << code;
     }
+}
+
+// ---- Covering another history ----
+
+// The greater of both.
+void takeGreater(History<int>& history, History<int> const& other) {
+    history.cover(other, [](int& value, int const& theirs) {
+        bool const changes = theirs > value;
+        value = std::max(value, theirs);
+        return changes;
+    });
+}
+
+TEST(HistoryCover, EveryEntryMeetsThatOfTheOther) {
+    History<int> one = historyOf<int>({1, 5, 3}), other = historyOf<int>({2, 4, 3});
+    takeGreater(one, other);
+    EXPECT_EQ(entries(one), "2 5 3");
+    EXPECT_EQ(entries(other), "2 4 3");
+}
+
+TEST(HistoryCover, NoEntriesAreCovered) {
+    History<int> none, other;
+    takeGreater(none, other);
+    EXPECT_EQ(none.size(), 0);
+}
+
+// What is widened is the same as in plain arrays, whatever the two share: a past in common, pushes
+// of their own, and other numbers of pushes and of entries that were forgotten.
+TEST(HistoryCover, TwoThatPartedBesidePlainArrays) {
+    for (int const length : {1, 5, block, block + 3, 3 * block})
+        for (int const common : {0, 1, block - 1, block, 2 * block + 5})
+            for (int const own : {0, 1, block / 2, block + 1})
+                for (int const forgotten : {0, 1, block}) {
+                    History<int> one = counted(length, common);
+                    History<int> other = one;
+                    for (int i = 0; i < own; ++i) {
+                        one.push(i % 3 == 0 ? 1000 + i : i);
+                        other.push(i % 2 == 0 ? 2000 + i : i);
+                    }
+                    other.forgetNewest(forgotten, 7);
+                    std::vector<int> expected;
+                    for (int i = 0; i < length; ++i)
+                        expected.push_back(std::max(one[i], other[i]));
+                    std::string const untouched = entries(other);
+                    takeGreater(one, other);
+                    for (int i = 0; i < length; ++i)
+                        ASSERT_EQ(one[i], expected[static_cast<std::size_t>(i)])
+                            << length << " " << common << " " << own << " " << forgotten;
+                    ASSERT_EQ(entries(other), untouched);
+                }
+}
+
+// Entries of shared storage are not even looked at.
+TEST(HistoryCover, WhatIsSharedIsPassedOver) {
+    History<int> one = counted(2 * block, 2 * block);
+    History<int> other = one;
+    one.push(1);
+    other.push(2);
+    int looked = 0;
+    one.cover(other, [&looked](int&, int const&) {
+        ++looked;
+        return false;
+    });
+    // Each push went into a block of its own; all others are the same.
+    EXPECT_EQ(looked, 1);
 }
 
 }  // namespace

@@ -254,5 +254,61 @@ TEST_F(PartialCopy, OutsideTheContinuousWindowTheRunStops) {
     EXPECT_TRUE(call(3, 100, 400, 5).ends_with("#"));
 }
 
+// ---- By whole cycles ----
+
+// Two cycles ago the value was 2, the measure 102, and the flags of that measure are set. What the
+// histories no longer reach stays as their oldest entry has it. The source is left alone.
+TEST(CopyMovedBack, IsTheRuntimeOfThatCycle) {
+    Moved moved(4);
+    moved.v->lowalarm = 3;
+    moved.v->meshighmisb = moved.v->mesmisb = 1;
+    auto const copy = sn_copyMovedBack(&moved.plant.rt, 2);
+    s_Variable const& v = *copy->dico[0];
+    EXPECT_EQ(text(v.old), "2");
+    EXPECT_EQ(text(v.new_), "2");
+    EXPECT_EQ(text(v.mes), "102");
+    EXPECT_EQ(v.lowalarm, 1);
+    EXPECT_EQ(v.highalarm, 1);
+    EXPECT_EQ(v.meshighmisb + v.meslowmisb + v.mesmisb, 0);
+    EXPECT_EQ(entries(v.histo), "3 4 4 4");
+    EXPECT_EQ(entries(v.mesHisto), "103 104 104 104");
+    EXPECT_EQ(entries(v.lowHisto), "203 204 204 204");
+    EXPECT_EQ(entries(moved.v->histo), "1 2 3 4");
+    EXPECT_EQ(text(moved.v->old), "-1");
+}
+
+// The classic move by one unit of time lands a cycle further back.
+TEST(CopyMovedBack, OneCycleIsOneEntry) {
+    Moved moved(4);
+    EXPECT_EQ(text(sn_copyMovedBack(&moved.plant.rt, 1)->dico[0]->old), "1");
+    moved.move(4, 5);
+    EXPECT_EQ(text(moved.v->old), "2");
+}
+
+TEST(CopyMovedBack, NoCycleIsACopy) {
+    Moved moved(3);
+    std::string const before = moved.state();
+    auto const copy = sn_copyMovedBack(&moved.plant.rt, 0);
+    EXPECT_EQ(text(copy->dico[0]->old), "-1");
+    EXPECT_EQ(entries(copy->dico[0]->histo), "1 2 3");
+    EXPECT_EQ(moved.state(), before);
+}
+
+TEST(CopyMovedBack, WhatHasNoHistoryKeepsItsValue) {
+    Moved moved(0);
+    auto const copy = sn_copyMovedBack(&moved.plant.rt, 3);
+    EXPECT_EQ(text(copy->dico[0]->old), "-1");
+    EXPECT_EQ(text(copy->dico[0]->mes), "-3");
+    EXPECT_EQ(copy->dico[0]->lowalarm, 0);
+}
+
+// Behind the window nothing is known to have been different.
+TEST(CopyMovedBack, BeyondTheHistoriesTheOldestEntryIsLeft) {
+    Moved moved(3);
+    auto const copy = sn_copyMovedBack(&moved.plant.rt, 9);
+    EXPECT_EQ(text(copy->dico[0]->old), "-1");
+    EXPECT_EQ(entries(copy->dico[0]->histo), "3 3 3");
+}
+
 }  // namespace
 }  // namespace engine_test

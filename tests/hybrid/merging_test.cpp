@@ -141,7 +141,7 @@ TEST(Merge, ATimeBeyondTheTableDoesNoHarm) {
 
 class Redux : public testing::Test {
 protected:
-    Redux() : run(0.95) {}
+    explicit Redux(char const* rules = "classic") : settings(withRules(rules)), run(0.95) {}
 
     // Adds a copy of the first candidate with those bounds of the rate and of the temperature.
     hybTrajectory& add(double rateInf, double rateSup, double tempInf, double tempSup) {
@@ -160,6 +160,7 @@ protected:
         return found;
     }
 
+    WithSettings settings;
     RoomRun run;
     HybMap candidates;
 };
@@ -217,6 +218,66 @@ TEST_F(Redux, OneCandidateOrNoneIsLeftAlone) {
     sn_reduxTrajs(candidates, 1.0);
     EXPECT_TRUE(candidates.empty());
     add(0.0, 1.0, 4.0, 5.0);
+    sn_reduxTrajs(candidates, 1.0);
+    EXPECT_EQ(candidates.size(), 1u);
+}
+
+// ---- Rule `regions` ----
+
+// Every candidate has a last step in which nothing but the room is told, as after a threshold.
+class Apart : public Redux {
+protected:
+    explicit Apart(char const* rules = "regions") : Redux(rules) {}
+
+    hybTrajectory& addAtThreshold() {
+        hybTrajectory& added = add(0.0, 1.0, 4.0, 5.0);
+        Trajectory& history = *added.traj;
+        int const next = history.getCurrentTime() + 1;
+        streamsOf([&] {
+            history.addState(next, std::make_unique<State>(theRun().scheduler.book));
+            history.addComp(theComp("room"), history.getLastState(), next, true, false);
+        });
+        history.setTimeCorr(1.0);
+        return added;
+    }
+    // The thermostat has been stuck since the step before.
+    static void stick(hybTrajectory const& candidate) {
+        Trajectory const& history = *candidate.traj;
+        int const t = history.getCurrentTime();
+        history.getElt("thermostat.mode=on", t, 0)->setLabel("false");
+        history.getElt("thermostat.mode=stuck_on", t, 0)->setLabel("true");
+    }
+};
+class ApartClassic : public Apart {
+protected:
+    ApartClassic() : Apart("classic") {}
+};
+
+TEST_F(Apart, EqualCandidatesBecomeOne) {
+    addAtThreshold();
+    addAtThreshold();
+    sn_reduxTrajs(candidates, 1.0);
+    EXPECT_EQ(candidates.size(), 1u);
+}
+
+TEST_F(Apart, OtherSpacesStayApart) {
+    addAtThreshold();
+    addAtThreshold().rt->valSpc = {0, 1, 1, 0};
+    sn_reduxTrajs(candidates, 1.0);
+    EXPECT_EQ(candidates.size(), 2u);
+}
+
+TEST_F(Apart, OtherModesOfAnEarlierStepStayApart) {
+    addAtThreshold();
+    stick(addAtThreshold());
+    sn_reduxTrajs(candidates, 1.0);
+    EXPECT_EQ(candidates.size(), 2u);
+}
+
+TEST_F(ApartClassic, TheLastStateAloneCounts) {
+    addAtThreshold();
+    stick(addAtThreshold());
+    addAtThreshold().rt->valSpc = {0, 1, 1, 0};
     sn_reduxTrajs(candidates, 1.0);
     EXPECT_EQ(candidates.size(), 1u);
 }

@@ -22,8 +22,10 @@ bool Scheduler::takeFailure(Trajectory* traj, s_runtime* rt, Transition* failure
         traj->removeLastState();
         return false;
     }
+    noteUnknown(next.get());
     traj->addState(t + 1, std::move(next));
     traj->setTimeCorr(when);
+    weighSteps(traj, t);
     if (!traj->transByTime)
         traj->transByTime.emplace();
     traj->transByTime->insert({t + 1, failure});

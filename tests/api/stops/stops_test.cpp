@@ -41,8 +41,8 @@ tavro::Line lineAt(double flow, int time) {
 }
 
 // A run that has stopped answers with the same error again.
-End endOf(char const* plant, double flow) {
-    tavro::Run run(tavro::Plant::builtin(plant));
+End endOf(char const* plant, double flow, char const* rules = "classic") {
+    tavro::Run run(tavro::Plant::builtin(plant), {.rules = rules});
     End end, again;
     end.code = codeOf([&] { run.start(lineAt(flow, 0)); }, end.text);
     for (int time = 1; time <= steps && end.code == TAVRO_OK; ++time)
@@ -99,6 +99,11 @@ TEST(Stops, AValueThatNoConditionCovers) {
     End const end{TAVRO_NO_COVER, "no condition covers a value of basin.x", 1.0};
     EXPECT_EQ(endOf("basin", 13.0), end);
     EXPECT_EQ(endInC("basin", 13.0), end);
+}
+
+// The candidate goes, and no other is there.
+TEST(Stops, AValueThatNoConditionCoversEndsTheLastCandidate) {
+    EXPECT_EQ(endOf("basin", 13.0, "cover"), (End{TAVRO_NO_COVER, "no candidate is left", 1.0}));
 }
 
 // By 4 a step it is at 9, and at 13 it must be high, which the rule forbids while the pump is on.
