@@ -1,10 +1,10 @@
 // The incremental truth maintenance engine.
 //
 // Every step of a candidate history is a State of elements. An element carries a three-valued
-// label, the clause that justifies it, the elements that depend on it, a propagation number that
-// rises along every chain of supports, and a lock. Labels never live on the shared atoms during a
-// search: a change is made on a private copy of the state, so that a retraction in one branch
-// cannot touch another one.
+// label, the clause that justifies it, the elements that depend on it, a propagation number that is
+// above those of its support when that is given, and a lock. Labels never live on the shared atoms
+// during a search: a change is made on a private copy of the state, so that a retraction in one
+// branch cannot touch another one.
 //
 // addPropositions is the entry: it asserts propositions in a state and answers the consistent
 // states that follow, depth first, each a branch (ItmsRes). The functions are grouped by the file
@@ -123,9 +123,12 @@ public:
     // ---- Invariants (invariants.cpp) ----
 
     // What does not hold of a state that the engine works on, or null: the invariants of the state,
-    // and that each supported element stands on a clause that mentions it, and has a higher number
-    // than the others of that clause.
+    // and that each element has a number of 0 and no support, or stands on a clause that mentions
+    // it.
     static char const* brokenSupports(State const& state);
+    // Whether the number of a supported element is above those of the others of its clause in the
+    // state. So it is when the support is given; a later flip of another may raise that one.
+    static bool risesAboveSupport(TrajEl const& element, State const& state);
 
     // ---- Unit propagation (propagate.cpp) ----
 

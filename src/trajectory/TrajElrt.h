@@ -17,7 +17,6 @@
 #include <vector>
 
 #include "model/Atom.h"
-#include "model/labels.h"
 #include "trajectory/TrajectoryBook.h"
 
 class Clause;
@@ -56,10 +55,7 @@ public:
     Atom* getAtomLink(std::string const& id) const { return atom->getAtomLink(id); }
 
     std::string const& getLabel() const { return label; }
-    void setLabel(std::string const& newLabel) {
-        assert(isLabel(newLabel));
-        label = newLabel;
-    }
+    void setLabel(std::string const& newLabel) { label = newLabel; }
     bool isLabelled(char const* text) const { return label == text; }
     bool eq(TrajEl const& other) const { return atom == other.atom; }
     bool evalTrajEl() const;
@@ -87,7 +83,7 @@ public:
     std::string label;
     Clause* support = nullptr;          // the justification of the label; null for a premise
     std::vector<TrajEl*> consequences;  // elements whose support uses this one
-    int propagationNumber = 0;          // rises along a chain of supports; 0 after a retraction
+    int propagationNumber = 0;  // above those of the support when that is given; 0 without one
     int lock = LOCK_FREE;
     double proba = 1.0;
     TrajectoryBook& book;

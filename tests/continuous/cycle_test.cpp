@@ -436,10 +436,10 @@ TEST_F(Start, AWindowOfMisbehavioursForEachMeasure) {
     start(0, 3);
     EXPECT_EQ(entries(a->misbHisto) + " | " + entries(b->misbHisto), "0 0 0 | 0 0 0");
     EXPECT_EQ(plant.rt.misbWindow, 3);
-    a->misbHisto = {1, 1};
+    a->misbHisto = {1, 1, 1};
     for (int const none : {0, -4}) {
         start(0, none);
-        EXPECT_EQ(entries(a->misbHisto), "1 1");
+        EXPECT_EQ(entries(a->misbHisto), "1 1 1");
         EXPECT_EQ(plant.rt.misbWindow, 3);
     }
 }

@@ -28,6 +28,22 @@ TEST_F(ItmsInvariants, HoldWithoutAndWithASupport) {
     EXPECT_EQ(broken(), nullptr);
 }
 
+TEST_F(ItmsInvariants, AnElementWithoutASupportHasNoNumber) {
+    model.elt("r")->propagationNumber = 1;
+    EXPECT_STREQ(broken(), "an element without a support has a number");
+}
+
+TEST_F(ItmsInvariants, ANumberIsAboveThoseOfTheSupport) {
+    TrajEl* q = model.elt("q");
+    q->support = clause;
+    q->propagationNumber = 2;
+    model.elt("p")->propagationNumber = 1;
+    model.elt("r")->propagationNumber = 7;
+    EXPECT_TRUE(itms::risesAboveSupport(*q, *model.state())) << "r stands elsewhere";
+    model.elt("p")->propagationNumber = 2;
+    EXPECT_FALSE(itms::risesAboveSupport(*q, *model.state()));
+}
+
 TEST_F(ItmsInvariants, NumbersAreNotNegative) {
     model.elt("r")->propagationNumber = -1;
     EXPECT_STREQ(broken(), "a propagation number is negative");

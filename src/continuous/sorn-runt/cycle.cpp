@@ -37,7 +37,7 @@ int step(s_runtime* rt, bool narrows, bool& invalid) {
 }  // namespace
 
 void sorn_initialize(s_runtime* rt, int global, double precision, char const* diagBuf, int window) {
-    assert(rt->engine != nullptr && sn_brokenRuntime(rt) == nullptr);
+    assert(rt->engine != nullptr);
     sn_updateDico(rt);
     sn_evalInfluCoefs(rt, rt->Ts);
     sn_enterInputs(rt);

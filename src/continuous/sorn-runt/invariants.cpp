@@ -8,19 +8,12 @@
 
 namespace {
 
-// The first sentence that is not null.
-char const* firstOf(std::initializer_list<char const*> sentences) {
-    for (char const* sentence : sentences)
-        if (sentence != nullptr)
-            return sentence;
-    return nullptr;
-}
-
-// Calls broken(record) for each record of a pool until one answers a sentence.
-template <typename Record, typename Broken>
-char const* firstBroken(std::vector<std::unique_ptr<Record>> const& pool, Broken broken) {
+// The first sentence that broken(rt, record) answers of a record of the pool, or null.
+template <typename Record>
+char const* firstBroken(s_runtime const& rt, std::vector<std::unique_ptr<Record>> const& pool,
+                        char const* (*broken)(s_runtime const&, Record const&)) {
     for (auto const& record : pool)
-        if (char const* sentence = broken(*record))
+        if (char const* sentence = broken(rt, *record))
             return sentence;
     return nullptr;
 }
@@ -174,16 +167,23 @@ bool isOrdered(s_Objet const& value) {
 
 }  // namespace
 
+// Each look relies on those before it: that a pointer is of the runtime comes before what it leads
+// to.
 char const* sn_brokenRuntime(s_runtime const* rt) {
-    if (char const* broken = firstOf({brokenPools(*rt), brokenLists(*rt), brokenSizes(*rt)}))
-        return broken;
-    auto const ask = [rt](auto broken) {
-        return [rt, broken](auto const& record) { return broken(*rt, record); };
-    };
-    return firstOf(
-        {firstBroken(rt->dico, ask(brokenVariable)), firstBroken(rt->influ, ask(brokenInfluence)),
-         firstBroken(rt->cG, ask(brokenNode)), firstBroken(rt->condPool, ask(brokenCondition)),
-         firstBroken(rt->gvPool, ask(brokenGVar)), firstBroken(rt->exprPool, ask(brokenExpr))});
+    for (auto const broken : {brokenPools, brokenLists, brokenSizes})
+        if (char const* sentence = broken(*rt))
+            return sentence;
+    if (char const* sentence = firstBroken(*rt, rt->dico, brokenVariable))
+        return sentence;
+    if (char const* sentence = firstBroken(*rt, rt->influ, brokenInfluence))
+        return sentence;
+    if (char const* sentence = firstBroken(*rt, rt->cG, brokenNode))
+        return sentence;
+    if (char const* sentence = firstBroken(*rt, rt->condPool, brokenCondition))
+        return sentence;
+    if (char const* sentence = firstBroken(*rt, rt->gvPool, brokenGVar))
+        return sentence;
+    return firstBroken(*rt, rt->exprPool, brokenExpr);
 }
 
 char const* sn_brokenValues(s_runtime const* rt) {

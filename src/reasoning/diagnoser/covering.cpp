@@ -87,7 +87,7 @@ TrajectoryMap Diagnoser::coverTrack3(std::unique_ptr<Trajectory> trajectory, dou
     transitions_checked = 0;
     trajectories_checked = 0;
     double coverSum = 0.0;
-    assert(trajectory != nullptr && redux_diag.empty());
+    assert(trajectory != nullptr && trajectory->getLastState() != nullptr);
     int const t = trajectory->getCurrentTime();
     TrajectoryMap results;
     double rank = fromRank;

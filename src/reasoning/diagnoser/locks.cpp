@@ -1,6 +1,4 @@
 // Locks of elements, and the labels of an observed atom.
-#include <cassert>
-
 #include "model/StateVar.h"
 #include "model/labels.h"
 #include "reasoning/Diagnoser.h"
@@ -9,7 +7,6 @@ namespace {
 
 // Gives a free element and its siblings their locks; one that is held already keeps its own.
 void lockFree(TrajEl* element, State* state, LockStatus own, LockStatus siblings) {
-    assert(state->getElt(element->getId()) == element);
     state->locked = true;
     if (element->lock != LOCK_FREE)
         return;
@@ -39,7 +36,6 @@ void Diagnoser::lockTrajElsPerm(TrajEl* element, State* state) {
 }
 
 void Diagnoser::lockTrajElsNegPerm(TrajEl* element, State* state) {
-    assert(state->getElt(element->getId()) == element);
     element->lock = LOCK_FALSE_PERM;
     state->locked = true;
 }

@@ -28,7 +28,7 @@ namespace {
 // led into this step count once; they stood in the state that is replaced.
 std::unique_ptr<Trajectory> withState(Trajectory const* trajectory, int t,
                                       std::unique_ptr<State> outcome) {
-    assert(outcome != nullptr);
+    assert(outcome != nullptr && outcome->observed);
     auto history = std::make_unique<Trajectory>(trajectory, t);
     if (history->book.rules.histories)
         history->rank -= history->getStateRank(trajectory->getState(t));

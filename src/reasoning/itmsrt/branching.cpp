@@ -140,6 +140,7 @@ std::unique_ptr<ItmsRes> makeBranch(TrajEl const* candidate, Implicate const& im
     noteFailure(flipped, branch->state.get());
     engine.setSupport(conflict.clause, flipped, site);
     flipped->propagationNumber = engine.maxPropagationNumber(conflict.clause, site) + 1;
+    assert(itms::risesAboveSupport(*flipped, *branch->state));
     flip(engine.out, flipped, *branch);
     adoptPostProbs(flipped, branch->state.get());
     branch->focus = branch->already_changed;
@@ -177,7 +178,7 @@ std::unique_ptr<ItmsRes> itms::propagateThroughConflict(Clause* clause,
                                                         std::unique_ptr<ItmsRes> res,
                                                         Agenda& agenda, SearchLimits const& limits,
                                                         Trajectory* trajectory, int timestep) {
-    assert(res != nullptr && isViolated(clause, {res->state.get(), trajectory, timestep}));
+    assert(res != nullptr && res->state != nullptr);
     out << "[propagateThroughConflict] --> conflict :\n";
     clause->showClause(out, true);
     Conflict const conflict{clause, *res, limits, trajectory, timestep};

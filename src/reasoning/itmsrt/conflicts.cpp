@@ -122,6 +122,7 @@ void itms::resupportDependence(TrajEl* element, ElementTable& focus, StateSite c
             removeFromSupport(unknown, site);
             unknown->support = clause;
             unknown->propagationNumber = maxPropagationNumber(clause, site) + 1;
+            assert(risesAboveSupport(*unknown, *site.state));
             focus.insert({unknown->getId(), unknown});
         }
     }

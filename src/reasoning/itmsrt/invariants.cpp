@@ -10,20 +10,15 @@ bool mentions(Clause const* clause, Atom const* atom) {
                        [atom](auto const& literal) { return literal.second == atom; });
 }
 
-char const* brokenSupport(State const& state, TrajEl const& element) {
+char const* brokenSupport(TrajEl const& element) {
     if (element.propagationNumber < 0)
         return "a propagation number is negative";
     if (element.support == nullptr)
-        return nullptr;
-    if (!mentions(element.support, element.atom))
-        return "an element stands on a clause that does not mention it";
-    for (auto const& literal : element.support->atoms) {
-        TrajEl const* other = state.getElt(literal.second->getId());
-        if (other != nullptr && other != &element &&
-            other->propagationNumber >= element.propagationNumber)
-            return "a propagation number does not rise along a support";
-    }
-    return nullptr;
+        return element.propagationNumber == 0 ? nullptr
+                                              : "an element without a support has a number";
+    return mentions(element.support, element.atom)
+               ? nullptr
+               : "an element stands on a clause that does not mention it";
 }
 
 }  // namespace
@@ -33,7 +28,16 @@ char const* itms::brokenSupports(State const& state) {
         return broken;
     for (auto const& entry : state.elts)
         if (entry.second != nullptr)
-            if (char const* broken = brokenSupport(state, *entry.second))
+            if (char const* broken = brokenSupport(*entry.second))
                 return broken;
     return nullptr;
+}
+
+bool itms::risesAboveSupport(TrajEl const& element, State const& state) {
+    return std::all_of(element.support->atoms.begin(), element.support->atoms.end(),
+                       [&](auto const& literal) {
+                           TrajEl const* other = state.getElt(literal.second->getId());
+                           return other == nullptr || other == &element ||
+                                  other->propagationNumber < element.propagationNumber;
+                       });
 }

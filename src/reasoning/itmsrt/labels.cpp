@@ -3,7 +3,9 @@
 // How a circle of supports is kept out: the number of an element is one more than the highest of
 // its support clause, itself included; only an element of a number no higher than that of the
 // initial state can be given a new support; and a conflict does not change an element twice on a
-// branch. So the numbers along a chain of supports rise strictly.
+// branch. So an element is above all others of its clause when it gets that support. It need not
+// stay so: of two elements that were flipped for each other's clauses the later one is the higher,
+// and the earlier one keeps its support, for its own literal satisfies the clause.
 #include <algorithm>
 #include <cassert>
 
