@@ -224,13 +224,13 @@ struct Explanation {
     std::string from, to;       // modes: "on", "stuck_on"
     int step = 0;               // of the candidate's discrete history
     double time = 0.0;          // of that step
-    // The range of times at which it may have been taken: by the rule "dates", those that agree with
-    // what was measured; otherwise both are the time.
+    // The range of times at which it may have been taken: by the rule "dates", those that agree
+    // with what was measured; otherwise both are the time.
     double earliest = 0.0, latest = 0.0;
-    double rank = 0.0;          // of the candidate
-    bool failure = false;       // false: an ordinary transition that was assumed beside a failure
-    bool unknown = false;       // into a mode of which the plant tells nothing
-    std::string summary;        // "thermostat on -> stuck_on at 24"
+    double rank = 0.0;     // of the candidate
+    bool failure = false;  // false: an ordinary transition that was assumed beside a failure
+    bool unknown = false;  // into a mode of which the plant tells nothing
+    std::string summary;   // "thermostat on -> stuck_on at 24"
 };
 
 struct Step {
