@@ -83,6 +83,9 @@ void coverJumpBefore(s_runtime* rt, s_runtime const* copy) {
             continue;
         bool const assigned = variable->defined != 0;
         variable->defined = 1;
+        // Of a range an assignment has moved the old value alone.
+        if (assigned)
+            variable->new_ = variable->old;
         if (!assigned && isIntegrated(*variable) && flowsAlike(rt, *variable))
             continue;
         sn_uniObjet(&variable->new_, &copy->dico[static_cast<std::size_t>(variable->slot)]->new_);

@@ -2,16 +2,13 @@
 #include "fixtures/the_run.h"
 #include "trajectory/trajectory_fixture.h"
 
-using trajectory_fixture::printed;
 using trajectory_fixture::PumpHistory;
 
 namespace {
 
 // Steps 0, 1, 2 ... at the times 0, 10, 20 ...
 struct Dated : PumpHistory {
-    explicit Dated(int steps) {
-        printed([&] { addEmpty(steps); });
-    }
+    explicit Dated(int steps) { addEmpty(steps); }
     void setTime(int step, double time) {
         for (auto& entry : path.timeCorr)
             if (entry.first == step)
@@ -79,7 +76,7 @@ TEST(Dates, DatesGoWithTheirSteps) {
     one.path.coverDates(other.path);
     Trajectory const copy(&one.path, 3);
     EXPECT_EQ(copy.datesOf(1).from, 8.0);
-    printed([&] { one.addEmpty(4); });  // the window holds 5 of 7 states
+    one.addEmpty(4);  // the window holds 5 of 7 states
     EXPECT_EQ(one.path.firstTime, 2);
     EXPECT_TRUE(one.path.stepDates.empty());
     one.expect(1, Trajectory::noTime, Trajectory::noTime);

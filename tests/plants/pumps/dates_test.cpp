@@ -76,7 +76,7 @@ TEST_F(Dates, FailuresThatOnlyTogetherExplainComeTogether) {
 TEST_F(Dates, AFailureAtACommandHasItsDate) {
     begin("continuity,dates,histories", {});
     day->command(5.0, "valve.cmd=open");
-    day->command(6.0, "lamp.cmd=off");
+    day->command(7.0, "lamp.cmd=off");
     EXPECT_EQ(day->to(7), (std::vector<int>{7}));
     EXPECT_EQ(day->answers(), (Lines{"valve closed -> stuck at 5 (rank 1)"}));
     EXPECT_TRUE(Day::holds("valve.mode=stuck"));
