@@ -15,11 +15,11 @@ protected:
 };
 
 TEST_F(RunInvariants, HoldFromTheStartOn) {
-    EXPECT_EQ(broken(), nullptr);
+    EXPECT_STREQ(broken(), nullptr);
     room.cycle(detection(3), 1.0, 0.95);
-    EXPECT_EQ(broken(), nullptr);
+    EXPECT_STREQ(broken(), nullptr);
     clearMultiTrajs(theRun());
-    EXPECT_EQ(broken(), nullptr) << "a run that has ended";
+    EXPECT_STREQ(broken(), nullptr) << "a run that has ended";
 }
 
 TEST_F(RunInvariants, TheNominalCandidateIsTheFirst) {
@@ -27,7 +27,7 @@ TEST_F(RunInvariants, TheNominalCandidateIsTheFirst) {
     hybTrajectory* const first = std::exchange(theRun().hybNT, &other);
     EXPECT_STREQ(broken(), "the nominal candidate is not the first");
     theRun().hybNT = nullptr;
-    EXPECT_EQ(broken(), nullptr) << "there need not be one";
+    EXPECT_STREQ(broken(), nullptr) << "there need not be one";
     theRun().hybNT = first;
 }
 

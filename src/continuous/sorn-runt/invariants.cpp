@@ -122,11 +122,16 @@ char const* brokenInfluence(s_runtime const& rt, s_Influence const& influence) {
     return sized ? nullptr : "the history of a condition is shorter than its length";
 }
 
+// A coupling acts as a static link, and may stand among them.
+bool isOfKind(s_Influence const& influence, influType kind) {
+    return influence.type == kind || (kind == INF_STATIC && influence.type == INF_COUPLING);
+}
+
 char const* brokenNode(s_runtime const& rt, s_CGraph const& node) {
     if (!areIn(rt.influ, node.causes) || !areIn(rt.influ, node.effects))
         return "a node holds an influence of another runtime";
     for (s_Influence const* influence : node.causes)
-        if (influence->effect->graph != &node || influence->type != node.kind)
+        if (influence->effect->graph != &node || !isOfKind(*influence, node.kind))
             return "a cause does not end at its node, or is of another kind";
     for (s_Influence const* influence : node.effects)
         if (influence->cause->graph != &node)
