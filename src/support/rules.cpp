@@ -37,8 +37,10 @@ template <typename Wanted>
 std::string joined(char const* between, Wanted wanted) {
     std::string text;
     for (Named const& rule : all)
-        if (wanted(rule))
-            text += (text.empty() ? "" : between) + std::string(rule.name);
+        if (wanted(rule)) {
+            text += text.empty() ? "" : between;
+            text += rule.name;
+        }
     return text;
 }
 
