@@ -18,8 +18,9 @@ struct Setup {
     bool alike = false;  // the tank fills in both modes
 };
 
-// A tank that is filled by 2 a second in mode a, and loses 1 a second in mode b; a pipe that shows
-// the input in mode a, and twice the input in mode b. The pipe is measured.
+// One at a time: it has the run of all tests. A tank that is filled by 2 a second in mode a, and
+// loses 1 a second in mode b; a pipe that shows the input in mode a, and twice the input in mode b.
+// The pipe is measured.
 class Tank {
 public:
     explicit Tank(Setup const& setup) : model(withRules(setup.rules)) {
@@ -108,7 +109,9 @@ TEST(Continuity, AnIntegratedValueKeepsWhatTheSplitLeft) {
     tank.changeMode(1.0);
     expectBounds(tank.level->old, 10.0, 10.5);
     expectBounds(tank.level->histo[0], 6.0, 10.0);
+}
 
+TEST(Continuity, AnIntegratedValueKeepsWhatTheSplitLeftClassic) {
     Tank classic({.rules = "classic", .alike = true});
     classic.cycle(1.0);
     classic.keepOnly(10.0, 10.5);
@@ -127,7 +130,9 @@ TEST(Continuity, OnlyWhatCanHaveLedToTheChangeIsTakenForwardAgain) {
     tank.changeMode(1.0);
     expectBounds(tank.level->old, 7.0, 10.5);
     expectBounds(tank.level->histo[0], 6.0, 10.0);
+}
 
+TEST(Continuity, OnlyWhatCanHaveLedToTheChangeIsTakenForwardAgainClassic) {
     Tank classic({.rules = "classic"});
     classic.cycle(1.0);
     classic.keepOnly(10.0, 10.5);
