@@ -6,13 +6,36 @@
 // names it; the test of this folder pins the order.
 #pragma once
 
-#define _GLIBCXX_PERMIT_BACKWARD_HASH
+#include <algorithm>
 #include <cstring>
+#include <vector>
+#define _GLIBCXX_PERMIT_BACKWARD_HASH
 #include <ext/hash_map>
 #undef _GLIBCXX_PERMIT_BACKWARD_HASH
 
+// A copy walks in the order of its source: it has as many buckets, and what shares one is inserted
+// from the last to the first, since a new entry stands before the others of its bucket. The
+// library's own copy is not used, because it loses the entries copied so far when memory gives out
+// on the way.
 template <typename Key, typename Value, typename Equal = std::equal_to<Key>>
-using hash_map = __gnu_cxx::hash_map<Key, Value, __gnu_cxx::hash<Key>, Equal>;
+class hash_map : public __gnu_cxx::hash_map<Key, Value, __gnu_cxx::hash<Key>, Equal> {
+    using Table = __gnu_cxx::hash_map<Key, Value, __gnu_cxx::hash<Key>, Equal>;
+
+public:
+    hash_map() = default;
+    hash_map(hash_map const& source) : Table(source.bucket_count()) {
+        std::vector<typename Table::value_type const*> entries;
+        entries.reserve(source.size());
+        for (auto const& entry : source)
+            entries.push_back(&entry);
+        std::for_each(entries.rbegin(), entries.rend(),
+                      [this](auto const* entry) { this->insert(*entry); });
+    }
+    hash_map& operator=(hash_map source) {
+        this->swap(source);
+        return *this;
+    }
+};
 
 // Equality of zero-terminated strings. Keys are borrowed: they must outlive their entry.
 struct eqstr {

@@ -9,6 +9,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cstdint>
 #include <deque>
 #include <memory>
@@ -189,6 +190,24 @@ TEST(StringMap, EraseKeepsTheOrderOfTheOthers) {
         table.insert(key);
     table.entries.erase("af");
     EXPECT_EQ(table.walk(), (Keys{"ba", "a", "b"}));
+}
+
+// 389 entries in 389 buckets share many; "ba" and "af" share one of 193. A copy that entered them
+// in the order of the walk would turn each bucket round.
+TEST(StringMap, ACopyWalksLikeItsSource) {
+    Table table;
+    for (char const* key : {"ba", "af", "a"})
+        table.insert(key);
+    string_map<int> const few = table.entries;
+    EXPECT_STREQ(few.begin()->first, "af");
+    while (table.entries.size() < 389)
+        table.insert(std::to_string(7 * table.entries.size()));
+    string_map<int> const many = table.entries;
+    EXPECT_EQ(many.bucket_count(), 389u);
+    EXPECT_TRUE(std::equal(many.begin(), many.end(), table.entries.begin(), table.entries.end()));
+    table.entries = few;
+    EXPECT_EQ(table.entries.bucket_count(), 193u) << "an assignment takes the width over too";
+    EXPECT_TRUE(std::equal(few.begin(), few.end(), table.entries.begin(), table.entries.end()));
 }
 
 TEST(Eqstr, ComparesTexts) {
