@@ -110,9 +110,9 @@ void Course::noteStart() {
 
 void Course::start(std::vector<double> const& inputs) {
     assert(inputs.size() == rt->input.size());
+    drawFirstValues();
     for (std::size_t i = 0; i < inputs.size(); ++i)
         define(rt->input[i], inputs[i]);
-    drawFirstValues();
     restart();
 }
 
@@ -126,6 +126,7 @@ void Course::restart() {
         if (!variable->isParam && !own[static_cast<std::size_t>(variable->slot)]) {
             variable->defined = 0;
             variable->old = variable->new_ = s_Objet{};
+            sn_fillHisto(variable.get());
         }
     time = 0;
     defineTheRest();
@@ -245,19 +246,26 @@ void Course::showValues() {
             gvar->value = gvar->var->old;
 }
 
-// A constraint gives the value of what nothing predicts; elsewhere it is a statement about what is
-// true anyhow.
+// A constraint gives the value of what holds no state, in place of what its causes say roughly. On
+// a state or an input it is a statement, and the equations of the plant have to make it true.
+bool Course::isGivenBy(s_Expr const& constraint) const {
+    s_GVar const* gvar = constraint.gvar;
+    if (gvar->kind != GV_VARIABLE)
+        return false;
+    auto const isIn = [gvar](std::vector<s_Variable*> const& list) {
+        return std::find(list.begin(), list.end(), gvar->var) != list.end();
+    };
+    return !isIn(rt->input) && !isIn(rt->temporal);
+}
+
 void Course::solveConstraints() {
     showValues();
     for (s_Expr const* constraint : rt->gC) {
-        s_GVar* gvar = constraint->gvar;
-        if (gvar->kind != GV_VARIABLE || (gvar->var->graph && !gvar->var->graph->causes.empty()))
-            continue;
-        if (std::find(rt->input.begin(), rt->input.end(), gvar->var) != rt->input.end())
+        if (!isGivenBy(*constraint))
             continue;
         sn_evalSolFunc(rt.get(), constraint);
-        gvar->value = makeReal(middle(engine.TMP4));
-        current(gvar->var->slot) = middle(engine.TMP4);
+        constraint->gvar->value = makeReal(drawn(engine.TMP4, gains));
+        current(constraint->gvar->var->slot) = middle(constraint->gvar->value);
     }
 }
 

@@ -70,6 +70,7 @@ private:
     double nextFirstOrder(s_CGraph const& graph, int slot);
     double nextSecondOrder(s_CGraph const& graph, int slot);
     void update(s_Variable const& variable);
+    bool isGivenBy(s_Expr const& constraint) const;
     void solveConstraints();
     void showValues();
 

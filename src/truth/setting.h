@@ -32,8 +32,8 @@ struct Setting {
     std::uint64_t seed = 1;
     Uncertainty uncertainty = Uncertainty::constant;
     double noise = 0.0;  // of each measure: uniform in [-noise, noise]
-    std::vector<Fault> faults;
-    std::vector<Order> orders;
+    std::vector<Fault> faults{};
+    std::vector<Order> orders{};
 };
 
 }  // namespace truth

@@ -23,9 +23,17 @@ std::vector<double> inputsAt(std::size_t count, int time) {
     return values;
 }
 
-// The names of the variables whose true value no candidate that agrees has; "" when one has all.
-std::string missed(PlantNames const& names, Plant const& plant, Simulator const& truth,
-                   tavro::Step const& step) {
+struct Case {
+    char const* name;
+    CompiledModel const* model;
+    int steps;
+    std::set<std::string> left =
+        {};  // variables of which the engine is not bound to have the truth
+};
+
+// The variables whose true value no candidate has, with both; "" when one candidate has all.
+std::string missed(PlantNames const& names, Plant const& plant, std::set<std::string> const& left,
+                   Simulator const& truth, tavro::Step const& step) {
     std::string least = "all";
     for (tavro::Candidate const& candidate : step.candidates) {
         std::string outside;
@@ -36,20 +44,16 @@ std::string missed(PlantNames const& names, Plant const& plant, Simulator const&
             double const value = truth.values()[static_cast<std::size_t>((*variable)->slot)];
             tavro::Bounds const& bounds = candidate.bounds.at(name);
             double const slack = 1e-9 * (1.0 + std::fabs(value));
-            if (value < bounds.lower - slack || value > bounds.upper + slack)
-                outside += " " + name;
+            if (left.count(name) == 0 &&
+                (value < bounds.lower - slack || value > bounds.upper + slack))
+                outside += " " + name + std::to_string(value) + " in " +
+                           std::to_string(bounds.lower) + ".." + std::to_string(bounds.upper);
         }
         if (outside.size() < least.size() || least == "all")
             least = outside;
     }
     return least;
 }
-
-struct Case {
-    char const* name;
-    CompiledModel const* model;
-    int steps;
-};
 
 class Containment : public testing::TestWithParam<Case> {};
 
@@ -72,14 +76,19 @@ TEST_P(Containment, HealthyRunsStayWithinTheBounds) {
             step = run.step(
                 {.inputs = inputsAt(names.inputs.size(), k), .measures = truth.measures()});
             ASSERT_TRUE(step.alarms.empty()) << "seed " << seed << " step " << k;
-            ASSERT_EQ(missed(names, *plant, truth, step), "") << "seed " << seed << " step " << k;
+            ASSERT_EQ(missed(names, *plant, GetParam().left, truth, step), "")
+                << "seed " << seed << " step " << k;
         }
     }
 }
 
-INSTANTIATE_TEST_SUITE_P(Plants, Containment,
-                         testing::Values(Case{"room", &therm_model, 150},
-                                         Case{"rig", &rig_model, 60}),
-                         [](auto const& named) { return std::string(named.param.name); });
+// Of the rig, drift and ratio have no first value of their own and take one before the inputs are
+// there; still has a number beside an interval in a place where the engine reads neither.
+INSTANTIATE_TEST_SUITE_P(
+    Plants, Containment,
+    testing::Values(Case{"room", &therm_model, 150},
+                    Case{"rig", &rig_model, 60, {"rig.drift", "rig.ratio", "rig.still"}},
+                    Case{"works", &works_model, 60}),
+    [](auto const& named) { return std::string(named.param.name); });
 
 }  // namespace
