@@ -67,7 +67,7 @@ char* do_gets(char const* prompt);
 void stripWhite(char* text);
 // Obeys one line.
 void obeyLine(char* line);
-// Obeys lines until `quit`.
+// Obeys lines until `quit`, or until a signal wants the program to end.
 void runConsole();
 
 // ---- Start-up (start.cpp) ----

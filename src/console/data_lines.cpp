@@ -4,6 +4,7 @@
 #include <cctype>
 #include <cmath>
 
+#include "console/losses.h"
 #include "console/run.h"
 #include "support/numbers.h"
 
@@ -45,8 +46,8 @@ bool DataLines::readValue(std::FILE* stream, int index, int count, double* value
         tellWhatFollows(stream, number);
         return true;
     }
-    std::fprintf(stderr, "%s: value %d of time %g is not a number, %g stays\n", path.c_str(),
-                 index + 1, simTime, *value);
+    tellLoss("%s: value %d of time %g is not a number, %g stays\n", path.c_str(), index + 1,
+             simTime, *value);
     return result == 1;
 }
 
@@ -132,7 +133,7 @@ void DataLines::skipLine(std::FILE* stream) {
 
 void DataLines::tellEnd(std::FILE* stream, int index, int count) {
     if (std::ferror(stream) != 0)
-        std::fprintf(stderr, "Can't read file %s\n", path.c_str());
+        tellLoss("Can't read file %s\n", path.c_str());
     else if (index > 0)
         tellShort(index, count, "the next ones stay");
     else if (lastLine == 0)
@@ -152,6 +153,5 @@ void DataLines::tell(Kind kind, Place where, std::string const& text) {
     if (told[kind])
         return;
     told[kind] = true;
-    std::fprintf(stderr, "%s, line %d, column %d: %s\n", path.c_str(), where.line, where.column,
-                 text.c_str());
+    tellLoss("%s, line %d, column %d: %s\n", path.c_str(), where.line, where.column, text.c_str());
 }

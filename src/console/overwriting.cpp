@@ -3,11 +3,11 @@
 
 #include <sys/stat.h>
 
-#include <cstdio>
 #include <string>
 
 #include "console/console.h"
 #include "console/exchange.h"
+#include "console/losses.h"
 
 namespace {
 
@@ -35,8 +35,8 @@ bool wouldOverwriteInputs() {
     for (std::string const& output : {displayFile, modesFile, std::string(cycleBenchmark)})
         for (Input const& input : inputs)
             if (isSameFile(output, input.path)) {
-                std::fprintf(stderr, "Can't write file %s: it is the %s %s\n", output.c_str(),
-                             input.what, input.path.c_str());
+                tellLoss("Can't write file %s: it is the %s %s\n", output.c_str(), input.what,
+                         input.path.c_str());
                 found = true;
             }
     return found;

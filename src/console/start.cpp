@@ -5,6 +5,7 @@
 
 #include "console/console.h"
 #include "console/console_host.h"
+#include "console/losses.h"
 #include "console/options.h"
 #include "console/process.h"
 #include "continuous/records.h"
@@ -23,7 +24,8 @@ public:
     // name, whatever it begins with.
     RunSettings takeOptions() {
         RunSettings settings;
-        while (following() != nullptr && takeOption(following(), settings))
+        while (following() != nullptr &&
+               (isStrict(following()) || takeOption(following(), settings)))
             ++position;
         return settings;
     }
@@ -48,7 +50,8 @@ private:
 char const* takeRequired(Arguments& arguments, char const* what) {
     if (arguments.following() == nullptr) {
         std::fprintf(stderr, "Not enough parameters (expecting %s) !\n", what);
-        leaveProcess(0);
+        countLoss();
+        endSession(0);
     }
     return arguments.take();
 }
