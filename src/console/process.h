@@ -3,8 +3,8 @@
 
 // The one way out of the process for every state in which the system must stop: buffered files are
 // written and closed on the way. Statuses: 0 regular end, missing arguments, or a value that no
-// condition covers; 1 unusable files or windows; 2 an option that cannot be taken; 3 a loss in a
-// strict session; 255 (-1) no diagnosis; 129, 130 and 143 a signal.
+// condition covers; 1 unusable files or windows, or too little memory to start; 2 an option that
+// cannot be taken; 3 a loss in a strict session; 255 (-1) no diagnosis; 129, 130 and 143 a signal.
 [[noreturn]] void leaveProcess(int status);
 
 // Ends the session: files are closed, and what cannot be written of them is told, before the
