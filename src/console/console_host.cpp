@@ -121,6 +121,10 @@ bool ConsoleHost::stopRequested() {
     return stopReason() != nullptr;
 }
 
+char const* ConsoleHost::stopOverdue() {
+    return stopIsOverdue() ? stopReason() : nullptr;
+}
+
 void ConsoleHost::flushLogs() {
     steps.flush();
     propagations.flush();

@@ -35,6 +35,7 @@ public:
 
     bool memoryRunsShort() override;
     bool stopRequested() override;
+    char const* stopOverdue() override;
 
     // Writes what waits for the logs.
     void flushLogs();

@@ -55,7 +55,8 @@ void Cycles::stopFor(std::exception_ptr const& thrown) {
     } catch (std::bad_alloc const&) {
         stopForMemory(withinCycle ? kept.tables.size() : consoleRun->tracked_trajs.size());
     } catch (RunStopped const& why) {
-        fatal = thrown;
+        cause = thrown;
+        fatal = why.reason != RunStopped::overdue;
         stop(why.what());
     }
 }
@@ -93,7 +94,7 @@ void Cycles::writeGraphs() const {
     HybMap const& candidates = withinCycle ? consoleRun->refuted : consoleRun->tracked_trajs;
     int const most = reason != nullptr ? mostGraphsOfStopped : INT_MAX;
     if (reason != nullptr && candidates.empty()) {
-        tellStaleGraphs();
+        tellNoGraphs();
         return;
     }
     int const all = static_cast<int>(candidates.size());
@@ -107,7 +108,8 @@ void Cycles::end(Graphs graphs) {
     tellStop();
     tryTo("rows may be missing", [this] { writeRows(); });
     if (graphs == Graphs::WANTED)
-        tryTo("graphs are missing", [this] { writeGraphs(); });
+        tryTo("graphs are missing, and those that are there may be of an earlier run",
+              [this] { writeGraphs(); });
     clearMultiTrajs(*consoleRun);
     kept = {};
     tryTo("events may be unmet that are not told",
@@ -122,5 +124,5 @@ void Cycles::end(Graphs graphs) {
         }
     interruptIsDone();
     if (fatal)
-        std::rethrow_exception(fatal);
+        std::rethrow_exception(cause);
 }

@@ -62,5 +62,6 @@ private:
     KeptRows kept;                 // of all whole cycles, while one is under way
     char const* reason = nullptr;  // why the run stopped; null while it did not
     char memoryText[80] = "";      // what reason may point to
-    std::exception_ptr fatal;      // the same
+    std::exception_ptr cause;      // the same
+    bool fatal = false;            // the cause ends the program
 };

@@ -101,8 +101,19 @@ bool startRun(int global) {
     } catch (RunStopped const& why) {
         tellLoss("run stopped at time 0: %s\n", why.what());
         abandonStart();
+        if (why.reason == RunStopped::overdue)
+            return false;
         throw;
     }
+}
+
+// An interrupt ends a run that has begun to be made ready, as it would later.
+bool stoppedAtStart() {
+    if (stopReason() == nullptr)
+        return false;
+    tellLoss("run stopped at time 0: %s\n", stopReason());
+    abandonStart();
+    return true;
 }
 
 void initHybrid(int global) {
@@ -110,7 +121,7 @@ void initHybrid(int global) {
         return;
     if (!prepareEI() || !prepareMS() || !prepareDO() || !prepareMO())
         return;
-    if (!startRun(global)) {
+    if (!startRun(global) || stoppedAtStart()) {
         tellLoss("  Initializations failed.\n");
         return;
     }
@@ -137,6 +148,7 @@ int snInit(char const* arg) {
     if (discrete)
         return initDiscrete();
     initHybrid(options.global);
+    interruptIsDone();
     if (dataOut != nullptr) {
         std::fprintf(dataOut, "\n");
         // A program that is killed before its first run leaves the line all the same.
@@ -161,7 +173,8 @@ std::exception_ptr runScenario() {
         tellStop("memory runs short");
     } catch (RunStopped const& why) {
         tellStop(why.what());
-        return std::current_exception();
+        if (why.reason != RunStopped::overdue)
+            return std::current_exception();
     }
     return nullptr;
 }

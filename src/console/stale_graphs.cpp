@@ -85,7 +85,7 @@ void removeStaleGraphs(int count) {
         std::fprintf(stderr, "Graphs of an earlier run removed: %d, %s\n", removed, names.c_str());
 }
 
-void tellStaleGraphs() {
-    if (!graphsFrom(0).empty())
-        std::fprintf(stderr, "No graphs are written: those here are of an earlier run\n");
+void tellNoGraphs() {
+    tellLoss("No graphs are written%s\n",
+             graphsFrom(0).empty() ? "" : ": those here are of an earlier run");
 }

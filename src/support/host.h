@@ -77,6 +77,9 @@ public:
     // True once whoever holds the run wants it to end. Asked between two steps, where a run can end
     // without losing any.
     virtual bool stopRequested() { return false; }
+    // Why, when it cannot wait for the end of the step, which is given up then; null while it can.
+    // Cheap, as it is asked where memory is.
+    virtual char const* stopOverdue() { return nullptr; }
 
 private:
     std::ostream silence{nullptr};

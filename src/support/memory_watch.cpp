@@ -5,6 +5,7 @@
 #include <limits>
 
 #include "support/host.h"
+#include "support/run_stopped.h"
 
 namespace {
 
@@ -34,6 +35,8 @@ char const* MemoryRunsShort::what() const noexcept {
 void watchMemory(Host& host) {
     if (host.memoryRunsShort())
         throw MemoryRunsShort();
+    if (char const* why = host.stopOverdue())
+        throw RunStopped(RunStopped::overdue, why);
 }
 
 double memoryReserve(double most) {

@@ -21,8 +21,9 @@ struct MemoryRunsShort : std::bad_alloc {
     char const* what() const noexcept override;
 };
 
-// Throws MemoryRunsShort when memory runs short, which the host decides. Cheap enough for an inner
-// loop if the host's answer is.
+// Throws MemoryRunsShort when memory runs short, which the host decides, and RunStopped when the
+// host cannot wait for the end of the step: what takes long takes memory all along. Cheap enough
+// for an inner loop if the host's answers are.
 void watchMemory(Host& host);
 
 // The decision for a process that owns its memory, for its host to give.

@@ -76,7 +76,7 @@ TEST_F(FatalStop, ADetectionWritesItsRowsAndItsLogFirst) {
     stopInThirdStep(RunStopped::eventImpossible);
     call(snDetect, "5 nofault 3");
     EXPECT_EQ(status, 1);
-    EXPECT_EQ(told, std::string("mode: 3\n") + twoSteps);
+    EXPECT_EQ(told, std::string("mode: 3\n") + twoSteps + "No graphs are written\n");
     EXPECT_EQ(WorkDirectory::read(displayFile), rows);
     std::string const log = WorkDirectory::read(cycleBenchmark);
     EXPECT_EQ(std::count(log.begin(), log.end(), '\n'), 2);

@@ -1,6 +1,7 @@
 // A run that memory stops: what the console says, which rows it writes, and that it goes on.
 #include <algorithm>
 
+#include "console/losses.h"
 #include "console/run.h"
 #include "console_fixture.h"
 #include "fixtures/reference_model.h"
@@ -66,6 +67,19 @@ TEST_F(MemoryStop, DetectionStopsBetweenTwoSteps) {
     EXPECT_EQ(after(told, "time = 2 --------------------------\n"),
               "run stopped at time 2: memory runs short with 1 candidates\n" + file);
     EXPECT_NE(WorkDirectory::read("htraj0.dot"), "") << "between two steps a candidate is whole";
+}
+
+TEST_F(MemoryStop, GraphsThatAreLeftOutAreTold) {
+    std::string const sound = run(snDetect, "2 nofault 3", -1);
+    EXPECT_EQ(sound.find("graphs"), std::string::npos);
+    runHost().onWrite = [](std::string const&) { throw std::bad_alloc(); };
+    int const before = losses();
+    std::string const told = run(snDetect, "2 nofault 3", -1);
+    runHost().onWrite = nullptr;
+    EXPECT_NE(told.find("Memory runs short: graphs are missing"), std::string::npos) << told;
+    EXPECT_EQ(losses() - before, 1);
+    EXPECT_EQ(theRun().hybNT, nullptr) << "the run has ended";
+    EXPECT_EQ(run(snDetect, "2 nofault 3", -1), sound);
 }
 
 TEST_F(MemoryStop, SimulationKeepsTheRowsOfWholeCycles) {
