@@ -12,8 +12,8 @@
 
 #include "console/interrupts.h"
 #include "console/losses.h"
-#include "console/output_file.h"
 #include "console/plain_reader.h"
+#include "console/process.h"
 #include "console/run.h"
 
 int done = 0;
@@ -149,7 +149,7 @@ char* readLine(char const* prompt) {
 char* do_gets(char const* prompt) {
     std::free(ligne);
     ligne = nullptr;
-    flushStandardOutput();
+    flushAll();
     Waiting const waiting;
     try {
         ligne = readLine(prompt);

@@ -11,6 +11,7 @@
 #include "console/interrupts.h"
 #include "console/isolation_request.h"
 #include "console/losses.h"
+#include "console/overwriting.h"
 #include "console/process.h"
 #include "support/nelder.h"
 
@@ -29,7 +30,7 @@ std::shared_ptr<std::ostream> borrowed(std::ostream& stream) {
 
 }  // namespace
 
-ConsoleHost::ConsoleHost() : steps(firstFile("bench1.bmk")), propagations("itmsbench.bmk") {}
+ConsoleHost::ConsoleHost() : steps(firstFile(stepBenchmark)), propagations(propagationBenchmark) {}
 
 std::ostream& ConsoleHost::out() {
     return std::cout;
@@ -82,6 +83,8 @@ std::unique_ptr<std::istream> ConsoleHost::open(std::string const& path) {
 }
 
 bool ConsoleHost::write(std::string const& path, std::string const& text) {
+    if (wouldOverwriteInput(path))
+        return false;
     OutputFile file(path);
     file.write(text.data(), text.size());
     return file.close();
@@ -101,6 +104,7 @@ void ConsoleHost::optimiserOptions(Nelder_options& options) {
 std::shared_ptr<std::ostream> ConsoleHost::optimiserTrace(Nelder_options const& options) {
     if (!options.traceToFile)
         return borrowed(std::cout);
+    traceLost = traceLost || wouldOverwriteInput(options.traceFile);
     if (traceLost)
         return nullptr;
     auto file = std::make_unique<OutputStream>(options.traceFile);

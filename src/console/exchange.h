@@ -12,9 +12,11 @@
 #include "continuous/displays.h"
 #include "hybrid/tavro-runt.h"
 
-// Further files in the working directory: the log of the cycles of `detect`, and what tunes the
-// optimiser.
+// Further files in the working directory: the logs of the cycles of `detect`, of the steps of a
+// discrete run and of all propagations, and what tunes the optimiser.
 constexpr char const* cycleBenchmark = "cycbench.bmk";
+constexpr char const* stepBenchmark = "bench1.bmk";
+constexpr char const* propagationBenchmark = "itmsbench.bmk";
 constexpr char const* optimiserOptionsFile = "nelder.dat";
 
 // Streams are open from `init` to the end of the run; null when there is none.

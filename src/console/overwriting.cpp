@@ -19,25 +19,41 @@ bool isSameFile(std::string const& one, std::string const& other) {
            a.st_dev == b.st_dev && a.st_ino == b.st_ino;
 }
 
+// Leads to the file that the program was given as its input.
+constexpr char const* standardInput = "/dev/stdin";
+
+bool refuses(std::string const& output, char const* what, std::string const& input) {
+    if (!isSameFile(output, input))
+        return false;
+    tellLoss("Can't write file %s: it is the %s %s\n", output.c_str(), what, input.c_str());
+    return true;
+}
+
 }  // namespace
 
+bool wouldOverwriteInput(std::string const& output) {
+    bool found = refuses(output, "input file", inputFile);
+    found |= refuses(output, "measure file", measureFile);
+    found |= refuses(output, "scenario file", scenarFile);
+    if (consolePlant != nullptr)
+        found |= refuses(output, "file of prime implicates", consolePlant->name + ".pi");
+    found |= refuses(output, "file of the optimiser's options", optimiserOptionsFile);
+    found |= refuses(output, "script", standardInput);
+    return found;
+}
+
 bool wouldOverwriteInputs() {
-    struct Input {
-        char const* what;
-        std::string path;
-    };
-    Input const inputs[] = {{"input file", inputFile},
-                            {"measure file", measureFile},
-                            {"scenario file", scenarFile},
-                            {"file of prime implicates", consolePlant->name + ".pi"},
-                            {"file of the optimiser's options", optimiserOptionsFile}};
     bool found = false;
     for (std::string const& output : {displayFile, modesFile, std::string(cycleBenchmark)})
-        for (Input const& input : inputs)
-            if (isSameFile(output, input.path)) {
-                tellLoss("Can't write file %s: it is the %s %s\n", output.c_str(), input.what,
-                         input.path.c_str());
-                found = true;
-            }
+        found |= wouldOverwriteInput(output);
+    return found;
+}
+
+// The arguments are not understood yet: each may be any file.
+bool wouldOverwriteArgument(std::string const& output, int count, char const* const* arguments) {
+    bool found = refuses(output, "script", standardInput);
+    for (int i = 1; i < count; ++i)
+        for (char const* const folder : {inputPrefix, measurePrefix})
+            found |= refuses(output, "file", std::string(folder) + arguments[i]);
     return found;
 }

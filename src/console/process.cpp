@@ -20,10 +20,14 @@ constexpr int statusOfLoss = 3;
 
 bool strictSession = false;
 
-void endSession(int status) {
-    closeRunFiles();
+void flushAll() {
     consoleHost().flushLogs();
     flushStandardOutput();
+}
+
+void endSession(int status) {
+    closeRunFiles();
+    flushAll();
     if (std::fflush(stderr) != 0 || std::ferror(stderr) != 0)
         countLoss();
     leaveProcess(status == 0 && strictSession && losses() > 0 ? statusOfLoss : status);

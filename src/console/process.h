@@ -7,6 +7,10 @@
 // cannot be taken; 3 a loss in a strict session; 255 (-1) no diagnosis; 129, 130 and 143 a signal.
 [[noreturn]] void leaveProcess(int status);
 
+// Writes what waits for the standard output and the logs: a signal may end the program at any line
+// that it waits for.
+void flushAll();
+
 // Ends the session: files are closed, and what cannot be written of them is told, before the
 // process is left. In a strict session that has told a loss a status of 0 becomes 3.
 [[noreturn]] void endSession(int status);

@@ -12,9 +12,9 @@
 #include "console/exchange.h"
 #include "console/interrupts.h"
 #include "console/losses.h"
-#include "console/output_file.h"
 #include "console/overwriting.h"
 #include "console/parameters.h"
+#include "console/process.h"
 #include "continuous/sorn-runt.h"
 #include "hybrid/tavro-runt.h"
 #include "reasoning/Scheduler.h"
@@ -200,7 +200,7 @@ int snDisc(char const*) {
 namespace {
 
 int shell(char const* command) {
-    flushStandardOutput();
+    flushAll();
     Waiting const waiting;
     return std::system(command);
 }

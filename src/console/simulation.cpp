@@ -90,7 +90,7 @@ bool acceptsDrift() {
                  "Warning the model contains spontaneous transitions jumps on non-measured values: "
                  "predicted bounds will drift away. Try simulation with 'multi' flag instead.\n"
                  "Do you want to continue anyway ? (y/n)\n");
-    flushStandardOutput();
+    flushAll();
     Waiting const waiting;
     return std::tolower(std::fgetc(stdin)) != 'n';
 }

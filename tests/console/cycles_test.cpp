@@ -1,9 +1,11 @@
-// A run that a fatal state stops: its rows are written and its files closed before that is passed
-// on.
+// A run that a fatal state stops, or an interrupt: its rows are written and its files closed before
+// that is passed on.
 #include <algorithm>
+#include <csignal>
 #include <new>
 #include <optional>
 
+#include "console/interrupts.h"
 #include "console/losses.h"
 #include "console/run.h"
 #include "console_fixture.h"
@@ -19,6 +21,7 @@ protected:
     FatalStop() { WorkDirectory::write(measureFile, "0.8\n0.9\n0.95\n0.97\n0.99\n1\n"); }
     ~FatalStop() override {
         runHost().onMemory = nullptr;
+        runHost().onOverdue = nullptr;
         clearMultiTrajs(theRun());
     }
     // The sixth look is in the third step.
@@ -81,6 +84,57 @@ TEST_F(FatalStop, ADetectionWritesItsRowsAndItsLogFirst) {
     std::string const log = WorkDirectory::read(cycleBenchmark);
     EXPECT_EQ(std::count(log.begin(), log.end(), '\n'), 2);
     EXPECT_FALSE(std::filesystem::exists("htraj0.dot")) << "no candidate is whole";
+}
+
+// Between two steps nothing is lost: that of the signal is made to its end.
+TEST_F(FatalStop, AnInterruptWaitsForTheEndOfTheStep) {
+    init();
+    call(snSimul, "3 multi");
+    std::string const rows = WorkDirectory::read(displayFile);
+    ASSERT_EQ(std::count(rows.begin(), rows.end(), '\n'), 4) << "time 0, and three cycles";
+    init();
+    std::signal(SIGINT, SIG_DFL);
+    heedInterrupts();
+    runHost().onMemory = [looks = 5]() mutable {
+        if (looks-- == 0)
+            std::raise(SIGINT);
+        return false;
+    };
+    call(snSimul, "5 multi");
+    std::signal(SIGINT, SIG_DFL);
+    EXPECT_EQ(status, -2) << "the console goes on";
+    EXPECT_NE(told.find("time = 3 --------------------------\n"
+                        "run stopped at time 3: interrupted\n"),
+              std::string::npos)
+        << told;
+    EXPECT_EQ(WorkDirectory::read(displayFile), rows);
+    EXPECT_EQ(stopReason(), nullptr) << "an interrupt asks for no more";
+}
+
+TEST_F(FatalStop, AStepThatTakesLongIsGivenUp) {
+    init();
+    call(snSimul, "2 multi");
+    std::string const rows = WorkDirectory::read(displayFile);
+    init();
+    runHost().onOverdue = [looks = 2]() mutable { return looks-- == 0 ? "interrupted" : nullptr; };
+    call(snSimul, "5 multi");
+    EXPECT_EQ(status, -2) << "the console goes on";
+    EXPECT_NE(told.find("time = 3 --------------------------\n"
+                        "run stopped at time 2: interrupted\n"),
+              std::string::npos)
+        << told;
+    EXPECT_EQ(WorkDirectory::read(displayFile), rows);
+    EXPECT_EQ(theRun().hybNT, nullptr);
+}
+
+TEST_F(FatalStop, AStartThatIsInterruptedIsNone) {
+    runHost().onOverdue = [] { return "interrupted"; };
+    call(snInit, nullptr);
+    EXPECT_EQ(status, -2) << "the console goes on";
+    EXPECT_NE(told.find("run stopped at time 0: interrupted\n  Initializations failed.\n"),
+              std::string::npos)
+        << told;
+    EXPECT_EQ(theRun().hybNT, nullptr);
 }
 
 TEST_F(FatalStop, AStartIsTold) {

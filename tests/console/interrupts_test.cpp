@@ -5,6 +5,7 @@
 #include <unistd.h>
 
 #include <csignal>
+#include <optional>
 #include <string>
 
 namespace {
@@ -60,6 +61,45 @@ TEST(Interrupts, AfterTheRunTheOthersStillEndTheProgram) {
             leaveWhen(statusOfInterrupt() == 143);
         },
         ExitedWithCode(7), "");
+}
+
+TEST(Interrupts, AStepMayGoOnForASecond) {
+    EXPECT_EXIT(
+        {
+            heedAll();
+            bool const quiet = !stopIsOverdue();
+            raise(SIGINT);
+            bool const waits = !stopIsOverdue();
+            usleep(2100000);
+            leaveWhen(quiet && waits && stopIsOverdue());
+        },
+        ExitedWithCode(7), "");
+}
+
+// A read that nothing will ever serve, of a child that a second one interrupts.
+void readInterrupted(bool interruptible) {
+    heedAll();
+    int ends[2];
+    if (pipe(ends) != 0)
+        _exit(98);
+    pid_t const reader = getpid();
+    if (fork() == 0) {
+        usleep(200000);
+        kill(reader, SIGINT);
+        usleep(200000);
+        [[maybe_unused]] ssize_t const written = write(ends[1], "x", 1);
+        _exit(0);
+    }
+    std::optional<Interruptible> scope;
+    if (interruptible)
+        scope.emplace();
+    char byte;
+    leaveWhen(read(ends[0], &byte, 1) == 1, 7);
+}
+
+TEST(Interrupts, EndAWaitWhereThatIsWanted) {
+    EXPECT_EXIT(readInterrupted(false), ExitedWithCode(7), "");
+    EXPECT_EXIT(readInterrupted(true), ExitedWithCode(99), "");
 }
 
 void raiseBoth(int first, int second) {
