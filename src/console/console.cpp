@@ -8,8 +8,12 @@
 #include <cctype>
 #include <cstdlib>
 #include <cstring>
+#include <new>
 
+#include "console/interrupts.h"
+#include "console/losses.h"
 #include "console/plain_reader.h"
+#include "console/process.h"
 #include "console/run.h"
 
 int done = 0;
@@ -145,8 +149,14 @@ char* readLine(char const* prompt) {
 char* do_gets(char const* prompt) {
     std::free(ligne);
     ligne = nullptr;
-    std::fflush(stdout);
-    ligne = readLine(prompt);
+    flushAll();
+    Waiting const waiting;
+    try {
+        ligne = readLine(prompt);
+    } catch (std::bad_alloc const&) {
+        tellLoss("Memory runs short: a line is not read.\n");
+        return nullptr;
+    }
     if (ligne == nullptr)
         usleep(endOfInputPause);
     else if (*ligne != '\0')
@@ -178,12 +188,16 @@ void obeyLine(char* line) {
         return;
     }
     stripWhite(argument);
-    command->func(argument);
+    try {
+        command->func(argument);
+    } catch (std::bad_alloc const&) {
+        tellLoss("Memory runs short: %s is not carried out.\n", line);
+    }
 }
 
 // At end of input the console goes on polling: a script must end in `quit`.
 void runConsole() {
-    while (!done) {
+    while (!done && statusOfInterrupt() == 0) {
         char* line = do_gets("e> ");
         if (line == nullptr || *line == '\0')
             continue;

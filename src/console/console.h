@@ -15,8 +15,9 @@ extern char* ligne;     // the current input line, owned by the reader; null at 
 extern bool discrete;   // the model has no continuous side
 extern bool disc_init;  // `init` has run for a discrete model, and `disc` has not yet used it
 
-// Where inputs and scenarios are. Without a scenario this is all of its path.
+// Where inputs and scenarios are, and measures. Without a scenario the prefix is all of its path.
 constexpr char const* inputPrefix = "inp/";
+constexpr char const* measurePrefix = "obs/";
 // Paths of the data files. Each begins as the prefix of its directory; modesFile has none.
 extern std::string inputFile, scenarFile, measureFile, displayFile, modesFile;
 extern std::string auxFile;  // base name of the program
@@ -67,7 +68,7 @@ char* do_gets(char const* prompt);
 void stripWhite(char* text);
 // Obeys one line.
 void obeyLine(char* line);
-// Obeys lines until `quit`.
+// Obeys lines until `quit`, or until a signal wants the program to end.
 void runConsole();
 
 // ---- Start-up (start.cpp) ----

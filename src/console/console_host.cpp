@@ -4,18 +4,23 @@
 #include <unistd.h>
 
 #include <filesystem>
+#include <fstream>
 #include <iostream>
 
 #include "console/exchange.h"
+#include "console/interrupts.h"
 #include "console/isolation_request.h"
+#include "console/losses.h"
+#include "console/overwriting.h"
 #include "console/process.h"
 #include "support/nelder.h"
 
 namespace {
 
-std::ofstream openLog(char const* name) {
+// To be asked for the name of the first file that is opened.
+char const* firstFile(char const* name) {
     keepStandardStreams();
-    return std::ofstream(name, std::ios::trunc);
+    return name;
 }
 
 // A pointer to a stream that lives on.
@@ -25,13 +30,18 @@ std::shared_ptr<std::ostream> borrowed(std::ostream& stream) {
 
 }  // namespace
 
-ConsoleHost::ConsoleHost() : steps(openLog("bench1.bmk")), propagations(openLog("itmsbench.bmk")) {}
+ConsoleHost::ConsoleHost() : steps(firstFile(stepBenchmark)), propagations(propagationBenchmark) {}
 
 std::ostream& ConsoleHost::out() {
     return std::cout;
 }
 
 std::ostream& ConsoleHost::err() {
+    return std::cerr;
+}
+
+std::ostream& ConsoleHost::loss() {
+    countLoss();
     return std::cerr;
 }
 
@@ -63,7 +73,7 @@ void ConsoleHost::diagnosis(std::string const& text) {
 std::unique_ptr<std::istream> ConsoleHost::open(std::string const& path) {
     std::error_code error;
     if (std::filesystem::is_directory(path, error)) {
-        std::cerr << path << " is a directory\n";
+        loss() << path << " is a directory\n";
         return nullptr;
     }
     auto file = std::make_unique<std::ifstream>(path);
@@ -73,10 +83,11 @@ std::unique_ptr<std::istream> ConsoleHost::open(std::string const& path) {
 }
 
 bool ConsoleHost::write(std::string const& path, std::string const& text) {
-    std::ofstream file(path, std::ios::trunc);
-    file << text;
-    file.close();
-    return static_cast<bool>(file);
+    if (wouldOverwriteInput(path))
+        return false;
+    OutputFile file(path);
+    file.write(text.data(), text.size());
+    return file.close();
 }
 
 // Read again for every search, so that the optimiser can be tuned anew without a restart. A cycle
@@ -89,19 +100,38 @@ void ConsoleHost::optimiserOptions(Nelder_options& options) {
         Nelder_read_options(file, options);
 }
 
+// Every search begins the file anew: one that cannot be written is told for the first of them.
 std::shared_ptr<std::ostream> ConsoleHost::optimiserTrace(Nelder_options const& options) {
     if (!options.traceToFile)
         return borrowed(std::cout);
-    auto file = std::make_shared<std::ofstream>(options.traceFile, std::ios::trunc);
-    if (*file)
-        return file;
-    std::cerr << "\n!!! ATTENTION: impossible d'ouvrir le fichier: " << options.traceFile
-              << " !!!\n";
+    traceLost = traceLost || wouldOverwriteInput(options.traceFile);
+    if (traceLost)
+        return nullptr;
+    auto file = std::make_unique<OutputStream>(options.traceFile);
+    if (file->isOpen())
+        return {file.release(), [this](OutputStream* trace) {
+                    traceLost = !trace->close();
+                    delete trace;
+                }};
+    loss() << "\n!!! ATTENTION: impossible d'ouvrir le fichier: " << options.traceFile << " !!!\n";
     return borrowed(std::cout);
 }
 
 bool ConsoleHost::memoryRunsShort() {
     return memory.runsShort();
+}
+
+bool ConsoleHost::stopRequested() {
+    return stopReason() != nullptr;
+}
+
+char const* ConsoleHost::stopOverdue() {
+    return stopIsOverdue() ? stopReason() : nullptr;
+}
+
+void ConsoleHost::flushLogs() {
+    steps.flush();
+    propagations.flush();
 }
 
 ConsoleHost& consoleHost() {

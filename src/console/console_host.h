@@ -4,8 +4,7 @@
 // from the files that `init` opened, requests for isolation from the line of the command.
 #pragma once
 
-#include <fstream>
-
+#include "console/output_file.h"
 #include "support/host.h"
 #include "support/memory_watch.h"
 
@@ -16,6 +15,8 @@ public:
 
     std::ostream& out() override;
     std::ostream& err() override;
+    // Counts it.
+    std::ostream& loss() override;
     std::ostream& propagationLog() override { return propagations; }
     std::ostream& stepLog() override { return steps; }
 
@@ -33,10 +34,16 @@ public:
     std::shared_ptr<std::ostream> optimiserTrace(Nelder_options const& options) override;
 
     bool memoryRunsShort() override;
+    bool stopRequested() override;
+    char const* stopOverdue() override;
+
+    // Writes what waits for the logs.
+    void flushLogs();
 
 private:
-    std::ofstream steps;         // bench1.bmk
-    std::ofstream propagations;  // itmsbench.bmk
+    OutputStream steps;         // bench1.bmk
+    OutputStream propagations;  // itmsbench.bmk
+    bool traceLost = false;     // the optimiser's trace could not be written, which is told once
     SystemMemoryWatch memory;
 };
 

@@ -1,11 +1,16 @@
 // Numbers from lines, and the oddities of lines.
 #include "console/data_lines.h"
 
+#include <sys/stat.h>
+
 #include <cctype>
 #include <cmath>
 
+#include "console/interrupts.h"
+#include "console/losses.h"
 #include "console/run.h"
 #include "support/numbers.h"
+#include "support/run_stopped.h"
 
 namespace {
 
@@ -13,10 +18,30 @@ bool isBlank(int c) {
     return std::isspace(c) != 0;
 }
 
-// The next byte, which stays in the stream; EOF at the end.
-int peek(std::FILE* stream) {
+// Who stops the run does not wait for a line that may never come.
+void heedStop(std::FILE* stream) {
+    if (std::ferror(stream) != 0 && stopReason() != nullptr)
+        throw RunStopped(RunStopped::overdue, stopReason());
+}
+
+// The next byte, or EOF.
+int next(std::FILE* stream) {
     int const c = std::fgetc(stream);
+    if (c == EOF)
+        heedStop(stream);
+    return c;
+}
+
+// The same, and it stays in the stream.
+int peek(std::FILE* stream) {
+    int const c = next(stream);
     return c == EOF ? EOF : std::ungetc(c, stream);
+}
+
+// Whether the next line may be long in coming.
+bool isAwaited(std::FILE* stream) {
+    struct stat status {};
+    return fstat(fileno(stream), &status) == 0 && !S_ISREG(status.st_mode);
 }
 
 }  // namespace
@@ -24,6 +49,15 @@ int peek(std::FILE* stream) {
 void DataLines::read(std::FILE* stream, int count, double* values) {
     if (count == 0)
         return;
+    if (!awaited)
+        awaited = isAwaited(stream);
+    std::optional<Interruptible> interruptible;
+    if (*awaited)
+        interruptible.emplace();
+    readLine(stream, count, values);
+}
+
+void DataLines::readLine(std::FILE* stream, int count, double* values) {
     bool reading = true;
     for (int i = 0; i < count && reading; ++i)
         reading = readValue(stream, i, count, &values[i]);
@@ -45,8 +79,8 @@ bool DataLines::readValue(std::FILE* stream, int index, int count, double* value
         tellWhatFollows(stream, number);
         return true;
     }
-    std::fprintf(stderr, "%s: value %d of time %g is not a number, %g stays\n", path.c_str(),
-                 index + 1, simTime, *value);
+    tellLoss("%s: value %d of time %g is not a number, %g stays\n", path.c_str(), index + 1,
+             simTime, *value);
     return result == 1;
 }
 
@@ -71,8 +105,8 @@ bool DataLines::findValue(std::FILE* stream, int index, int count) {
 int DataLines::skipBlanks(std::FILE* stream) {
     int const line = place.line;
     blankLine = 0;
-    int c = std::fgetc(stream);
-    for (; c != EOF && isBlank(c); c = std::fgetc(stream)) {
+    int c = next(stream);
+    for (; c != EOF && isBlank(c); c = next(stream)) {
         if (c == '\n' && lineIsBlank && blankLine == 0)
             blankLine = place.line;
         if (place.line == line)
@@ -96,6 +130,7 @@ void DataLines::skipByte(int c) {
 int DataLines::readNumber(std::FILE* stream, double* number) {
     int bytes = 0;
     int const result = std::fscanf(stream, "%lg%n", number, &bytes);
+    heedStop(stream);
     place.column += bytes;
     return result;
 }
@@ -128,11 +163,12 @@ void DataLines::lookForMore(std::FILE* stream, int count) {
 // Leaves the line end.
 void DataLines::skipLine(std::FILE* stream) {
     [[maybe_unused]] int const skipped = std::fscanf(stream, "%*[^\n]");
+    heedStop(stream);
 }
 
 void DataLines::tellEnd(std::FILE* stream, int index, int count) {
     if (std::ferror(stream) != 0)
-        std::fprintf(stderr, "Can't read file %s\n", path.c_str());
+        tellLoss("Can't read file %s\n", path.c_str());
     else if (index > 0)
         tellShort(index, count, "the next ones stay");
     else if (lastLine == 0)
@@ -152,6 +188,5 @@ void DataLines::tell(Kind kind, Place where, std::string const& text) {
     if (told[kind])
         return;
     told[kind] = true;
-    std::fprintf(stderr, "%s, line %d, column %d: %s\n", path.c_str(), where.line, where.column,
-                 text.c_str());
+    tellLoss("%s, line %d, column %d: %s\n", path.c_str(), where.line, where.column, text.c_str());
 }

@@ -9,6 +9,7 @@
 
 #include <array>
 #include <cstdio>
+#include <optional>
 #include <string>
 
 // Holds a meaning from the opening of a file to the opening of the next one. Does not own the
@@ -18,7 +19,8 @@ public:
     // Before the first byte of the file *path*.
     explicit DataLines(std::string path = "") : path(std::move(path)) {}
 
-    // Reads *count* values for simTime. A value stays where there is no number for it.
+    // Reads *count* values for simTime. A value stays where there is no number for it. Throws
+    // RunStopped when the run is to stop while the line is waited for.
     void read(std::FILE* stream, int count, double* values);
 
 private:
@@ -28,6 +30,7 @@ private:
         int line = 1, column = 1;
     };
 
+    void readLine(std::FILE* stream, int count, double* values);
     bool readValue(std::FILE* stream, int index, int count, double* value);
     bool findValue(std::FILE* stream, int index, int count);
     int skipBlanks(std::FILE* stream);
@@ -41,6 +44,7 @@ private:
     void tell(Kind kind, Place place, std::string const& text);
 
     std::string path;
+    std::optional<bool> awaited;  // whether lines may be long in coming; known from the first on
     // Of the next byte. The column holds a meaning until the rest of a line is skipped, and again
     // from the next line on.
     Place place;

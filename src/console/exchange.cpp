@@ -7,6 +7,8 @@
 
 #include "console/console.h"
 #include "console/data_lines.h"
+#include "console/losses.h"
+#include "console/output_file.h"
 #include "console/run.h"
 #include "continuous/sorn-runt.h"
 #include "reasoning/Scheduler.h"
@@ -20,23 +22,20 @@ namespace {
 // Where dataIn and measIn are.
 DataLines inputLines, measureLines;
 
-// Closes the stream, unless it is standard output; the pointer becomes null either way.
-// Returns whether everything was written.
-bool closeStream(std::FILE*& stream) {
-    bool written = true;
-    if (stream != nullptr && stream != stdout)
-        written = std::fclose(stream) == 0;
-    stream = nullptr;
-    return written;
+// How a path is opened.
+using Open = std::FILE* (*)(std::string const& path);
+
+std::FILE* openInput(std::string const& path) {
+    return std::fopen(path.c_str(), "r");
 }
 
 // Opens *path* into *stream*, or gives it *without* when the path is empty. 1 on success.
-int prepare(std::FILE*& stream, std::string const& path, char const* mode, std::FILE* without,
+int prepare(std::FILE*& stream, std::string const& path, Open open, std::FILE* without,
             char const* okText) {
     closeStream(stream);
-    stream = path.empty() ? without : std::fopen(path.c_str(), mode);
+    stream = path.empty() ? without : open(path);
     if (stream == nullptr && !path.empty()) {
-        std::fprintf(stderr, "Can't open file %s\n", path.c_str());
+        tellLoss("Can't open file %s\n", path.c_str());
         return 0;
     }
     std::cout << okText;
@@ -45,31 +44,30 @@ int prepare(std::FILE*& stream, std::string const& path, char const* mode, std::
 
 }  // namespace
 
-void closeOutput(std::FILE*& stream, std::string const& path) {
-    bool const failed = stream != nullptr && std::ferror(stream) != 0;
-    bool const closed = closeStream(stream);
-    if (failed || !closed)
-        std::fprintf(stderr, "Can't write file %s\n", path.c_str());
+void closeStream(std::FILE*& stream) {
+    if (stream != nullptr && stream != stdout)
+        std::fclose(stream);
+    stream = nullptr;
 }
 
 int prepareEI() {
     std::cout << "inputfile : " << inputFile << "\n";
     inputLines = DataLines(inputFile);
-    return prepare(dataIn, inputFile, "r", nullptr, "input file is ok\n");
+    return prepare(dataIn, inputFile, openInput, nullptr, "input file is ok\n");
 }
 
 int prepareMS() {
     std::cout << "inputfile : " << measureFile << "\n";
     measureLines = DataLines(measureFile);
-    return prepare(measIn, measureFile, "r", nullptr, "measure file is ok\n");
+    return prepare(measIn, measureFile, openInput, nullptr, "measure file is ok\n");
 }
 
 int prepareDO() {
-    return prepare(dataOut, displayFile, "w", stdout, "display file is ok\n");
+    return prepare(dataOut, displayFile, openOutput, stdout, "display file is ok\n");
 }
 
 int prepareMO() {
-    return prepare(modesOut, modesFile, "w", nullptr, "modes file is ok\n");
+    return prepare(modesOut, modesFile, openOutput, nullptr, "modes file is ok\n");
 }
 
 namespace {
@@ -156,8 +154,8 @@ void writeDispAll(std::FILE* stream, KeptRows const& kept) {
               [](DisplayTable const& table) -> DisplayTable const& { return table; });
 }
 
-KeptRows keepRows(HybMap const& trajectories, double time, int rows) {
-    KeptRows kept{time, rows, widthOf(trajectories), {}};
+KeptRows keepRows(HybMap const& trajectories, int rows) {
+    KeptRows kept{rows, widthOf(trajectories), {}};
     kept.tables.reserve(trajectories.size());
     for (auto const& entry : trajectories)
         kept.tables.push_back(entry.second->rt->extra);
@@ -165,10 +163,8 @@ KeptRows keepRows(HybMap const& trajectories, double time, int rows) {
 }
 
 void closeRunFiles() {
-    closeOutput(dataOut, displayFile);
-    closeStream(dataIn);
-    closeOutput(modesOut, modesFile);
-    closeStream(measIn);
+    for (std::FILE** stream : {&dataOut, &dataIn, &modesOut, &measIn})
+        closeStream(*stream);
 }
 
 // An outer system could take alarms here; this one leaves them in the runtime.

@@ -12,9 +12,11 @@
 #include "continuous/displays.h"
 #include "hybrid/tavro-runt.h"
 
-// Further files in the working directory: the log of the cycles of `detect`, and what tunes the
-// optimiser.
+// Further files in the working directory: the logs of the cycles of `detect`, of the steps of a
+// discrete run and of all propagations, and what tunes the optimiser.
 constexpr char const* cycleBenchmark = "cycbench.bmk";
+constexpr char const* stepBenchmark = "bench1.bmk";
+constexpr char const* propagationBenchmark = "itmsbench.bmk";
 constexpr char const* optimiserOptionsFile = "nelder.dat";
 
 // Streams are open from `init` to the end of the run; null when there is none.
@@ -44,15 +46,14 @@ void writeDispAll(std::FILE* stream, HybMap const& trajectories, int rows);
 // The rows of all candidates after some cycle, kept for the case that the next one does not come to
 // its end: shared with the candidates until these write into them.
 struct KeptRows {
-    double time = 0.0;  // of that cycle
-    int rows = 0;       // cycles so far
-    int width = 0;      // values in a row
+    int rows = 0;   // cycles so far
+    int width = 0;  // values in a row
     std::vector<DisplayTable> tables;
 };
-KeptRows keepRows(HybMap const& trajectories, double time, int rows);
+KeptRows keepRows(HybMap const& trajectories, int rows);
 void writeDispAll(std::FILE* stream, KeptRows const& kept);
-// Closes a file that was written, and says when it could not be written whole; standard output
-// stays open. The pointer becomes null.
-void closeOutput(std::FILE*& stream, std::string const& path);
-// Closes every stream of the run, and says which file could not be written.
+// Closes a stream; standard output stays open. The pointer becomes null. What could not be written
+// is told by the file itself (output_file.h).
+void closeStream(std::FILE*& stream);
+// Closes every stream of the run.
 void closeRunFiles();

@@ -71,6 +71,13 @@ void takeNoise(std::string_view value, RunSettings& settings) {
 
 }  // namespace
 
+bool isStrict(char const* argument) {
+    if (std::string_view(argument) != "--strict")
+        return false;
+    strictSession = true;
+    return true;
+}
+
 bool takeOption(char const* argument, RunSettings& settings) {
     if (auto const value = valueOf(argument, "--rules="))
         takeRules(*value, settings);
@@ -105,5 +112,6 @@ std::string optionsHelp() {
            "\n"
            "  --candidates=N   follow the N likeliest candidates at most\n"
            "  --noise=BOUND    how far a measure may be from the truth; MEASURE=BOUND for one of\n"
-           "                   them, and commas between several (read by the rule narrow)\n";
+           "                   them, and commas between several (read by the rule narrow)\n"
+           "  --strict         end with status 3 if anything was lost, refused or unreadable\n";
 }

@@ -3,11 +3,11 @@
 
 #include <sys/stat.h>
 
-#include <cstdio>
 #include <string>
 
 #include "console/console.h"
 #include "console/exchange.h"
+#include "console/losses.h"
 
 namespace {
 
@@ -19,25 +19,48 @@ bool isSameFile(std::string const& one, std::string const& other) {
            a.st_dev == b.st_dev && a.st_ino == b.st_ino;
 }
 
+// Leads to the file that the program was given as its input.
+constexpr char const* standardInput = "/dev/stdin";
+
+void tellRefused(std::string const& output, char const* what, std::string const& input) {
+    tellLoss("Can't write file %s: it is the %s %s\n", output.c_str(), what, input.c_str());
+}
+
+bool refuses(std::string const& output, char const* what, std::string const& input) {
+    bool const same = isSameFile(output, input);
+    if (same)
+        tellRefused(output, what, input);
+    return same;
+}
+
 }  // namespace
 
+bool wouldOverwriteInput(std::string const& output) {
+    bool found = refuses(output, "input file", inputFile);
+    found |= refuses(output, "measure file", measureFile);
+    found |= refuses(output, "scenario file", scenarFile);
+    if (consolePlant != nullptr)
+        found |= refuses(output, "file of prime implicates", consolePlant->name + ".pi");
+    found |= refuses(output, "file of the optimiser's options", optimiserOptionsFile);
+    found |= refuses(output, "script", standardInput);
+    return found;
+}
+
 bool wouldOverwriteInputs() {
-    struct Input {
-        char const* what;
-        std::string path;
-    };
-    Input const inputs[] = {{"input file", inputFile},
-                            {"measure file", measureFile},
-                            {"scenario file", scenarFile},
-                            {"file of prime implicates", consolePlant->name + ".pi"},
-                            {"file of the optimiser's options", optimiserOptionsFile}};
     bool found = false;
     for (std::string const& output : {displayFile, modesFile, std::string(cycleBenchmark)})
-        for (Input const& input : inputs)
-            if (isSameFile(output, input.path)) {
-                std::fprintf(stderr, "Can't write file %s: it is the %s %s\n", output.c_str(),
-                             input.what, input.path.c_str());
-                found = true;
-            }
+        found |= wouldOverwriteInput(output);
+    return found;
+}
+
+// The arguments are not understood yet: each may be any file.
+bool wouldOverwriteArgument(std::string const& output, int count, char const* const* arguments) {
+    bool found = refuses(output, "script", standardInput);
+    for (char const* const* argument = arguments + 1; argument < arguments + count; ++argument)
+        if (isSameFile(output, inputPrefix + std::string(*argument)) ||
+            isSameFile(output, measurePrefix + std::string(*argument))) {
+            tellRefused(output, "argument", *argument);
+            found = true;
+        }
     return found;
 }

@@ -1,7 +1,14 @@
 // A guard against a slip that costs data: a file that is to be written and to be read.
+//
+// Opening it would empty it, so that each of these is to be asked before the file is opened. Names
+// do not count: a link is the file that it leads to.
 #pragma once
 
-// Whether a file that a run would write is one that it would read, by whatever names or links;
-// tells each. Opening it would empty it, so that this is to be asked before the first file is
-// opened.
+#include <string>
+
+// Whether *output* is a file that a run or the console reads; tells each that it is.
+bool wouldOverwriteInput(std::string const& output);
+// The same of all files that are known before a run begins.
 bool wouldOverwriteInputs();
+// Whether the log *output* is one of the files that the arguments of the program may name.
+bool wouldOverwriteArgument(std::string const& output, int count, char const* const* arguments);

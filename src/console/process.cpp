@@ -2,8 +2,41 @@
 #include "console/process.h"
 
 #include <fcntl.h>
+#include <unistd.h>
 
+#include <cstdio>
 #include <cstdlib>
+#include <new>
+
+#include "console/console_host.h"
+#include "console/exchange.h"
+#include "console/losses.h"
+#include "console/output_file.h"
+
+namespace {
+
+constexpr int statusOfLoss = 3;
+
+}  // namespace
+
+bool strictSession = false;
+
+// A host that memory is too short to make has written nothing.
+void flushAll() {
+    try {
+        consoleHost().flushLogs();
+    } catch (std::bad_alloc const&) {
+    }
+    flushStandardOutput();
+}
+
+void endSession(int status) {
+    closeRunFiles();
+    flushAll();
+    if (std::fflush(stderr) != 0 || std::ferror(stderr) != 0)
+        countLoss();
+    leaveProcess(status == 0 && strictSession && losses() > 0 ? statusOfLoss : status);
+}
 
 void leaveProcess(int status) {
     std::exit(status);
@@ -13,6 +46,7 @@ void keepStandardStreams() {
     for (int descriptor = 0; descriptor <= 2; ++descriptor)
         if (fcntl(descriptor, F_GETFD) == -1) {
             // The lowest free descriptor is this one, since the lower ones are open by now.
-            [[maybe_unused]] int const opened = open("/dev/null", O_RDWR);
+            [[maybe_unused]] int const opened =
+                open("/dev/null", descriptor == STDOUT_FILENO ? O_RDONLY : O_RDWR);
         }
 }

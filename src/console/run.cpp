@@ -3,17 +3,23 @@
 
 #include <cstdio>
 #include <cstdlib>
+#include <exception>
 #include <iostream>
 #include <new>
 
 #include "console/console.h"
+#include "console/console_host.h"
 #include "console/exchange.h"
+#include "console/interrupts.h"
+#include "console/losses.h"
 #include "console/overwriting.h"
 #include "console/parameters.h"
+#include "console/process.h"
 #include "continuous/sorn-runt.h"
 #include "hybrid/tavro-runt.h"
 #include "reasoning/Scheduler.h"
 #include "support/numbers.h"
+#include "support/run_stopped.h"
 
 double simTime = 0.0;
 double totalTime = 0.0;
@@ -76,15 +82,38 @@ int initDiscrete() {
     return 0;
 }
 
-// False when it fails, and when memory runs short: then there is no candidate.
+void abandonStart() {
+    clearNrt(*consoleRun, consoleRun->hybNT != nullptr ? consoleRun->hybNT->rt.get() : nullptr);
+    clearMultiTrajs(*consoleRun);
+}
+
+// False when it fails, and when memory runs short: then there is no candidate. A run without all of
+// its events would be another one.
 bool startRun(int global) {
     try {
-        return tavro_initialize(*consoleRun, global, precision, "", accuTime) == 1;
+        if (tavro_initialize(*consoleRun, global, precision, "", accuTime) != 1)
+            return false;
+        prepareSc();
+        return true;
     } catch (std::bad_alloc const&) {
-        clearNrt(*consoleRun, consoleRun->hybNT != nullptr ? consoleRun->hybNT->rt.get() : nullptr);
-        clearMultiTrajs(*consoleRun);
+        abandonStart();
         return false;
+    } catch (RunStopped const& why) {
+        tellLoss("run stopped at time 0: %s\n", why.what());
+        abandonStart();
+        if (why.reason == RunStopped::overdue)
+            return false;
+        throw;
     }
+}
+
+// An interrupt ends a run that has begun to be made ready, as it would later.
+bool stoppedAtStart() {
+    if (stopReason() == nullptr)
+        return false;
+    tellLoss("run stopped at time 0: %s\n", stopReason());
+    abandonStart();
+    return true;
 }
 
 void initHybrid(int global) {
@@ -92,11 +121,10 @@ void initHybrid(int global) {
         return;
     if (!prepareEI() || !prepareMS() || !prepareDO() || !prepareMO())
         return;
-    if (!startRun(global)) {
-        std::fprintf(stderr, "  Initializations failed.\n");
+    if (!startRun(global) || stoppedAtStart()) {
+        tellLoss("  Initializations failed.\n");
         return;
     }
-    prepareSc();
     std::fprintf(stderr, "  Initializations done.\n");
     s_runtime const* rt = consoleRun->hybNT->rt.get();
     tavro_setDisplays(rt->name.c_str(), static_cast<int>(rt->display.size()), rt->dinfval.data(),
@@ -120,10 +148,38 @@ int snInit(char const* arg) {
     if (discrete)
         return initDiscrete();
     initHybrid(options.global);
-    if (dataOut != nullptr)
+    interruptIsDone();
+    if (dataOut != nullptr) {
         std::fprintf(dataOut, "\n");
+        // A program that is killed before its first run leaves the line all the same.
+        std::fflush(dataOut);
+    }
     return 0;
 }
+
+namespace {
+
+void tellStop(char const* reason) {
+    tellLoss("run stopped at time %d: %s\n", consoleRun->sMM->time, reason);
+}
+
+// Answers what is fatal.
+std::exception_ptr runScenario() {
+    try {
+        consoleRun->sMM->runSchD(inputFile);
+        if (stopReason() != nullptr)
+            tellStop(stopReason());
+    } catch (std::bad_alloc const&) {
+        tellStop("memory runs short");
+    } catch (RunStopped const& why) {
+        tellStop(why.what());
+        if (why.reason != RunStopped::overdue)
+            return std::current_exception();
+    }
+    return nullptr;
+}
+
+}  // namespace
 
 int snDisc(char const*) {
     if (!disc_init) {
@@ -131,30 +187,38 @@ int snDisc(char const*) {
         return 1;
     }
     std::cout << "inputFile: " << inputFile << "\n";
-    try {
-        consoleRun->sMM->runSchD(inputFile);
-    } catch (std::bad_alloc const&) {
-        std::fprintf(stderr, "Memory runs short: the run stops.\n");
-    }
+    std::exception_ptr const fatal = runScenario();
     disc_init = false;
     clearMultiTrajs(*consoleRun);
+    consoleHost().flushLogs();
+    interruptIsDone();
+    if (fatal)
+        std::rethrow_exception(fatal);
     return 1;
 }
+
+namespace {
+
+int shell(char const* command) {
+    flushAll();
+    Waiting const waiting;
+    return std::system(command);
+}
+
+}  // namespace
 
 int snGnup(char const* arg) {
     std::string command = "gnuplot ";
     if (std::optional<std::string> const script = Parameters(arg).next())
         command += *script;
-    std::fflush(stdout);
-    if (std::system(command.c_str()) == -1)
-        std::fprintf(stderr, "Gnuplot failed");
+    if (shell(command.c_str()) == -1)
+        tellLoss("Gnuplot failed");
     return 1;
 }
 
 int snSystem(char const* arg) {
-    std::fflush(stdout);
-    if (std::system(arg) == -1) {
-        std::fprintf(stderr, "Shell command failed.\n");
+    if (shell(arg) == -1) {
+        tellLoss("Shell command failed.\n");
         return 0;
     }
     return 1;

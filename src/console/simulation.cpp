@@ -1,43 +1,27 @@
 // `simul` and `detect`: the loops over time.
-#include <algorithm>
 #include <cctype>
+#include <cerrno>
 #include <cstdio>
-#include <cstdlib>
 #include <ctime>
 #include <iostream>
-#include <new>
 
 #include "console/console.h"
+#include "console/cycles.h"
 #include "console/exchange.h"
+#include "console/interrupts.h"
 #include "console/isolation_request.h"
+#include "console/losses.h"
+#include "console/output_file.h"
 #include "console/parameters.h"
 #include "console/process.h"
 #include "console/run.h"
-#include "console/stale_graphs.h"
 #include "continuous/sorn-runt.h"
 #include "hybrid/tavro-runt.h"
-#include "reasoning/Scheduler.h"
 #include "support/numbers.h"
 
 namespace {
 
 constexpr double ticksPerSecond = 1000000.0;
-
-void tellMemoryShort(std::size_t candidates, double time) {
-    std::fprintf(stderr, "Memory runs short with %d candidates: the run stops at time %g.\n",
-                 static_cast<int>(candidates), time);
-}
-
-// A run whose last cycle, at *time*, left no candidate, or too many for the memory, stops there.
-bool mustStop(double time) {
-    if (consoleRun->hybNT == nullptr)
-        std::fprintf(stderr, "No candidate is left: the run stops at time %g.\n", time);
-    else if (consoleRun->host.memoryRunsShort())
-        tellMemoryShort(consoleRun->tracked_trajs.size(), time);
-    else
-        return false;
-    return true;
-}
 
 void announceTime() {
     std::fprintf(stderr, "-- time = %g --------------------------\n", simTime);
@@ -52,49 +36,6 @@ void readDataLines(s_runtime const* rt) {
                           consoleRun->engine.meas.data());
 }
 
-// The cycles of a run, and the rows that they leave.
-class Cycles {
-public:
-    // The cycle at simTime; *Ts* is the period. False, with a message, when memory ran short: then
-    // the run stops at the last whole cycle.
-    bool run(RunOptions const& options, double countdown, double Ts) {
-        bool nominal = false;
-        int const result = keep(simTime - Ts)
-                               ? tavro_tryCycle(*consoleRun, options, countdown, simTime, nominal)
-                               : 0;
-        if (result == 0) {
-            stopped = true;
-            tellMemoryShort(kept.tables.size(), kept.time);
-            return false;
-        }
-        if (result == -1)
-            std::fprintf(stderr, "Tavro cycle failed!\n");
-        ++count;
-        return true;
-    }
-
-    void writeRows() const {
-        if (stopped)
-            writeDispAll(dataOut, kept);
-        else
-            writeDispAll(dataOut, consoleRun->tracked_trajs, count);
-    }
-
-private:
-    bool keep(double time) {
-        try {
-            kept = keepRows(consoleRun->tracked_trajs, time, count);
-            return true;
-        } catch (std::bad_alloc const&) {
-            return false;  // the rows of one cycle less
-        }
-    }
-
-    int count = 0;
-    bool stopped = false;  // within a cycle
-    KeptRows kept;         // from before the last cycle
-};
-
 // Makes ready for cycles up to totalTime; false when that is more than a display table can hold.
 bool beginRun() {
     clearNrt(*consoleRun, consoleRun->hybNT->rt.get());
@@ -102,31 +43,6 @@ bool beginRun() {
         return true;
     std::fprintf(stderr, "Total time is too long !\n");
     return false;
-}
-
-// Whether a run leaves graphs of its candidates: never, or not this time, or it does.
-enum class Graphs { NEVER, MISSING, WRITTEN };
-
-void writeGraphs() {
-    removeStaleGraphs(static_cast<int>(consoleRun->tracked_trajs.size()));
-    graphTrajs(consoleRun->host, consoleRun->tracked_trajs);
-}
-
-// Writes the rows of the cycles and the graphs of the candidates; ends the run.
-void endRun(Cycles const& cycles, Graphs graphs) {
-    cycles.writeRows();
-    if (graphs == Graphs::WRITTEN)
-        writeGraphs();
-    else if (graphs == Graphs::MISSING)
-        tellStaleGraphs();
-    clearMultiTrajs(*consoleRun);
-    consoleRun->sMM->reportUnmetEvents(std::min(simTime, totalTime));
-    closeRunFiles();
-    for (auto* values : {&consoleRun->engine.inps, &consoleRun->engine.meas})
-        if (!values->empty()) {
-            values->clear();
-            memFr += static_cast<int>(sizeof(double));
-        }
 }
 
 bool readTotalTime(std::optional<std::string> const& word, char const* missing) {
@@ -174,6 +90,8 @@ bool acceptsDrift() {
                  "Warning the model contains spontaneous transitions jumps on non-measured values: "
                  "predicted bounds will drift away. Try simulation with 'multi' flag instead.\n"
                  "Do you want to continue anyway ? (y/n)\n");
+    flushAll();
+    Waiting const waiting;
     return std::tolower(std::fgetc(stdin)) != 'n';
 }
 
@@ -182,15 +100,15 @@ void simulate(RunOptions const& options) {
     Cycles cycles;
     double const Ts = consoleRun->hybNT->rt->Ts;
     double countdown = options.period - Ts;
-    for (simTime = Ts; simTime <= totalTime; simTime += Ts, countdown -= Ts) {
-        if (mustStop(simTime - Ts))
-            break;
-        announceTime();
-        readDataLines(consoleRun->hybNT->rt.get());
-        if (!cycles.run(options, countdown, Ts))
-            break;
-    }
-    endRun(cycles, Graphs::NEVER);
+    simTime = Ts;
+    cycles.guard([&] {
+        for (; simTime <= totalTime && cycles.mayGoOn(); simTime += Ts, countdown -= Ts) {
+            announceTime();
+            readDataLines(consoleRun->hybNT->rt.get());
+            cycles.run(options, countdown);
+        }
+    });
+    cycles.end(Graphs::NEVER);
 }
 
 // ---- detect ----
@@ -253,40 +171,36 @@ bool canDetect() {
 }
 
 std::FILE* openCycleBenchmark() {
-    std::FILE* file = std::fopen(cycleBenchmark, "w");
+    std::FILE* file = openOutput(cycleBenchmark);
     if (file == nullptr) {
+        tellUnwritten(cycleBenchmark, errno);
         std::cout << "Cannot create cycle benchmark file...\n" << std::flush;
-        leaveProcess(1);
+        endSession(1);
     }
     return file;
 }
 
-bool timedCycle(Cycles& cycles, RunOptions const& options, double Ts, std::FILE* benchmark) {
+void timedCycle(Cycles& cycles, RunOptions const& options, std::FILE* benchmark) {
     std::clock_t const start = std::clock();
-    if (!cycles.run(options, 0.0, Ts))
-        return false;
+    cycles.run(options, 0.0);
     double const seconds = static_cast<double>(std::clock() - start) / ticksPerSecond;
     std::cout << "cycle: " << seconds << " seconds\n";
     std::fprintf(benchmark, "%i\t%g\n", static_cast<int>(consoleRun->tracked_trajs.size()),
                  seconds);
-    return true;
 }
 
 void detect(RunOptions const& options) {
-    std::FILE* benchmark = openCycleBenchmark();
-    Cycles cycles;
+    Cycles cycles(openCycleBenchmark());
     double const Ts = consoleRun->hybNT->rt->Ts;
-    for (simTime = Ts; simTime <= totalTime; simTime += Ts) {
-        if (mustStop(simTime - Ts))
-            break;
-        announceTime();
-        readDataLines(consoleRun->hybNT->rt.get());
-        if (!timedCycle(cycles, options, Ts, benchmark))
-            break;
-    }
-    // A run that was stopped may hold more candidates than anyone wants as files.
-    endRun(cycles, simTime > totalTime ? Graphs::WRITTEN : Graphs::MISSING);
-    closeOutput(benchmark, cycleBenchmark);
+    simTime = Ts;
+    cycles.guard([&] {
+        for (; simTime <= totalTime && cycles.mayGoOn(); simTime += Ts) {
+            announceTime();
+            readDataLines(consoleRun->hybNT->rt.get());
+            timedCycle(cycles, options, cycles.log());
+        }
+    });
+    cycles.end(Graphs::WANTED);
 }
 
 }  // namespace

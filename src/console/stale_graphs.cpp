@@ -1,12 +1,17 @@
 // Finding the graphs of earlier runs.
 #include "console/stale_graphs.h"
 
+#include <dirent.h>
+
 #include <algorithm>
 #include <cstdio>
 #include <filesystem>
 #include <fstream>
+#include <memory>
 #include <string>
 #include <vector>
+
+#include "console/losses.h"
 
 namespace {
 
@@ -33,24 +38,28 @@ int numberIn(std::string const& name) {
 }
 
 // The program's own graphs begin with their name.
-bool isOurs(fs::directory_entry const& entry) {
+bool isOurs(int number) {
+    fs::path const path = graphName(number);
     std::error_code error;
-    if (!fs::is_regular_file(entry.symlink_status(error)))
+    if (!fs::is_regular_file(fs::symlink_status(path, error)))
         return false;
-    std::ifstream file(entry.path());
-    std::string const expected = "digraph " + entry.path().stem().string() + " {\n";
+    std::ifstream file(path);
+    std::string const expected = "digraph " + path.stem().string() + " {\n";
     std::string found(expected.size(), '\0');
     file.read(found.data(), static_cast<std::streamsize>(found.size()));
     return found == expected;
 }
 
-// The numbers of the graphs that are there, from *first* on, in their order.
+// The numbers of the graphs that are there, from *first* on, in their order. The library's own walk
+// over a directory would end the process when an allocation fails.
 std::vector<int> graphsFrom(int first) {
+    std::unique_ptr<DIR, int (*)(DIR*)> const directory(opendir("."), closedir);
     std::vector<int> numbers;
-    std::error_code error;
-    for (fs::directory_iterator i(".", error); i != fs::directory_iterator(); i.increment(error)) {
-        int const number = numberIn(i->path().filename().string());
-        if (number >= first && isOurs(*i))
+    if (directory == nullptr)
+        return numbers;
+    while (dirent const* entry = readdir(directory.get())) {
+        int const number = numberIn(entry->d_name);
+        if (number >= first && isOurs(number))
             numbers.push_back(number);
     }
     std::sort(numbers.begin(), numbers.end());
@@ -66,7 +75,7 @@ void removeStaleGraphs(int count) {
         std::string const name = graphName(number);
         std::error_code error;
         if (!fs::remove(name, error)) {
-            std::fprintf(stderr, "Can't remove file %s, a graph of an earlier run\n", name.c_str());
+            tellLoss("Can't remove file %s, a graph of an earlier run\n", name.c_str());
             continue;
         }
         ++removed;
@@ -76,7 +85,7 @@ void removeStaleGraphs(int count) {
         std::fprintf(stderr, "Graphs of an earlier run removed: %d, %s\n", removed, names.c_str());
 }
 
-void tellStaleGraphs() {
-    if (!graphsFrom(0).empty())
-        std::fprintf(stderr, "No graphs are written: those here are of an earlier run\n");
+void tellNoGraphs() {
+    tellLoss("No graphs are written%s\n",
+             graphsFrom(0).empty() ? "" : ": those here are of an earlier run");
 }

@@ -5,7 +5,10 @@
 
 #include "console/console.h"
 #include "console/console_host.h"
+#include "console/exchange.h"
+#include "console/losses.h"
 #include "console/options.h"
+#include "console/overwriting.h"
 #include "console/process.h"
 #include "continuous/records.h"
 #include "run/build_plant.h"
@@ -23,7 +26,8 @@ public:
     // name, whatever it begins with.
     RunSettings takeOptions() {
         RunSettings settings;
-        while (following() != nullptr && takeOption(following(), settings))
+        while (following() != nullptr &&
+               (isStrict(following()) || takeOption(following(), settings)))
             ++position;
         return settings;
     }
@@ -48,7 +52,8 @@ private:
 char const* takeRequired(Arguments& arguments, char const* what) {
     if (arguments.following() == nullptr) {
         std::fprintf(stderr, "Not enough parameters (expecting %s) !\n", what);
-        leaveProcess(0);
+        countLoss();
+        endSession(0);
     }
     return arguments.take();
 }
@@ -95,7 +100,7 @@ void takeModesFile(Arguments& arguments) {
 
 void setPrefixes() {
     inputFile = scenarFile = inputPrefix;
-    measureFile = "obs/";
+    measureFile = measurePrefix;
     displayFile = "disp/";
     modesFile.clear();
 }
@@ -149,6 +154,15 @@ void answerQuestions(CompiledModel const& model, int argc, char** argv) {
     std::_Exit(0);
 }
 
+// The host empties the logs, before the command line is read.
+void keepArguments(int argc, char** argv) {
+    bool lost = false;
+    for (char const* const log : {stepBenchmark, propagationBenchmark})
+        lost |= wouldOverwriteArgument(log, argc, argv);
+    if (lost)
+        leaveProcess(1);
+}
+
 // Frees what the run and the plant hold, on every way out of the process: the run first, since the
 // keys of its tables are texts of the plant.
 void releaseAll() {
@@ -174,6 +188,7 @@ void startConsole(CompiledModel const& model, int argc, char** argv) {
     // One character may be read past the console, so nothing may be read ahead.
     std::setvbuf(stdin, nullptr, _IONBF, 0);
     auxFile = baseName(argc > 0 ? argv[0] : nullptr);
+    keepArguments(argc, argv);
     consoleHost();
     answerQuestions(model, argc, argv);
     Arguments arguments(argc, argv);

@@ -1,76 +1,58 @@
 // The bounds of every display variable at every step of a run, shared between candidates.
 //
-// Candidates inherit the rows before they parted, so the table is kept in shared blocks; a block
-// that was never written reads as zeros and takes no memory.
+// Candidates are copied, written to and merged at every step, and inherit the rows from before they
+// parted. So the table is a tree whose nodes are shared until one side writes: a copy costs one
+// link, a write the nodes above one value, and a merge only what differs. Nodes that were never
+// written read as zeros and take no memory.
+//
+// Candidates that live side by side differ in old rows for good, and their offspring are merged at
+// every step, so passing over shared nodes is not enough. Each content of a node has a stamp, and a
+// node notes the stamps of contents that are known to lie within it: covering them again changes
+// nothing. So a merge looks at a difference once, and its cost does not grow with the run.
+//
+// Invariants:
+//   1. a stamp stands for one content: it is new whenever a value below it changes;
+//   2. a content whose stamp is noted in a node lies within it both ways: either covered with the
+//      other is the node's content, to the bit;
+//   3. values at and behind the length are zero.
+// Single-threaded, as the run that owns the tables.
 #pragma once
 
-#include <algorithm>
-#include <array>
-#include <cassert>
-#include <optional>
-#include <vector>
-
-#include "continuous/history.h"
+#include <cstdint>
+#include <memory>
 
 class DisplayTable {
 public:
     // Empties the table and gives it *count* values, all zero.
-    void resize(int count) {
-        length = std::max(count, 0);
-        blocks.clear();
-    }
-
+    void resize(int count);
     int size() const { return length; }
-
     // The value at *index*; zero for what was never written, and outside the table.
-    double operator[](int index) const {
-        if (index < 0 || index >= length)
-            return 0.0;
-        std::size_t const block = static_cast<std::size_t>(index / blockSize);
-        if (block >= blocks.size() || !blocks[block])
-            return 0.0;
-        return blocks[block]->read()[static_cast<std::size_t>(index % blockSize)];
-    }
-
+    double operator[](int index) const;
     // Values outside the table are dropped.
-    void set(int index, double value) {
-        if (index < 0 || index >= length)
-            return;
-        std::size_t const block = static_cast<std::size_t>(index / blockSize);
-        assert(blocks.size() <= static_cast<std::size_t>((length - 1) / blockSize) + 1);
-        if (block >= blocks.size())
-            blocks.resize(block + 1);
-        if (!blocks[block])
-            blocks[block].emplace();
-        blocks[block]->write()[static_cast<std::size_t>(index % blockSize)] = value;
-    }
-
+    void set(int index, double value);
     // Widens the first *count* values, pairs of a lower and an upper bound, to cover those of
-    // *other*.
-    void coverPairs(DisplayTable const& other, int count) {
-        for (int index = 0; index < std::min(count, length); index += 2) {
-            if (sharesBlock(other, index)) {
-                index += blockSize - 2 - index % blockSize;  // nothing differs in the whole block
-                continue;
-            }
-            set(index, std::min((*this)[index], other[index]));
-            set(index + 1, std::max((*this)[index + 1], other[index + 1]));
-        }
-    }
+    // *other*. Fast for a table that was copied from the same one.
+    void coverPairs(DisplayTable const& other, int count);
 
 private:
-    static constexpr int blockSize = 64;  // even, so that no pair lies across two blocks
-    using Block = std::array<double, blockSize>;
+    using Stamp = std::uint64_t;
+    struct Node;
+    struct Leaf;
+    struct Branch;
+    using Link = std::shared_ptr<Node>;  // null: all zeros
+    // A part of the table: the node at a level above the leaves, the index of its first value, and
+    // the index behind the last value that is of concern.
+    struct Part;
 
-    bool sharesBlock(DisplayTable const& other, int index) const {
-        std::size_t const block = static_cast<std::size_t>(index / blockSize);
-        bool const mine = block < blocks.size() && blocks[block];
-        bool const theirs = block < other.blocks.size() && other.blocks[block];
-        if (!mine || !theirs)
-            return mine == theirs;
-        return blocks[block]->isSameAs(*other.blocks[block]);
-    }
+    template <typename Kind>
+    Kind& ownNode(Link& link);
+    void coverPlainly(DisplayTable const& other, int end);
+    Link covered(Link const& mine, Link const& theirs, Part const& part);
+    Link coveredLeaf(Link const& mine, Link const& theirs, Part const& part);
+    Link coveredBranch(Link const& mine, Link const& theirs, Part const& part);
 
     int length = 0;
-    std::vector<std::optional<SharedBlock<Block>>> blocks;
+    int height = 0;                 // branches above a leaf
+    std::shared_ptr<Stamp> stamps;  // the last one given, for all copies of a table
+    Link root;
 };

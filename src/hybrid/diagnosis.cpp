@@ -189,8 +189,10 @@ void diagnoseMisbTrajs(RunState& run, RunOptions const& options, double time) {
     assert(!run.misbtrajs.empty() && mayDiagnose(run));
     run.last_detection_time = time;
     run.lost = true;
-    HybMap copies = copyHybTrajectories(run.misbtrajs);
+    run.refuted = copyHybTrajectories(run.misbtrajs);
     bool const blind = handleMisbTrajs(run, options.isolation, options.threshold, time);
+    HybMap copies = std::move(run.refuted);
+    run.refuted.clear();
     if (run.tracked_trajs.empty()) {
         run.tracked_trajs = std::move(copies);
         return;

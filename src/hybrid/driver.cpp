@@ -6,6 +6,7 @@
 #include "hybrid/tavro-runt.h"
 #include "model/Transitionrt.h"
 #include "reasoning/Scheduler.h"
+#include "support/run_stopped.h"
 
 namespace {
 
@@ -24,6 +25,15 @@ void readFirstLines(RunState& run, s_runtime const* rt) {
 void setNoise(RunState const& run, s_runtime const* rt) {
     for (s_Variable* measure : rt->measure)
         measure->noise = run.rules.narrow ? run.settings.noiseOf(measure->nom) : 0.0;
+}
+
+// What a cycle that does not come to its end has left, but for the candidates that it was to
+// explain.
+void abandonCycle(RunState& run) {
+    run.hybNT = nullptr;
+    for (HybMap* map : {&run.tracked_trajs, &run.ntrajs, &run.misbtrajs})
+        map->clear();
+    run.dropped.clear();
 }
 
 // The code of the continuous step of one candidate. Required: when the countdown is at exactly
@@ -125,10 +135,11 @@ int tavro_tryCycle(RunState& run, RunOptions const& options, double countdown, d
     try {
         return tavro_doCycle(run, options, countdown, time, nominal);
     } catch (std::bad_alloc const&) {
-        clearMultiTrajs(run);
-        run.ntrajs.clear();
-        run.misbtrajs.clear();
+        abandonCycle(run);
         return 0;
+    } catch (RunStopped const&) {
+        abandonCycle(run);
+        throw;
     }
 }
 
@@ -141,5 +152,6 @@ void clearRunTime(s_runtime* rt) {
 void clearMultiTrajs(RunState& run) {
     run.hybNT = nullptr;
     run.tracked_trajs.clear();
+    run.refuted.clear();
     run.dropped.clear();
 }

@@ -2,8 +2,8 @@
 #include "hybrid/tavro-runt.h"
 #include "trajectory/model_tools.h"
 
-void graphTrajs(Host& host, HybMap const& trajectories) {
+void graphTrajs(Host& host, HybMap const& trajectories, int most) {
     int i = 0;
-    for (auto const& entry : trajectories)
-        toDot(host, entry.second->traj.get(), "htraj" + std::to_string(i++));
+    for (auto entry = trajectories.begin(); entry != trajectories.end() && i < most; ++entry, ++i)
+        toDot(host, entry->second->traj.get(), "htraj" + std::to_string(i));
 }

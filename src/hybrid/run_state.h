@@ -52,6 +52,7 @@ public:
     HybMap tracked_trajs;            // the candidates being tracked
     HybMap ntrajs;                   // candidates being rebuilt within a cycle
     HybMap misbtrajs;                // candidates found misbehaving in this cycle
+    HybMap refuted;                  // copies of those, while a diagnosis takes them apart
     hybTrajectory* hybNT = nullptr;  // the nominal candidate, borrowed; null: not initialised
 
     // By the rule `dates`: misbehaving candidates that were dropped, and when, the latest last.

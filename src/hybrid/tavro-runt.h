@@ -8,6 +8,7 @@
 // that hold between two steps stand in run_state.h.
 #pragma once
 
+#include <climits>
 #include <functional>
 #include <map>
 #include <memory>
@@ -45,9 +46,11 @@ void lockFirstTrajState(Trajectory* traj);
 int tavro_doCycle(RunState& run, RunOptions const& options, double countdown, double time,
                   bool& nominal);
 // The same; 0 when memory ran short, at whatever place of the step. Then no candidate is left,
-// and hybNT is null. None could be kept: some have been stepped and others not, one may lack the
-// state that was being worked on, and explanations stand beside the candidates that they explain.
-// What a run has to show of the steps before must have been taken before.
+// and hybNT is null; so it is when it throws RunStopped. None could be kept: some have been stepped
+// and others not, one may lack the state that was being worked on, and explanations stand beside
+// the candidates that they explain. What a run has to show of the steps before must have been taken
+// before; but when a diagnosis did not come to its end, those that it was to explain are in
+// run.refuted, whole.
 int tavro_tryCycle(RunState& run, RunOptions const& options, double countdown, double time,
                    bool& nominal);
 // The continuous step of every tracked candidate.
@@ -119,8 +122,9 @@ void tavro_diagGetMeasures(s_runtime const* rt, double from, double now, double*
 
 // ---- Graphs (graphs.cpp) ----
 
-// Writes htraj0.dot, htraj1.dot and so on, a file a candidate, in the order of the map.
-void graphTrajs(Host& host, HybMap const& trajectories);
+// Writes htraj0.dot, htraj1.dot and so on, a file a candidate, in the order of the map, for the
+// first *most* of them.
+void graphTrajs(Host& host, HybMap const& trajectories, int most = INT_MAX);
 
 // ---- Bridge (bridge.cpp); see also continuous/bridge.h ----
 

@@ -29,6 +29,9 @@ public:
     virtual std::ostream& out() { return silence; }
     // Messages for the user.
     virtual std::ostream& err() { return silence; }
+    // The same, for a message that begins: something was lost, refused or unreadable. To be asked
+    // for once a message, since a host may count them.
+    virtual std::ostream& loss() { return err(); }
     // A line for each propagation, and a line for each step of a discrete run.
     virtual std::ostream& propagationLog() { return silence; }
     virtual std::ostream& stepLog() { return silence; }
@@ -71,6 +74,12 @@ public:
     // True once so little memory is left that the run has to stop in order. Cheap: the engine asks
     // wherever candidates, branches and leaves are made.
     virtual bool memoryRunsShort() { return false; }
+    // True once whoever holds the run wants it to end. Asked between two steps, where a run can end
+    // without losing any.
+    virtual bool stopRequested() { return false; }
+    // Why, when it cannot wait for the end of the step, which is given up then; null while it can.
+    // Cheap, as it is asked where memory is.
+    virtual char const* stopOverdue() { return nullptr; }
 
 private:
     std::ostream silence{nullptr};

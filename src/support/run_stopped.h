@@ -18,6 +18,7 @@ public:
         eventImpossible,  // an event of the continuous side fits no state
         noDiagnosis,      // nothing explains the misbehaviour
         initialisation,   // the scheduler could not be made ready
+        overdue,          // whoever holds the run wanted it to end, and the step took too long
     };
 
     RunStopped(Reason reason, std::string const& text) : std::runtime_error(text), reason(reason) {}

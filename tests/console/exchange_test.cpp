@@ -368,8 +368,11 @@ TEST(CloseRunFiles, TellsWhatCouldNotBeWritten) {
     ConsoleFiles const files;
     displayFile = "/dev/full";
     streamsOf([] { prepareDO(); });
-    std::fputs("lost", dataOut);
-    EXPECT_EQ(streamsOf([] { closeRunFiles(); }).err, "Can't write file /dev/full\n");
+    EXPECT_EQ(streamsOf([] {
+                  std::fputs("lost", dataOut);
+                  closeRunFiles();
+              }).err,
+              "Can't write file /dev/full: No space left on device\n");
     EXPECT_EQ(streamsOf([] { closeRunFiles(); }).err, "") << "it is told once";
 }
 
@@ -378,9 +381,11 @@ TEST(CloseRunFiles, TellsWhatWasLostOnTheWay) {
     ConsoleFiles const files;
     displayFile = "/dev/full";
     streamsOf([] { prepareDO(); });
-    std::fputs(std::string(100000, 'x').c_str(), dataOut);
-    std::fflush(dataOut);
-    EXPECT_EQ(streamsOf([] { closeRunFiles(); }).err, "Can't write file /dev/full\n");
+    EXPECT_EQ(streamsOf([] {
+                  std::fputs(std::string(100000, 'x').c_str(), dataOut);
+                  closeRunFiles();
+              }).err,
+              "Can't write file /dev/full: No space left on device\n");
 }
 
 TEST(SetAlarms, LeavesThemInTheRuntime) {

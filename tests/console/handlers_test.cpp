@@ -306,7 +306,7 @@ TEST_F(HandlerTest, DetectEndsTheProcessWithoutItsLog) {
             std::atexit([] { clearMultiTrajs(theRun()); });
             snDetect("1 nofault 3");
         },
-        testing::ExitedWithCode(1), "mode: 3\n$");
+        testing::ExitedWithCode(1), "mode: 3\nCan't write file cycbench.bmk: Is a directory\n$");
 }
 
 // ---- The other commands ----

@@ -1,6 +1,7 @@
 // A run that memory stops: what the console says, which rows it writes, and that it goes on.
 #include <algorithm>
 
+#include "console/losses.h"
 #include "console/run.h"
 #include "console_fixture.h"
 #include "fixtures/reference_model.h"
@@ -43,7 +44,7 @@ protected:
     ReferenceModel model;
 };
 
-// A detection that is stopped leaves the graph of the one before it.
+// A detection that is stopped within a cycle leaves the graph of the one before it.
 char const* const staleGraphs = "No graphs are written: those here are of an earlier run\n";
 char const* const thirdStep = "-- time = 3 --------------------------\n";
 
@@ -54,7 +55,7 @@ TEST_F(MemoryStop, DetectionKeepsTheRowsOfWholeCycles) {
     std::string const file = WorkDirectory::read(displayFile);
     ASSERT_EQ(std::count(file.begin(), file.end(), '\n'), 3) << "the start and two steps";
     EXPECT_EQ(after(run(snDetect, "5 nofault 3", 5), thirdStep),
-              std::string("Memory runs short with 1 candidates: the run stops at time 2.\n") +
+              std::string("run stopped at time 2: memory runs short with 1 candidates\n") +
                   staleGraphs + file);
 }
 
@@ -64,15 +65,28 @@ TEST_F(MemoryStop, DetectionStopsBetweenTwoSteps) {
     std::string const told = run(snDetect, "5 nofault 3", 4);
     EXPECT_EQ(told.find(thirdStep), std::string::npos);
     EXPECT_EQ(after(told, "time = 2 --------------------------\n"),
-              std::string("Memory runs short with 1 candidates: the run stops at time 2.\n") +
-                  staleGraphs + file);
+              "run stopped at time 2: memory runs short with 1 candidates\n" + file);
+    EXPECT_NE(WorkDirectory::read("htraj0.dot"), "") << "between two steps a candidate is whole";
+}
+
+TEST_F(MemoryStop, GraphsThatAreLeftOutAreTold) {
+    std::string const sound = run(snDetect, "2 nofault 3", -1);
+    EXPECT_EQ(sound.find("graphs"), std::string::npos);
+    runHost().onWrite = [](std::string const&) { throw std::bad_alloc(); };
+    int const before = losses();
+    std::string const told = run(snDetect, "2 nofault 3", -1);
+    runHost().onWrite = nullptr;
+    EXPECT_NE(told.find("Memory runs short: graphs are missing"), std::string::npos) << told;
+    EXPECT_EQ(losses() - before, 1);
+    EXPECT_EQ(theRun().hybNT, nullptr) << "the run has ended";
+    EXPECT_EQ(run(snDetect, "2 nofault 3", -1), sound);
 }
 
 TEST_F(MemoryStop, SimulationKeepsTheRowsOfWholeCycles) {
     run(snSimul, "2 multi", -1);
     std::string const file = WorkDirectory::read(displayFile);
     EXPECT_EQ(after(run(snSimul, "5 multi", 5), thirdStep),
-              "Memory runs short with 1 candidates: the run stops at time 2.\n" + file);
+              "run stopped at time 2: memory runs short with 1 candidates\n" + file);
 }
 
 TEST_F(MemoryStop, TheNextRunIsASoundOne) {

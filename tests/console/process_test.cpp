@@ -67,7 +67,7 @@ bool isNullDevice(int descriptor) {
 
 // In a child: closes the descriptors, opens the null device in their place, and then a file. Ends
 // with status 0 when the file got a descriptor above the standard ones and each closed one is the
-// null device, for reading and writing.
+// null device, for reading and writing, standard output for reading alone.
 [[noreturn]] void tryClosed(std::initializer_list<int> descriptors) {
     for (int const descriptor : descriptors)
         close(descriptor);
@@ -75,7 +75,9 @@ bool isNullDevice(int descriptor) {
     for (int const descriptor : descriptors) {
         if (!isNullDevice(descriptor))
             _exit(10 + descriptor);
-        if ((fcntl(descriptor, F_GETFL) & O_ACCMODE) != O_RDWR)
+        // What is written to a closed standard output must go on failing, to be told.
+        int const mode = descriptor == STDOUT_FILENO ? O_RDONLY : O_RDWR;
+        if ((fcntl(descriptor, F_GETFL) & O_ACCMODE) != mode)
             _exit(20 + descriptor);
     }
     _exit(open("/", O_RDONLY) > 2 ? 0 : 30);

@@ -53,11 +53,11 @@ TEST_F(StaleGraphsTest, WhatIsNoGraphOfOursStays) {
 }
 
 TEST_F(StaleGraphsTest, AreToldWhereNoneAreWritten) {
-    EXPECT_EQ(streamsOf([] { tellStaleGraphs(); }).err,
+    EXPECT_EQ(streamsOf([] { tellNoGraphs(); }).err,
               "No graphs are written: those here are of an earlier run\n");
     EXPECT_TRUE(isThere("htraj0.dot"));
     removing(0);
-    EXPECT_EQ(streamsOf([] { tellStaleGraphs(); }).err, "");
+    EXPECT_EQ(streamsOf([] { tellNoGraphs(); }).err, "No graphs are written\n");
 }
 
 }  // namespace

@@ -1,6 +1,12 @@
 // The table of display bounds, and a plain array beside it.
 #include "continuous/displayTable.h"
 
+#include <algorithm>
+#include <cstring>
+#include <ctime>
+#include <limits>
+#include <vector>
+
 #include "engine_fixture.h"
 
 namespace engine_test {
@@ -110,10 +116,13 @@ struct Twin {
             plain[i + 1] = std::max(plain[i + 1], other.plain[i + 1]);
         }
     }
+    // To the bit: zeros of both signs differ, and a number that is none equals itself.
     bool agrees() const {
-        for (std::size_t i = 0; i < plain.size(); ++i)
-            if (table[static_cast<int>(i)] != plain[i])
+        for (std::size_t i = 0; i < plain.size(); ++i) {
+            double const value = table[static_cast<int>(i)];
+            if (std::memcmp(&value, &plain[i], sizeof value) != 0)
                 return false;
+        }
         return true;
     }
 };
@@ -138,6 +147,105 @@ TEST(DisplayTableTwin, RandomWritesCopiesAndCovers) {
                 ASSERT_TRUE(twin.agrees()) << "seed " << seed << ", step " << step;
         }
     }
+}
+
+// Candidates of a run, each with a table: every step writes a row of two pairs, some part and some
+// are merged, the older taking what the younger had up to now.
+class Candidates {
+public:
+    Candidates(unsigned seed, int rows) : dice(seed), tables(1, Twin(valuesPerRow * rows)) {}
+
+    void step(int row) {
+        for (Twin& twin : tables)
+            for (int i = 0; i < valuesPerRow; ++i)
+                twin.set(valuesPerRow * row + i, value());
+        for (std::size_t i = tables.size(); i-- > 0 && tables.size() < 6;)
+            if (dice(0, 2) == 0)
+                tables.push_back(tables[i]);
+        while (tables.size() > 2 && dice(0, 1) == 0)
+            merge(valuesPerRow * (row + 1));
+    }
+    bool agree() const {
+        return std::all_of(tables.begin(), tables.end(),
+                           [](Twin const& twin) { return twin.agrees(); });
+    }
+
+private:
+    static constexpr int valuesPerRow = 4;
+
+    // Few different ones, so that they are often the same; some are no usual bounds.
+    double value() {
+        double const odd[] = {0.0, -0.0, std::numeric_limits<double>::infinity(),
+                              -std::numeric_limits<double>::infinity(),
+                              std::numeric_limits<double>::quiet_NaN()};
+        return dice(0, 9) == 0 ? odd[dice(0, 4)] : dice(-3, 3);
+    }
+    void merge(int count) {
+        int const younger = dice(1, static_cast<int>(tables.size()) - 1);
+        int const older = dice(0, younger - 1);
+        tables[static_cast<std::size_t>(older)].cover(tables[static_cast<std::size_t>(younger)],
+                                                      count);
+        tables.erase(tables.begin() + younger);
+    }
+
+    Dice dice;
+    std::vector<Twin> tables;
+};
+
+TEST(DisplayTableTwin, TheRowsOfManyStepsAreThoseOfPlainArrays) {
+    int const rows = 700;  // 2,800 values are three levels of nodes
+    for (unsigned seed = 1; seed <= 10; ++seed) {
+        Candidates candidates(seed, rows);
+        for (int row = 0; row < rows; ++row) {
+            candidates.step(row);
+            if (row % 50 == 49) {
+                ASSERT_TRUE(candidates.agree()) << "seed " << seed << ", row " << row;
+            }
+        }
+    }
+}
+
+// Two candidates that never are merged, and at each step a child of the one that is merged into the
+// other: they differ in all rows.
+class TwoForGood {
+public:
+    explicit TwoForGood(int rows) {
+        first.resize(2 * rows);
+        second = first;
+    }
+    // The seconds of the processor that the steps before *end* take.
+    double secondsUntil(int end) {
+        std::clock_t const start = std::clock();
+        for (; row < end; ++row) {
+            write(first, 1.0);
+            write(second, 2.0);
+            DisplayTable child = first;
+            DisplayTable const kept = second;
+            second.coverPairs(child, 2 * (row + 1));
+        }
+        return static_cast<double>(std::clock() - start) / CLOCKS_PER_SEC;
+    }
+
+private:
+    void write(DisplayTable& table, double value) const {
+        table.set(2 * row, -value);
+        table.set(2 * row + 1, value);
+    }
+
+    DisplayTable first, second;
+    int row = 0;
+};
+
+// Without the notes of what covers what, the last steps take a hundred times as long as the first.
+TEST(DisplayTable, AStepOfALongRunTakesNoLongerThanTheFirstOnes) {
+    int const rows = 100000, some = 500;
+    double least = std::numeric_limits<double>::infinity();
+    TwoForGood run(rows);
+    double const early = std::max(run.secondsUntil(some), 1e-4);
+    run.secondsUntil(rows - 4 * some);
+    for (int part = 3; part >= 0; --part)
+        least = std::min(least, run.secondsUntil(rows - part * some));
+    EXPECT_LT(least, 10.0 * early);
 }
 
 }  // namespace

@@ -87,7 +87,8 @@ using GaugeDeath = Gauge;
 TEST_F(GaugeDeath, TheProcessEndsWithWholeFiles) {
     EXPECT_EXIT(detect("5 fault1 1"), testing::ExitedWithCode(255),
                 "Diagnosis completed\n"
-                "\\[Error\\]: Can't find any diagnose for this fault.\n$");
+                "\\[Error\\]: Can't find any diagnose for this fault.\n"
+                "run stopped at time 1: nothing explains the misbehaviour\n$");
     EXPECT_EQ(cyclesLogged(), std::vector<std::string>{"1"});
 }
 

@@ -39,7 +39,7 @@ Atom* findAtom(itms const& engine, std::string const& id) {
     auto const found = engine.active_atoms.find(id.c_str());
     if (found != engine.active_atoms.end() && found->second != nullptr)
         return found->second;
-    engine.err << "Atom not found: " << id << "\n";
+    engine.host.loss() << "Atom not found: " << id << "\n";
     return nullptr;
 }
 

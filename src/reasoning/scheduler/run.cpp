@@ -98,8 +98,9 @@ void Scheduler::run2() {
         throw RunStopped(RunStopped::scenarioEnded, "the scenario has no first event");
     }
     beginSteps();
-    // A null event, or none, ends the run.
-    for (auto next = scenario.find(time + 1); next != scenario.end() && next->second != nullptr;
+    // A null event, or none, ends the run; so does the host, between two steps.
+    for (auto next = scenario.find(time + 1);
+         next != scenario.end() && next->second != nullptr && !host.stopRequested();
          next = scenario.find(time + 1)) {
         step(*next->second);
         // The line stands for the step, also where a transition has scheduled a command for it.
@@ -195,7 +196,7 @@ bool Scheduler::observationStep(scenarEvent const& event) {
                 static_cast<unsigned>(tracked_traj.size()));
     ++time;
     if (tracked_traj.empty())
-        err << "no history explains the observations of step " << time << "\n";
+        host.loss() << "no history explains the observations of step " << time << "\n";
     return diagnosing;
 }
 

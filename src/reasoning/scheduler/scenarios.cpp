@@ -76,7 +76,7 @@ bool readAtoms(DataManager const& run, Tokens& tokens, scenarEvent& event, bool 
             run.err << "regular token : " << token << "\n";
         Atom* atom = knownAtom(run, token);
         if (atom == nullptr) {
-            reportInvalid(run.err, token);
+            reportInvalid(run.host.loss(), token);
             return false;
         }
         reportReceived(run.err, event.isCommand, atom);
@@ -102,14 +102,14 @@ void Scheduler::loadScenario(std::string const& path) {
         Tokens tokens(line);
         char const* date = tokens.next();
         if (date == nullptr) {
-            reportNoKind(err, path, scenarioLine);
+            reportNoKind(host.loss(), path, scenarioLine);
             continue;
         }
         double const when = std::atof(date);
         err << "event date: " << when << "\n";
         char const* kind = tokens.next();
         if (kind == nullptr) {
-            reportNoKind(err, path, scenarioLine);
+            reportNoKind(host.loss(), path, scenarioLine);
             continue;
         }
         if (std::strcmp(kind, commandKind) == 0)
@@ -128,7 +128,7 @@ bool Scheduler::openScenario(std::string const& path) {
     scenarioLine = 0;
     scenarioFile = host.open(path);
     if (scenarioFile == nullptr)
-        err << "can't open scenario file: " << path << "\n";
+        host.loss() << "can't open scenario file: " << path << "\n";
     return scenarioFile != nullptr;
 }
 
@@ -139,7 +139,7 @@ std::unique_ptr<scenarEvent> Scheduler::readFromScenario() {
         Tokens tokens(line);
         char const* kind = tokens.next();
         if (kind == nullptr) {
-            reportNoKind(err, scenarioPath, scenarioLine);
+            reportNoKind(host.loss(), scenarioPath, scenarioLine);
             continue;
         }
         auto event = std::make_unique<scenarEvent>();
@@ -197,5 +197,5 @@ std::vector<Atom*> Scheduler::getNoneCommands(std::vector<Atom*> const& commands
 void Scheduler::reportUnmetEvents(double until) const {
     for (auto const& [date, event] : scenario)
         if (date <= until && event != nullptr && !event->met)
-            err << "scenario event of date " << date << " met no time step\n";
+            host.loss() << "scenario event of date " << date << " met no time step\n";
 }
