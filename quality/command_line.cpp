@@ -32,6 +32,8 @@ std::string Wishes::read(std::vector<std::string> const& words) {
             brief = true;
         else if (word == "--no-costs")
             costs = false;
+        else if (word == "--aims")
+            aims = true;
         else if (word == "--help")
             help = true;
         else if (isOption(word, "--rules=", rules)) {

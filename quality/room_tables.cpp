@@ -39,18 +39,6 @@ std::string widthText(Group const& group, std::size_t mark) {
     return quantileText(widths, 0.5, 1) + " / " + quantileText(widths, 0.9, 1);
 }
 
-char const* nameOf(Uncertainty uncertainty) {
-    switch (uncertainty) {
-        case Uncertainty::midpoint:
-            return "midpoint";
-        case Uncertainty::constant:
-            return "constant";
-        case Uncertainty::redrawn:
-            return "redrawn";
-    }
-    return "";
-}
-
 // ---- Healthy days ----
 
 Row healthyFigures(Group const& group) {
