@@ -193,10 +193,11 @@ Table aimedHealthyTable(std::vector<RoomResult> const& results) {
 
 Table aimedFaultyTable(std::vector<Beside> const& results) {
     return tableOf<Beside>(
-        "Aims: faults at any step, threshold 3, beside the classic rules", {"fault", "uncertainty"},
-        results,
+        "Aims: faults at any step, threshold 3, beside the classic rules",
+        {"fault", "noise", "uncertainty"}, results,
         [](Beside const& r) {
-            return Row{nameOf(r.asked.day.fault), nameOf(r.asked.day.uncertainty)};
+            return Row{nameOf(r.asked.day.fault), decimals(r.asked.day.noise, 2),
+                       nameOf(r.asked.day.uncertainty)};
         },
         {"struck", "false alarms", "noticed", "by classic", "later than classic",
          "median delay / classic", "true mode found", "found first", "explained"},
