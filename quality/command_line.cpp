@@ -42,6 +42,9 @@ std::string Wishes::read(std::vector<std::string> const& words) {
         } else if (isOption(word, "--jobs=", value)) {
             if (!readCount(value, jobs))
                 return "--jobs takes a number from 1 on, not \"" + value + "\"";
+        } else if (isOption(word, "--seeds=", value)) {
+            if (!readCount(value, seeds))
+                return "--seeds takes a number from 1 on, not \"" + value + "\"";
         } else
             return "there is no option \"" + word + "\"";
     }
