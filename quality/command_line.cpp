@@ -32,6 +32,8 @@ std::string Wishes::read(std::vector<std::string> const& words) {
             brief = true;
         else if (word == "--no-costs")
             costs = false;
+        else if (word == "--aims")
+            aims = true;
         else if (word == "--help")
             help = true;
         else if (isOption(word, "--rules=", rules)) {
@@ -40,6 +42,9 @@ std::string Wishes::read(std::vector<std::string> const& words) {
         } else if (isOption(word, "--jobs=", value)) {
             if (!readCount(value, jobs))
                 return "--jobs takes a number from 1 on, not \"" + value + "\"";
+        } else if (isOption(word, "--seeds=", value)) {
+            if (!readCount(value, seeds))
+                return "--seeds takes a number from 1 on, not \"" + value + "\"";
         } else
             return "there is no option \"" + word + "\"";
     }

@@ -1,6 +1,7 @@
 // tavro-quality: follows seeded truths with the engine and prints tables of how well it did.
 #include <iostream>
 
+#include "quality/aims.h"
 #include "quality/command_line.h"
 #include "quality/line_suite.h"
 #include "quality/line_tables.h"
@@ -35,6 +36,17 @@ void lineTables(quality::Wishes const& wishes) {
         print(std::cout, lineCostTable(results));
 }
 
+void aimTables(quality::Wishes const& wishes) {
+    print(std::cout,
+          aimedHealthyTable(watchRooms(quality::aimedHealthyRooms(wishes.aimedHealthySeeds()),
+                                       wishes.rules, wishes.jobs)));
+    print(std::cout,
+          aimedFaultyTable(watchBeside(quality::aimedFaultyRooms(wishes.aimedFaultySeeds()),
+                                       wishes.rules, wishes.jobs)));
+    print(std::cout,
+          wildTable(watchWild(quality::wildRooms(wishes.wildDays()), wishes.rules, wishes.jobs)));
+}
+
 }  // namespace
 
 int main(int count, char** words) {
@@ -49,6 +61,10 @@ int main(int count, char** words) {
         return 0;
     }
     std::cout << "Rules: " << wishes.rules << "\n\n";
+    if (wishes.aims) {
+        aimTables(wishes);
+        return 0;
+    }
     roomTables(wishes);
     lineTables(wishes);
     return 0;

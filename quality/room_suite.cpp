@@ -18,7 +18,7 @@ constexpr int isolations[] = {1, 2, 3};
 constexpr Uncertainty uncertainties[] = {Uncertainty::constant, Uncertainty::redrawn};
 
 // Every threshold on every day with the fault.
-void addDays(std::vector<RoomCase>& cases, RoomFault fault, int onset, int seed, int isolation) {
+void addDays(std::vector<RoomCase>& cases, RoomFault fault, int onset, int seed) {
     for (double const noise : noises)
         for (int const threshold : thresholds)
             for (Uncertainty const uncertainty : uncertainties)
@@ -28,13 +28,7 @@ void addDays(std::vector<RoomCase>& cases, RoomFault fault, int onset, int seed,
                                   .uncertainty = uncertainty,
                                   .seed = static_cast<std::uint64_t>(seed)},
                                  threshold,
-                                 isolation});
-}
-
-void addFaults(std::vector<RoomCase>& cases, int seed, int isolation) {
-    for (RoomFault const fault : faults)
-        for (int const onset : onsets)
-            addDays(cases, fault, onset, seed, isolation);
+                                 1});
 }
 
 }  // namespace
@@ -42,21 +36,31 @@ void addFaults(std::vector<RoomCase>& cases, int seed, int isolation) {
 std::vector<RoomCase> healthyRooms(int seeds) {
     std::vector<RoomCase> cases;
     for (int seed = 1; seed <= seeds; ++seed)
-        addDays(cases, RoomFault::none, 0, seed, 1);
+        addDays(cases, RoomFault::none, 0, seed);
     return cases;
 }
 
 std::vector<RoomCase> faultyRooms(int seeds) {
     std::vector<RoomCase> cases;
     for (int seed = 1; seed <= seeds; ++seed)
-        addFaults(cases, seed, 1);
+        for (RoomFault const fault : faults)
+            for (int const onset : onsets)
+                addDays(cases, fault, onset, seed);
     return cases;
 }
 
 std::vector<RoomCase> isolatedRooms() {
     std::vector<RoomCase> cases;
     for (int const isolation : isolations)
-        addFaults(cases, 1, isolation);
+        for (RoomFault const fault : faults)
+            for (int const onset : {20, 100, 200})
+                for (Uncertainty const uncertainty : uncertainties)
+                    cases.push_back({{.fault = fault,
+                                      .onset = onset,
+                                      .noise = 0.02,
+                                      .uncertainty = uncertainty},
+                                     3,
+                                     isolation});
     return cases;
 }
 

@@ -23,7 +23,7 @@ std::vector<RoomCase> healthyRooms(int seeds);
 // Days with a fault: each fault, onset, noise, threshold and drawn uncertainty, `seeds` of each, at
 // level 1 of isolation.
 std::vector<RoomCase> faultyRooms(int seeds);
-// The days of the first seed, at each level.
+// Some of the days of the first seed, with the most noise and threshold 3, at each level.
 std::vector<RoomCase> isolatedRooms();
 
 // In the order of the cases, whatever the number of jobs.

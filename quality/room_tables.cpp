@@ -39,18 +39,6 @@ std::string widthText(Group const& group, std::size_t mark) {
     return quantileText(widths, 0.5, 1) + " / " + quantileText(widths, 0.9, 1);
 }
 
-char const* nameOf(Uncertainty uncertainty) {
-    switch (uncertainty) {
-        case Uncertainty::midpoint:
-            return "midpoint";
-        case Uncertainty::constant:
-            return "constant";
-        case Uncertainty::redrawn:
-            return "redrawn";
-    }
-    return "";
-}
-
 // ---- Healthy days ----
 
 Row healthyFigures(Group const& group) {
@@ -188,8 +176,8 @@ std::vector<Table> faultyTables(std::vector<RoomResult> const& results) {
 
 Table isolationTable(std::vector<RoomResult> const& results) {
     Key const level = [](RoomResult const& r) { return Row{std::to_string(r.asked.isolation)}; };
-    return tableOf<RoomResult>("Faults of the room, the days of one seed by level of isolation",
-                               {"level"}, results, level, faultyColumns, faultyFigures);
+    return tableOf<RoomResult>("Faults of the room, some days by level of isolation", {"level"},
+                               results, level, faultyColumns, faultyFigures);
 }
 
 Table costTable(std::vector<RoomResult> const& healthy, std::vector<RoomResult> const& faulty) {

@@ -138,6 +138,18 @@ char const* nameOf(RoomFault fault) {
     return "";
 }
 
+char const* nameOf(Uncertainty uncertainty) {
+    switch (uncertainty) {
+        case Uncertainty::midpoint:
+            return "midpoint";
+        case Uncertainty::constant:
+            return "constant";
+        case Uncertainty::redrawn:
+            return "redrawn";
+    }
+    return "";
+}
+
 RoomDay roomDay(RoomSetting const& setting) {
     RoomDay day;
     Room room(setting);

@@ -39,6 +39,8 @@ enum class Uncertainty {
     redrawn    // drawn anew at each step
 };
 
+char const* nameOf(Uncertainty uncertainty);
+
 struct RoomSetting {
     RoomFault fault = RoomFault::none;
     // First step at which the fault can strike. The sensor, the window and the draught strike right

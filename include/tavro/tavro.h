@@ -89,7 +89,11 @@ typedef struct tavro_options {
     int merge;
     char const* rules; /* null for the default */
     int candidates;
-    double noise; /* of every measure */
+    double noise; /* of every measure that is not named */
+    /* Of the measures that are named, one bound for each; read before tavro_run_new returns. */
+    char const* const* noise_measures;
+    double const* noise_bounds;
+    size_t noise_count;
     int multi;
     double reset;
     int watch_memory;

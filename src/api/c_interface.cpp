@@ -98,6 +98,20 @@ std::function<void(std::string_view)> sinkOf(LineSink sink, void* context) {
     return [sink, context](std::string_view line) { sink(context, std::string(line).c_str()); };
 }
 
+// What is not told is 0, also for a plant without measures.
+std::map<std::string, double> noiseOf(tavro_options const& given) {
+    std::map<std::string, double> noise;
+    if (given.noise != 0.0)
+        noise[""] = given.noise;
+    for (std::size_t i = 0; i < given.noise_count; ++i) {
+        if (given.noise_measures == nullptr || given.noise_measures[i] == nullptr ||
+            given.noise_bounds == nullptr)
+            throw tavro::Error(tavro::ErrorKind::options, "a count of noises without a noise");
+        noise[given.noise_measures[i]] = given.noise_bounds[i];
+    }
+    return noise;
+}
+
 tavro::Options optionsOf(tavro_options const* given) {
     tavro::Options options;
     if (given == nullptr)
@@ -115,8 +129,7 @@ tavro::Options optionsOf(tavro_options const* given) {
     if (given->rules != nullptr)
         options.rules = given->rules;
     options.candidates = given->candidates;
-    if (given->noise != 0.0)
-        options.noise[""] = given->noise;
+    options.noise = noiseOf(*given);
     options.multi = given->multi != 0;
     options.reset = given->reset;
     options.watchMemory = given->watch_memory != 0;

@@ -10,6 +10,7 @@
 #include "hybrid/answer.h"
 #include "hybrid/continuity.h"
 #include "hybrid/merging.h"
+#include "model/Comprt.h"
 #include "model/StateVar.h"
 #include "model/Transitionrt.h"
 #include "model/labels.h"
@@ -25,6 +26,8 @@ struct Failure {
     Transition* transition;
     int step;     // where the search, or an earlier diagnosis, placed it
     double time;  // the same
+    // The failure that is told in place of this one, which leads to the same mode; null for none.
+    Transition* named = nullptr;
 };
 
 // New failures that together explain what a candidate does not.
@@ -126,6 +129,39 @@ Case caseOf(Trajectory const& candidate, Trajectory const& explanation) {
         else
             one.firstLost = std::min(one.firstLost, move.step);
     return one;
+}
+
+// The other failures that lead to the same mode, each where a history with it was found first.
+std::vector<Failure> alikeTo(Failure const& failure, Trajectory const& explanation) {
+    std::vector<Failure> alike;
+    StateVar const* mode = failure.transition->modeVar;
+    if (mode == nullptr)
+        return alike;
+    for (auto const& other : mode->getComp()->getCompTransitions()) {
+        auto const steps = explanation.failureSteps.find(other->id);
+        if (other.get() == failure.transition || steps == explanation.failureSteps.end() ||
+            other->modeVar != mode || other->postMode != failure.transition->postMode)
+            continue;
+        int const step = *steps->second.begin();
+        alike.push_back({other.get(), step, explanation.datesOf(step).from, failure.transition});
+    }
+    return alike;
+}
+
+// The search answers histories that end in the same modes as one, and names the failures of the
+// likeliest. The case, and with every other choice of failures that leads to the same modes.
+std::vector<Case> withAlike(Case const& one, Trajectory const& explanation) {
+    std::vector<Case> cases{one};
+    for (std::size_t i = 0; i < one.failures.size(); ++i)
+        for (std::size_t known = cases.size(), j = 0; j < known; ++j)
+            for (Failure const& other : alikeTo(one.failures[i], explanation)) {
+                cases.push_back(cases[j]);
+                cases.back().failures[i] = other;
+            }
+    for (Case& each : cases)
+        std::stable_sort(each.failures.begin(), each.failures.end(),
+                         [](Failure const& a, Failure const& b) { return a.step < b.step; });
+    return cases;
 }
 
 // The same case on another history, which may have other steps.
@@ -512,22 +548,39 @@ Source lastStep(RunState::Dropped const& dropped) {
     return source;
 }
 
-// The distinct cases among the explanations that add a failure, in their order.
+// Adds the case, unless it is there already.
+void addCase(std::vector<Case>& cases, Case const& one) {
+    auto const same = std::find_if(cases.begin(), cases.end(),
+                                   [&one](Case const& other) { return areTheSame(other, one); });
+    if (same == cases.end())
+        cases.push_back(one);
+    else
+        same->proba = std::max(same->proba, one.proba);
+}
+
+// The distinct cases among the explanations that add a failure, in their order; what is told by
+// another name comes last.
 std::vector<Case> casesOf(hybTrajectory const& candidate, HybMap const& found) {
-    std::vector<Case> cases;
+    std::vector<Case> cases, alike;
     for (auto const& entry : found) {
-        Case one = caseOf(*candidate.traj, *entry.second->traj);
-        if (one.failures.empty())
+        std::vector<Case> const all =
+            withAlike(caseOf(*candidate.traj, *entry.second->traj), *entry.second->traj);
+        if (all.front().failures.empty())
             continue;
-        auto const same = std::find_if(cases.begin(), cases.end(), [&one](Case const& other) {
-            return areTheSame(other, one);
-        });
-        if (same == cases.end())
-            cases.push_back(std::move(one));
-        else
-            same->proba = std::max(same->proba, one.proba);
+        addCase(cases, all.front());
+        alike.insert(alike.end(), all.begin() + 1, all.end());
     }
+    for (Case const& one : alike)
+        addCase(cases, one);
     return cases;
+}
+
+// The range of a failure that is told by another name becomes that of the name.
+void nameAlike(Case const& one, Trajectory& history) {
+    for (Failure const& failure : one.failures)
+        if (auto const range = history.dated.find(failure.transition->id);
+            failure.named != nullptr && range != history.dated.end())
+            history.dated.try_emplace(failure.named->id, range->second);
 }
 
 }  // namespace
@@ -563,6 +616,7 @@ bool dateExplanations(RunState& run, hybTrajectory const& candidate, HybMap cons
             tryOn(lastStep(dropped));
         for (auto& entry : agreeing) {
             entry.second->traj->proba = cases[i].proba;
+            nameAlike(cases[i], *entry.second->traj);
             out.emplace(entry.first, std::move(entry.second));
         }
         whole = whole && left > 0;

@@ -26,16 +26,19 @@
 // Of several new failures the first is tried at every date; the others come where the search placed
 // them, or with the first where that is later, and so do earlier diagnosed failures of the
 // candidate that a start goes back behind. A start from which a state is reached in which a run
-// cannot go on is no date either.
+// cannot go on is no date either. Where a mode can be lost in several ways, all are tried: the
+// search gives histories that end alike as one answer, and names the likeliest.
 //
 // A candidate that has switched at one time and no longer agrees is dropped as long as another one
 // does. When all are lost later, the failure may have come where the dropped one switched, in place
 // of its switching; so the latest dropped ones are kept for a while, and the failures that explain
 // the others are tried at the step of theirs, too.
 //
-// An explanation without a failure is a history that the run has followed, and lost, already. Only
-// when no date of any explanation agrees is it followed, as the others then are, from the step
-// where the search placed it.
+// An explanation without a failure is a history that the run has followed, and lost, already; or
+// one in which somebody gave a command that was not told. All that is commanded is told to a run,
+// and such a history would come before every failure by its rank, though it takes one step that
+// nobody has seen. So these are followed, from the step where the search placed them and as the
+// classic way does, only when no date of any failure agrees.
 #pragma once
 
 #include "hybrid/tavro-runt.h"

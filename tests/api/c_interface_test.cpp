@@ -146,6 +146,59 @@ TEST(C, TellsWhatFailed) {
     std::thread([] { EXPECT_STREQ(tavro_last_error(), ""); }).join();
 }
 
+// The first rates lie in [0.8, 1.1]: one that is 0.5 too high is noticed at once, unless the sensor
+// is known to be that bad.
+TEST(C, NoiseIsOfAllMeasuresOrOfOne) {
+    PlantHandle const plant = builtin("therm");
+    char const* const measures[] = {"room.xd"};
+    double const bounds[] = {0.6};
+    auto const alarms = [&](double ofAll, std::size_t named) {
+        tavro_options options;
+        tavro_options_init(&options);
+        options.rules = "narrow";
+        options.threshold = 1;
+        options.isolation = 0;
+        options.noise = ofAll;
+        options.noise_measures = measures;
+        options.noise_bounds = bounds;
+        options.noise_count = named;
+        RunHandle const run = runOf(plant, &options);
+        tavro_step const* step = nullptr;
+        double const start = 0.93835;
+        tavro_line const first = measured(start);
+        EXPECT_EQ(tavro_run_start(run.get(), &first, nullptr), TAVRO_OK);
+        double const rate = 1.45;
+        tavro_line const second = measured(rate);
+        EXPECT_EQ(tavro_run_step(run.get(), &second, &step), TAVRO_OK);
+        return tavro_step_alarms(step);
+    };
+    EXPECT_EQ(alarms(0.0, 0), 1U);
+    EXPECT_EQ(alarms(0.6, 0), 0U);
+    EXPECT_EQ(alarms(0.0, 1), 0U);
+    EXPECT_EQ(alarms(0.1, 1), 0U);
+}
+
+TEST(C, NoiseIsOfMeasuresThatThereAre) {
+    PlantHandle const plant = builtin("therm");
+    char const* measures[] = {"room.x"};
+    double const bounds[] = {0.6};
+    tavro_options options;
+    tavro_options_init(&options);
+    EXPECT_EQ(options.noise_count, 0U);
+    options.noise_measures = measures;
+    options.noise_bounds = bounds;
+    options.noise_count = 1;
+    tavro_run* run = nullptr;
+    EXPECT_EQ(tavro_run_new(plant.get(), &options, &run), TAVRO_OPTIONS);
+    EXPECT_STREQ(tavro_last_error(), "room.x is not measured in this plant");
+    measures[0] = nullptr;
+    EXPECT_EQ(tavro_run_new(plant.get(), &options, &run), TAVRO_OPTIONS);
+    measures[0] = "room.xd";
+    options.noise_bounds = nullptr;
+    EXPECT_EQ(tavro_run_new(plant.get(), &options, &run), TAVRO_OPTIONS);
+    EXPECT_EQ(run, nullptr);
+}
+
 TEST(C, TakesNullHandles) {
     tavro_plant_free(nullptr);
     tavro_run_free(nullptr);

@@ -50,6 +50,12 @@ TEST(Errors, OptionsOutOfRange) {
                                      {.accumulation = 1000001},
                                      {.reset = nan},
                                      {.reset = -1.0},
+                                     {.rules = "none"},
+                                     {.rules = "narrow,"},
+                                     {.candidates = -1},
+                                     {.noise = {{"", -0.1}}},
+                                     {.noise = {{"", nan}}},
+                                     {.noise = {{"room.x", 0.1}}},
                                      {.mode = static_cast<tavro::Mode>(7)}})
         EXPECT_EQ(kindOf([&] { tavro::Run(room(), options); }), ErrorKind::options);
     Plant const line = Plant::builtin("line");

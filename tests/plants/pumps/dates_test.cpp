@@ -71,6 +71,22 @@ TEST_F(Dates, FailuresThatOnlyTogetherExplainComeTogether) {
     EXPECT_EQ(day->to(40), (std::vector<int>{}));
 }
 
+// It is light from 1 to 8, and dark before and after. The pump fails by one transition in the light
+// and by another in the dark, to the same mode, so that the search has one answer with the name of
+// one of them. The dates 4 to 7 are those of the one; of the other, 9 and 10, and 8 is of both. The
+// candidates stay apart, since the last thing that happened is another one.
+TEST_F(Dates, EveryFailureThatLeadsToTheModeIsDated) {
+    begin("continuity,dates,histories", {{{"wide", 5}}}, lamp_pumps_model);
+    day->command(8.0, "lamp.cmd=off");
+    EXPECT_EQ(day->to(alarm), (std::vector<int>{alarm}));
+    EXPECT_EQ(day->answers(), (Lines{"wide on -> failed between 8 and 10 (rank 1)",
+                                     "wide on -> failed between 4 and 7 (rank 1)"}));
+    ASSERT_EQ(theRun().tracked_trajs.size(), 2u);
+    expectBounds(Day::bounds("wide.level", 0), 4.0, 15.0);
+    expectBounds(Day::bounds("wide.level", 1), 2.0, 10.5);
+    EXPECT_EQ(day->to(40), (std::vector<int>{}));
+}
+
 // The valve is commanded at 5 and sticks: the pipe stays empty, and should be [0.9, 1.1] at 6. A
 // failure that a command guards has the date of the command. What was commanded since is done, too.
 TEST_F(Dates, AFailureAtACommandHasItsDate) {

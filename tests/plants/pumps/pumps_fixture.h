@@ -15,6 +15,7 @@
 
 extern CompiledModel const pumps_model;
 extern CompiledModel const fast_pumps_model;
+extern CompiledModel const lamp_pumps_model;
 
 namespace pumps {
 

@@ -106,7 +106,8 @@ struct Pumps {
     std::vector<s_Influence*> shown, all;
 };
 
-void addLamp(Pumps& plant) {
+// Returns what the lamp may be.
+std::vector<Atom*> addLamp(Pumps& plant) {
     Comp* lamp = plant.comp("lamp");
     CommandVar* cmd = plant.command(lamp, {"none", "on", "off"});
     ModeVar* mode = plant.mode(lamp, {"dark", "lit"});
@@ -115,17 +116,24 @@ void addLamp(Pumps& plant) {
     Pumps::move(lamp, {{Pumps::value(cmd, 2), true}, {lit, true}}, dark, transNominal, 0.99);
     Pumps::move(lamp, {{dark, true}}, dark, transNominal, 0.99, true);
     Pumps::move(lamp, {{lit, true}}, lit, transNominal, 0.99, true);
+    return {dark, lit};
 }
 
-// A pump whose mode is *on* or one of the *failed*.
-ModeVar* addPump(Pumps& plant, std::string const& name, std::vector<std::string> const& failed) {
+// A pump whose mode is *on* or one of the *failed*. It fails in any of the *ways*, each a value of
+// another component, by a transition of its own; without one, always.
+ModeVar* addPump(Pumps& plant, std::string const& name, std::vector<std::string> const& failed,
+                 std::vector<Atom*> const& ways = {}) {
     Comp* pump = plant.comp(name);
     std::vector<std::string> values{"on"};
     values.insert(values.end(), failed.begin(), failed.end());
     ModeVar* mode = plant.mode(pump, values);
     Atom* on = Pumps::value(mode, 0);
-    for (std::size_t i = 1; i < values.size(); ++i)
-        Pumps::move(pump, {{on, true}}, Pumps::value(mode, i), transFail, 0.01);
+    for (std::size_t i = 1; i < values.size(); ++i) {
+        for (Atom* way : ways)
+            Pumps::move(pump, {{on, true}, {way, true}}, Pumps::value(mode, i), transFail, 0.01);
+        if (ways.empty())
+            Pumps::move(pump, {{on, true}}, Pumps::value(mode, i), transFail, 0.01);
+    }
     Pumps::move(pump, {{on, true}}, on, transNominal, 0.98, true);
     for (std::size_t i = 1; i < values.size(); ++i)
         Pumps::move(pump, {{Pumps::value(mode, i), true}}, Pumps::value(mode, i), transNominal, 1.0,
@@ -135,8 +143,8 @@ ModeVar* addPump(Pumps& plant, std::string const& name, std::vector<std::string>
 
 // A level that is filled while the pump of that name is on.
 s_Variable* addTank(Pumps& plant, std::string const& name, std::vector<std::string> const& failed,
-                    double least, double most) {
-    ModeVar* mode = addPump(plant, name, failed);
+                    double least, double most, std::vector<Atom*> const& ways = {}) {
+    ModeVar* mode = addPump(plant, name, failed, ways);
     s_Variable* level = plant.level(name);
     s_Influence* fills =
         plant.flow(name + ".fills", level, plant.holds(Pumps::value(mode, 0), true), least, most);
@@ -190,13 +198,14 @@ void addRange(Pumps& plant, s_Variable* level) {
     rt.condi.push_back(below);
 }
 
-void build(Scheduler* scheduler, char const* name, double period) {
+void build(Scheduler* scheduler, char const* name, double period, bool byTheLamp = false) {
     auto runtime = std::make_shared<s_runtime>();
     s_runtime& rt = *runtime;
     Pumps plant{scheduler, rt, period, {}, {}};
     s_Variable* one = mkParameter(rt, "one", 1.0, 0);
-    addLamp(plant);
-    s_Variable* wide = addTank(plant, "wide", {"failed", "burst"}, 0.5, 1.5);
+    std::vector<Atom*> const lights = addLamp(plant);
+    s_Variable* wide = addTank(plant, "wide", {"failed", "burst"}, 0.5, 1.5,
+                               byTheLamp ? lights : std::vector<Atom*>());
     addTank(plant, "tight", {"failed"}, 0.9, 1.1);
     addTank(plant, "firm", {"failed"}, 0.9, 1.1);
     addTank(plant, "late", {"failed"}, 0.0625, 1.5);
@@ -222,3 +231,6 @@ extern CompiledModel const pumps_model{
 // The same at ten samples a second, a period that is no sum of powers of two.
 extern CompiledModel const fast_pumps_model{
     "fast_pumps", [](Scheduler* scheduler) { build(scheduler, "fast_pumps", 0.1); }, false};
+// The pump of `wide` fails in the dark by one transition and in the light by another.
+extern CompiledModel const lamp_pumps_model{
+    "lamp_pumps", [](Scheduler* scheduler) { build(scheduler, "lamp_pumps", 1.0, true); }, false};
