@@ -143,7 +143,8 @@ std::optional<std::string> memoryPath(std::string const& line, bool& isLegacy) {
     std::size_t const second = first == std::string::npos ? first : line.find(':', first + 1);
     if (second == std::string::npos || second + 1 == line.size() || line[second + 1] != '/')
         return std::nullopt;
-    std::string const controllers = "," + line.substr(first + 1, second - first - 1) + ",";
+    std::string controllers = ",";
+    controllers.append(line, first + 1, second - first - 1).append(",");
     isLegacy = controllers.find(",memory,") != std::string::npos;
     if (!isLegacy && controllers != ",,")
         return std::nullopt;
