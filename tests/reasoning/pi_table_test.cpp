@@ -100,15 +100,19 @@ TEST_F(PiTableTest, WritesALineForEachAtom) {
 }
 
 TEST_F(PiTableTest, WritingTruncatesTheOldFile) {
-    write("much longer than what will stand there\n");
+    // Not the plant's own, which may have been read, and what is read is not overwritten.
+    std::ofstream(folder + "/other.pi") << "much longer than what will stand there\n";
     table.addPIAtom((*this)["a"], {{(*this)["b"]}});
-    table.writePI(runHost(), (folder + "/plant").c_str());
-    EXPECT_EQ(written(), "c.a=on:c.b=on\n");
+    table.writePI(runHost(), (folder + "/other").c_str());
+    std::ostringstream text;
+    text << std::ifstream(folder + "/other.pi").rdbuf();
+    EXPECT_EQ(text.str(), "c.a=on:c.b=on\n");
 }
 
-TEST_F(PiTableTest, WritingWhereNothingCanBeWrittenIsSilent) {
+TEST_F(PiTableTest, WritingWhereNothingCanBeWrittenIsTold) {
     table.addPIAtom((*this)["a"], {{(*this)["b"]}});
-    EXPECT_EQ(complaint([&] { table.writePI(runHost(), (folder + "/none/plant").c_str()); }), "");
+    EXPECT_EQ(complaint([&] { table.writePI(runHost(), (folder + "/none/plant").c_str()); }),
+              "Can't write file " + folder + "/none/plant.pi: No such file or directory\n");
 }
 
 TEST_F(PiTableTest, WhatWasWrittenIsReadBack) {
