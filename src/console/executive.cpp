@@ -19,10 +19,10 @@ void outliveReaders() {
 
 }  // namespace
 
-void runExecutive(CompiledModel const& model, int argc, char** argv) {
+void runExecutive(PlantSource const& source, int argc, char** argv) {
     outliveReaders();
     try {
-        startConsole(model, argc, argv);
+        startConsole(source, argc, argv);
         runConsole();
     } catch (RunStopped const& stop) {
         leaveProcess(stop.exitStatus());
