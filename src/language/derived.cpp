@@ -14,8 +14,7 @@ namespace {
 std::vector<std::vector<int>> causesOf(FlatPlant const& flat) {
     std::vector<std::vector<int>> causes(flat.quantities.size());
     for (std::size_t i = 0; i < flat.influences.size(); ++i)
-        causes[static_cast<std::size_t>(flat.influences[i].effect)].push_back(
-            static_cast<int>(i));
+        causes[static_cast<std::size_t>(flat.influences[i].effect)].push_back(static_cast<int>(i));
     return causes;
 }
 
@@ -55,9 +54,9 @@ private:
             FlatInfluence const& influence = flat.influences[i];
             kept[i] = std::max(kept[i], delay + 1);
             if (!ends[static_cast<std::size_t>(influence.cause)])
-                todo.push({influence.cause,
-                           delay + influence.longestDelay +
-                               (influence.form == EquationForm::firstOrder ? 1 : 0)});
+                todo.push(
+                    {influence.cause, delay + influence.longestDelay +
+                                          (influence.form == EquationForm::firstOrder ? 1 : 0)});
         }
     }
 

@@ -4,6 +4,7 @@
 // room.x has no causes ..: give it one." The part behind its last colon is the advice.
 #include "language/findings_in_text.h"
 
+#include <cctype>
 #include <map>
 
 #include "language/lower.h"
@@ -32,7 +33,7 @@ public:
             enter(influence.name, influence.range);
         std::map<ComponentRef, int> count;
         for (FlatMove const& move : flat.moves)
-            enter("Transition " + std::to_string(count[move.component]++) + " of " +
+            enter(std::string("Transition ") + std::to_string(count[move.component]++) + " of " +
                       flat.nameOf(move.component),
                   move.range);
     }
@@ -72,6 +73,12 @@ void tell(Finding const& finding, Places const& places, Messages& messages) {
     for (std::string* sentence : {&text, &advice})
         if (!sentence->empty() && sentence->back() == '.')
             sentence->pop_back();
+    // A sentence of ours begins small, but for what has a capital letter of its own.
+    for (char const* word :
+         {"Variable ", "Influence ", "Parameter ", "Atom ", "Component ", "The "})
+        if (text.rfind(word, 0) == 0)
+            text.front() =
+                static_cast<char>(std::tolower(static_cast<unsigned char>(text.front())));
     TextRange const place = places.of(finding.text);
     finding.refuses ? messages.error(place, text, advice) : messages.warning(place, text, advice);
 }
@@ -85,7 +92,6 @@ void tellFindings(FlatPlant const& flat, Messages& messages) {
     scheduler.startBuilding(plant);
     lower(flat, scheduler);
     Places const places(flat);
-    for (Finding const& finding :
-         checkPlant({plant.active_comps, plant.cls, plant.tavro_rt.get()}))
+    for (Finding const& finding : checkPlant({plant.active_comps, plant.cls, plant.tavro_rt.get()}))
         tell(finding, places, messages);
 }

@@ -19,9 +19,7 @@ struct Value {
     MaybeUnit unit{};
     bool unitMatters = false;  // a unit was written somewhere in it
 
-    s_Objet object() const {
-        return isInterval ? makeRange(low, high, 1, 1) : makeReal(low);
-    }
+    s_Objet object() const { return isInterval ? makeRange(low, high, 1, 1) : makeReal(low); }
 };
 
 // References are places in the lists of FlatPlant.
@@ -79,11 +77,11 @@ enum class ConditionKind { constant, atom, relation, both, either, opposite };
 struct FlatCondition {
     ConditionKind kind;
     TextRange range;
-    bool holds = true;     // of a constant
-    FlatAtom atom{};       // of an atom
+    bool holds = true;  // of a constant
+    FlatAtom atom{};    // of an atom
     QuantityRef left = nowhere;
-    char relation = '=';   // of a relation; as in Expr, and i for within an interval
-    Value value{};         // its right side, when `right` is nowhere
+    char relation = '=';  // of a relation; as in Expr, and i for within an interval
+    Value value{};        // its right side, when `right` is nowhere
     QuantityRef right = nowhere;
     std::vector<FlatCondition> parts;
 };
@@ -116,7 +114,7 @@ struct FlatExpression {
     enum Kind { constant, quantity, defined, add, subtract, multiply, divide, power, negate };
 
     Kind kind;
-    Value value{};  // of a constant
+    Value value{};            // of a constant
     int reference = nowhere;  // of a quantity or of what is defined
     std::vector<FlatExpression> parts;
 };

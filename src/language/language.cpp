@@ -20,6 +20,5 @@ PlantFile::PlantFile(std::string const& path, SourceReader& reader) {
 }
 
 PlantSource PlantFile::source() const {
-    return {plant->name,
-            [held = plant](Scheduler* scheduler) { lower(*held, *scheduler); }};
+    return {plant->name, [held = plant](Scheduler* scheduler) { lower(*held, *scheduler); }};
 }

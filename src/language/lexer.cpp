@@ -9,18 +9,17 @@
 
 bool isReserved(std::string_view word) {
     static constexpr std::string_view words[] = {
-        "all",        "always", "and", "any", "by",    "follows", "for",      "from",
-        "if",         "iff",    "in",  "inf", "lags",  "never",   "implies",  "integrates",
-        "not",        "or",     "setting",    "responds", "to",   "when",     "with",
-        "within",     "starts"};
+        "all",     "always",   "and", "any",  "by",    "follows", "for",        "from", "if",
+        "iff",     "in",       "inf", "lags", "never", "implies", "integrates", "not",  "or",
+        "setting", "responds", "to",  "when", "with",  "within",  "starts"};
     return std::find(std::begin(words), std::end(words), word) != std::end(words);
 }
 
 bool beginsStatement(std::string_view word) {
     static constexpr std::string_view words[] = {
-        "plant",   "sample",  "window", "include", "constant", "type",       "order",  "parameter",
-        "variable", "measure", "display", "move",   "fail",     "idle",       "clause", "constraint",
-        "define",  "import",  "region", "observe", "command"};
+        "plant",     "sample",     "window",  "include", "constant", "type",    "order",
+        "parameter", "variable",   "measure", "display", "move",     "fail",    "idle",
+        "clause",    "constraint", "define",  "import",  "region",   "observe", "command"};
     return std::find(std::begin(words), std::end(words), word) != std::end(words);
 }
 
@@ -28,10 +27,9 @@ namespace {
 
 // A line that ends in one of these goes on.
 bool wantsMore(Token const& token) {
-    static constexpr std::string_view words[] = {"and",  "by",     "follows", "from",    "if",
-                                                 "iff",  "in",     "lags",    "implies", "integrates",
-                                                 "not",  "or",     "setting", "to",      "when",
-                                                 "with", "within", "for",     "starts",  "responds"};
+    static constexpr std::string_view words[] = {
+        "and", "by", "follows", "from", "if",   "iff",  "in",     "lags", "implies", "integrates",
+        "not", "or", "setting", "to",   "when", "with", "within", "for",  "starts",  "responds"};
     if (token.kind == TokenKind::name)
         return std::find(std::begin(words), std::end(words), token.text) != std::end(words);
     return token.kind >= TokenKind::comma;
@@ -39,9 +37,9 @@ bool wantsMore(Token const& token) {
 
 // A line that begins with one of these goes on with the one before.
 bool goesOn(Token const& token) {
-    static constexpr std::string_view words[] = {"and",  "by",      "if",   "iff",    "implies", "or",
-                                                 "setting", "to",   "when", "within", "with",
-                                                 "starts"};
+    static constexpr std::string_view words[] = {"and",     "by",     "if",      "iff",
+                                                 "implies", "or",     "setting", "to",
+                                                 "when",    "within", "with",    "starts"};
     if (token.kind == TokenKind::name)
         return std::find(std::begin(words), std::end(words), token.text) != std::end(words);
     return token.kind == TokenKind::plus || token.kind == TokenKind::minus ||

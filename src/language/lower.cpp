@@ -33,8 +33,7 @@ Lowering::Lowering(FlatPlant const& flat, Scheduler& scheduler)
       gvars(flat.quantities.size()) {
     auto const sort = [this](auto const& list, std::vector<int> Own::*into) {
         for (std::size_t i = 0; i < list.size(); ++i)
-            (own[static_cast<std::size_t>(list[i].component)].*into)
-                .push_back(static_cast<int>(i));
+            (own[static_cast<std::size_t>(list[i].component)].*into).push_back(static_cast<int>(i));
     };
     sort(flat.quantities, &Own::quantities);
     sort(flat.choices, &Own::choices);
@@ -98,9 +97,9 @@ StateVar* addChoice(Comp& comp, FlatChoice const& from) {
     std::set<std::string> domain;
     for (FlatChoice::Value const& value : from.values)
         domain.insert(value.name);
-    return comp.addStateVar(std::make_unique<Variable>(
-        comp.name + "." + from.name, std::move(domain),
-        from.values[static_cast<std::size_t>(from.start)].name, &comp));
+    return comp.addStateVar(
+        std::make_unique<Variable>(comp.name + "." + from.name, std::move(domain),
+                                   from.values[static_cast<std::size_t>(from.start)].name, &comp));
 }
 
 }  // namespace
@@ -258,8 +257,7 @@ void Lowering::makeNeighbours() {
 // ---- The runtime ----
 
 void Lowering::makeLists() {
-    auto const fill = [this](std::vector<QuantityRef> const& from,
-                             std::vector<s_Variable*>& into) {
+    auto const fill = [this](std::vector<QuantityRef> const& from, std::vector<s_Variable*>& into) {
         for (QuantityRef const quantity : from)
             into.push_back(variables[static_cast<std::size_t>(quantity)]);
     };

@@ -83,10 +83,10 @@ std::string keyOf(FlatCondition const& condition) {
         case ConditionKind::constant:
             return condition.holds ? "t" : "f";
         case ConditionKind::atom:
-            return "a" + std::to_string(condition.atom.choice) + "." +
+            return std::string("a") + std::to_string(condition.atom.choice) + "." +
                    std::to_string(condition.atom.value);
         case ConditionKind::relation:
-            key = "r" + std::to_string(condition.left) + condition.relation;
+            key = std::string("r") + std::to_string(condition.left) + condition.relation;
             return condition.right != nowhere ? key + std::to_string(condition.right)
                                               : key + "n" + textOf(condition.value.low) + "," +
                                                     textOf(condition.value.high);
@@ -140,11 +140,10 @@ s_Condition* Lowering::made(Own& of, FlatCondition const& from) {
         case ConditionKind::constant:
             return of.part->constant(from.holds);
         case ConditionKind::relation:
-            return of.part->relate(variables[static_cast<std::size_t>(from.left)],
-                                   relationOf(from.relation), from.value.object(),
-                                   from.right == nowhere
-                                       ? nullptr
-                                       : variables[static_cast<std::size_t>(from.right)]);
+            return of.part->relate(
+                variables[static_cast<std::size_t>(from.left)], relationOf(from.relation),
+                from.value.object(),
+                from.right == nowhere ? nullptr : variables[static_cast<std::size_t>(from.right)]);
         case ConditionKind::opposite: {
             FlatCondition const& inner = from.parts.front();
             s_Condition* opposite = of.part->combine(COND_NOT, operand(of, inner), nullptr);
@@ -152,8 +151,8 @@ s_Condition* Lowering::made(Own& of, FlatCondition const& from) {
             return opposite;
         }
         default:
-            return grouped(of, from.kind == ConditionKind::both ? COND_AND : COND_OR, from.parts,
-                           0, from.parts.size(), true);
+            return grouped(of, from.kind == ConditionKind::both ? COND_AND : COND_OR, from.parts, 0,
+                           from.parts.size(), true);
     }
 }
 
@@ -166,9 +165,8 @@ bool Lowering::isOwnMode(Own const& of, FlatCondition const& from) const {
 }
 
 // In halves, so that a long list is not deep. Inner records have no numbers.
-s_Condition* Lowering::grouped(Own& of, conditionKind kind,
-                               std::vector<FlatCondition> const& parts, std::size_t begin,
-                               std::size_t end, bool isTop) {
+s_Condition* Lowering::grouped(Own& of, conditionKind kind, std::vector<FlatCondition> const& parts,
+                               std::size_t begin, std::size_t end, bool isTop) {
     if (end - begin == 1)
         return operand(of, parts[begin]);
     bool const isPair = end - begin == 2;
@@ -178,8 +176,8 @@ s_Condition* Lowering::grouped(Own& of, conditionKind kind,
     std::size_t const middle = begin + (end - begin + 1) / 2;
     s_Condition* left = grouped(of, kind, parts, begin, middle, false);
     s_Condition* right = grouped(of, kind, parts, middle, end, false);
-    s_Condition* group = isTop ? of.part->combine(kind, left, right)
-                               : mkBinaryCond(rt, kind, left, right, 0);
+    s_Condition* group =
+        isTop ? of.part->combine(kind, left, right) : mkBinaryCond(rt, kind, left, right, 0);
     if (middle - begin == 1)
         awaitOperand(&group->left, parts[begin]);
     if (end - middle == 1)

@@ -9,7 +9,8 @@ s_GVar* Lowering::gvarOf(QuantityRef reference) {
     if (gvars[place] != nullptr)
         return gvars[place];
     FlatQuantity const& from = flat.quantity(reference);
-    s_GVar* made = own[static_cast<std::size_t>(from.component)].part->constrained(variables[place]);
+    s_GVar* made =
+        own[static_cast<std::size_t>(from.component)].part->constrained(variables[place]);
     made->value = from.start ? from.start->object() : *variables[place]->domain;
     return gvars[place] = made;
 }

@@ -56,8 +56,8 @@ std::string excerpt(TextRange const& range, SourceText const& source) {
     std::string_view line = source.line(position.line);
     std::size_t const lineStart = static_cast<std::size_t>(line.data() - source.text().data());
     std::size_t before = std::min(static_cast<std::size_t>(range.begin) - lineStart, line.size());
-    std::size_t marked = std::min(static_cast<std::size_t>(range.end - range.begin),
-                                  line.size() - before);
+    std::size_t marked =
+        std::min(static_cast<std::size_t>(range.end - range.begin), line.size() - before);
     if (line.size() > longestLine) {
         std::size_t const cut = before > shownBefore ? before - shownBefore : 0;
         line = line.substr(cut, longestLine);
@@ -105,8 +105,8 @@ std::size_t distance(std::string const& a, std::string const& b) {
     for (std::size_t i = 1; i <= a.size(); ++i) {
         current[0] = i;
         for (std::size_t j = 1; j <= b.size(); ++j) {
-            current[j] = std::min({old[j] + 1, current[j - 1] + 1,
-                                   old[j - 1] + (a[i - 1] == b[j - 1] ? 0 : 1)});
+            current[j] = std::min(
+                {old[j] + 1, current[j - 1] + 1, old[j - 1] + (a[i - 1] == b[j - 1] ? 0 : 1)});
             if (i > 1 && j > 1 && a[i - 1] == b[j - 2] && a[i - 2] == b[j - 1])
                 current[j] = std::min(current[j], older[j - 2] + 1);
         }

@@ -26,8 +26,8 @@ Parser::Nested::Nested(Parser& parser) : parser(parser) {
     if (++parser.depth > deepest) {
         --parser.depth;
         parser.giveUp(parser.current().range, "this is nested too deeply",
-                      "name parts of it, so that no more than " + std::to_string(deepest) +
-                          " stand inside each other");
+                      std::string("name parts of it, so that no more than ") +
+                          std::to_string(deepest) + " stand inside each other");
     }
 }
 
@@ -142,7 +142,7 @@ void Parser::statement(Body& into, bool inType) {
         endOfStatement();
     } catch (GivenUp const&) {
         depth = outer;
-        numbersAreBare = false;
+        numbersAreBare = termsHaveLabels = false;
         into.resize(count);
         recover(begin, 0);
     }
@@ -304,7 +304,8 @@ void Parser::type(Body& into, TextRange const& begin) {
     TextRange const open = take().range;
     node.body = body(true);
     if (!takeIf(TokenKind::braceClose))
-        messages.error(open, "this { is never closed", "write } behind the last statement of the type");
+        messages.error(open, "this { is never closed",
+                       "write } behind the last statement of the type");
     into.push_back({std::move(node), from(begin)});
 }
 
@@ -382,8 +383,8 @@ void Parser::labelledOrInstance(Body& into, bool inType) {
     if (colon) {
         Token const& token = current();
         label.isWhole = token.kind == TokenKind::string;
-        label.name = label.isWhole ? NameNode{std::string(token.text), token.range}
-                                   : name("a label");
+        label.name =
+            label.isWhole ? NameNode{std::string(token.text), token.range} : name("a label");
         if (label.isWhole)
             take();
         take();

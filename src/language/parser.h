@@ -112,6 +112,7 @@ private:
     std::vector<Token> tokens;
     std::size_t at = 0;
     int depth = 0;
-    bool numbersAreBare = false;  // in a polynomial, whose s is no unit
+    bool numbersAreBare = false;   // in a polynomial, whose s is no unit
+    bool termsHaveLabels = false;  // in an equation; elsewhere a colon means something else
     std::vector<std::string> damaged;
 };

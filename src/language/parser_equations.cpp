@@ -5,7 +5,9 @@ EquationNode Parser::equation(LabelNode label) {
     EquationNode node;
     node.label = std::move(label);
     node.target = path();
+    termsHaveLabels = true;
     form(node);
+    termsHaveLabels = false;
     if (takeWord("when"))
         node.when = condition();
     options(node);

@@ -42,7 +42,8 @@ Expr Parser::expression() {
 }
 
 Expr Parser::product() {
-    if ((is(TokenKind::name) || is(TokenKind::string)) && ahead().kind == TokenKind::colon) {
+    bool const isLabel = is(TokenKind::name) || is(TokenKind::string);
+    if (termsHaveLabels && isLabel && ahead().kind == TokenKind::colon) {
         Expr labelled = made(ExprKind::labelled, current().range);
         labelled.label.isWhole = is(TokenKind::string);
         if (labelled.label.isWhole) {

@@ -163,8 +163,7 @@ std::optional<FlatCondition> Resolver::comparison(Expr const& expr, Scope* scope
     if (found.kind == Entity::choice) {
         char const how = expr.operators.front();
         if (expr.parts.size() > 2 || (how != '=' && how != '!')) {
-            messages.error(expr.range,
-                           written(subject.range) + " has values that have no order",
+            messages.error(expr.range, written(subject.range) + " has values that have no order",
                            "ask with = or !=");
             return std::nullopt;
         }
@@ -178,8 +177,8 @@ std::optional<FlatCondition> Resolver::comparison(Expr const& expr, Scope* scope
     }
     FlatCondition result = made(ConditionKind::both, expr.range);
     for (std::size_t i = 0; i + 1 < expr.parts.size(); ++i) {
-        std::optional<FlatCondition> one = relation(expr.parts[i], expr.operators[i],
-                                                    expr.parts[i + 1], scope, expr.range);
+        std::optional<FlatCondition> one =
+            relation(expr.parts[i], expr.operators[i], expr.parts[i + 1], scope, expr.range);
         if (!one)
             return std::nullopt;
         result.parts.push_back(std::move(*one));
@@ -198,8 +197,7 @@ std::optional<FlatCondition> Resolver::relation(Expr const& left, char relation,
             return this->relation(right, turned(relation), left, scope, range);
         std::optional<Value> const a = number(left, scope);
         if (a && number(right, scope))
-            messages.error(range, "this compares numbers, and never changes",
-                           "compare a variable");
+            messages.error(range, "this compares numbers, and never changes", "compare a variable");
         return std::nullopt;
     }
     FlatCondition result = made(ConditionKind::relation, range);
@@ -271,7 +269,8 @@ std::optional<std::pair<QuantityRef, FlatSpace>> Resolver::space(Expr const& exp
     FlatSpace space{-DBL_MAX, DBL_MAX, true, true};
     if (!found || !narrow(*found, of, space))
         return std::nullopt;
-    if (space.low < space.high || (space.low == space.high && space.lowBelongs && space.highBelongs))
+    if (space.low < space.high ||
+        (space.low == space.high && space.lowBelongs && space.highBelongs))
         return std::pair(of, space);
     messages.error(expr.range, "no value of " + plant.quantity(of).name + " can be there",
                    "put the lower threshold first");

@@ -71,8 +71,8 @@ std::optional<FlatExpression> Resolver::combined(FlatExpression::Kind kind,
 std::optional<FlatExpression> Resolver::expression(Expr const& expr, Scope* scope) {
     if (expr.kind == ExprKind::name) {
         Entity const found = lookup(expr, scope);
-        bool const isVariable = found.kind == Entity::quantity &&
-                                !plant.quantity(found.reference).isParameter;
+        bool const isVariable =
+            found.kind == Entity::quantity && !plant.quantity(found.reference).isParameter;
         if (isVariable)
             return FlatExpression{FlatExpression::quantity, {}, found.reference, {}};
         if (found.kind == Entity::defined)
@@ -84,8 +84,7 @@ std::optional<FlatExpression> Resolver::expression(Expr const& expr, Scope* scop
         if (part.kind == ExprKind::name) {
             Entity const found = lookup(part, scope, true);
             return found.kind == Entity::defined ||
-                   (found.kind == Entity::quantity &&
-                    !plant.quantity(found.reference).isParameter);
+                   (found.kind == Entity::quantity && !plant.quantity(found.reference).isParameter);
         }
         return std::any_of(part.parts.begin(), part.parts.end(),
                            [&](Expr const& inner) { return self(self, inner); });

@@ -38,8 +38,8 @@ void Resolver::splitTerms(Expr const& expr, bool negative, std::vector<Term>& te
         return;
     }
     for (std::size_t i = 0; i < expr.parts.size(); ++i)
-        splitTerm(expr.parts[i],
-                  {nullptr, &expr.parts[i], negative != (expr.operators[i] == '-')}, terms);
+        splitTerm(expr.parts[i], {nullptr, &expr.parts[i], negative != (expr.operators[i] == '-')},
+                  terms);
 }
 
 void Resolver::splitTerm(Expr const& expr, Term term, std::vector<Term>& terms) {
@@ -103,7 +103,8 @@ bool Resolver::collect(Expr const& expr, bool divides, Scope* scope, Factors& fa
         factors.delay = &expr;
         if (expr.parts.front().kind == ExprKind::name)
             return collectName(expr.parts.front(), divides, scope, factors);
-        messages.error(expr.range, "only a variable can be delayed", "write x @ 1 for a variable x");
+        messages.error(expr.range, "only a variable can be delayed",
+                       "write x @ 1 for a variable x");
         return false;
     }
     if (expr.kind == ExprKind::labelled) {
@@ -112,9 +113,8 @@ bool Resolver::collect(Expr const& expr, bool divides, Scope* scope, Factors& fa
     }
     if (mentionsVariable(expr, scope)) {
         messages.error(expr.range,
-                       expr.kind == ExprKind::power
-                           ? "a power of a variable is not linear"
-                           : "this sum in parentheses holds a variable",
+                       expr.kind == ExprKind::power ? "a power of a variable is not linear"
+                                                    : "this sum in parentheses holds a variable",
                        expr.kind == ExprKind::power
                            ? "enclose it by an interval times the variable, or use a constraint"
                            : "write its terms one by one");
@@ -145,11 +145,10 @@ bool Resolver::collectName(Expr const& expr, bool divides, Scope* scope, Factors
         return value != nullptr;
     }
     if (factors.cause != nowhere || divides) {
-        messages.error(
-            factors.cause != nowhere ? factors.range : expr.range,
-            factors.cause != nowhere ? "the product of two variables is not linear"
-                                     : "a division by a variable is not linear",
-            "enclose one of them by an interval, or use a constraint");
+        messages.error(factors.cause != nowhere ? factors.range : expr.range,
+                       factors.cause != nowhere ? "the product of two variables is not linear"
+                                                : "a division by a variable is not linear",
+                       "enclose one of them by an interval, or use a constraint");
         return false;
     }
     factors.cause = found.reference;

@@ -48,8 +48,7 @@ void Resolver::header(PlacedStatement const& placed) {
     TextRange const& range = placed.statement->range;
     auto const once = [&](bool& known, char const* what) {
         if (known)
-            messages.error(range, std::string(what) + " is told a second time",
-                           "keep one of them");
+            messages.error(range, std::string(what) + " is told a second time", "keep one of them");
         bool const first = !known;
         known = true;
         return first;
@@ -172,10 +171,10 @@ void Resolver::makeInstance(InstanceNode const& node, std::string const& name, S
         if (other.name == name)
             messages.error(node.name.range, "two components are named " + name, "rename one");
         else if (other.symbol == symbol)
-            messages.error(node.name.range,
-                           "two components have the symbol " + symbol + ", " + other.name +
-                               " being the other",
-                           "give one of them another symbol");
+            messages.error(
+                node.name.range,
+                "two components have the symbol " + symbol + ", " + other.name + " being the other",
+                "give one of them another symbol");
     plant.components.push_back({name, node.type.text, symbol, node.name.range, {}, {}});
     members.push_back({type == types.end() ? nullptr : type->second, inner, {}, {}, 0});
     if (type != types.end()) {
@@ -186,9 +185,9 @@ void Resolver::makeInstance(InstanceNode const& node, std::string const& name, S
     for (auto const& entry : types)
         known.push_back(entry.first);
     if (!isDamaged(node.type.text))
-        messages.error(node.type.range, "there is no type " + node.type.text,
-                       suggestion(node.type.text, known, "declare it: type " + node.type.text +
-                                                             " { ... }"));
+        messages.error(
+            node.type.range, "there is no type " + node.type.text,
+            suggestion(node.type.text, known, "declare it: type " + node.type.text + " { ... }"));
 }
 
 // An argument is worked out where it is used: it may be of an instance that is not there yet.
@@ -280,8 +279,7 @@ void Resolver::declareInputs(ComponentRef component, ListNode const& node,
         if (path.path.size() > 1 ||
             std::find(declared.begin(), declared.end(), name.text) != declared.end())
             continue;
-        Entity const entity =
-            entityOf(Entity::quantity, static_cast<int>(plant.quantities.size()));
+        Entity const entity = entityOf(Entity::quantity, static_cast<int>(plant.quantities.size()));
         if (!declare(*members[static_cast<std::size_t>(component)].scope, name, entity))
             continue;
         plant.quantities.push_back({component, name.text, false, {}, {}, {}, name.range});

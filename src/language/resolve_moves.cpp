@@ -103,8 +103,8 @@ std::optional<FlatAtom> Resolver::modeOf(Expr const& expr, Scope* scope, Compone
         messages.error(expr.range, "a move belongs to a component", "write it in a type");
         return std::nullopt;
     }
-    bool const isValue = (expr.kind == ExprKind::name && expr.path.size() == 1) ||
-                         expr.kind == ExprKind::number;
+    bool const isValue =
+        (expr.kind == ExprKind::name && expr.path.size() == 1) || expr.kind == ExprKind::number;
     if (isValue)
         return soleMode({written(expr.range), expr.range}, expr.range, component);
     std::optional<FlatCondition> const found = condition(expr, scope);
@@ -141,9 +141,9 @@ std::optional<FlatAtom> Resolver::soleMode(NameNode const& value, TextRange cons
                            ? "declare the modes of this type: mode off, on"
                            : suggestion(value.text, known, "the modes are " + oneOf(known)));
     else
-        messages.error(range, "several variables have a mode " + value.text,
-                       "say of which, as in " + plant.choice(found[0].choice).name + " = " +
-                           value.text);
+        messages.error(
+            range, "several variables have a mode " + value.text,
+            "say of which, as in " + plant.choice(found[0].choice).name + " = " + value.text);
     return std::nullopt;
 }
 
@@ -154,8 +154,7 @@ bool Resolver::settings(MoveNode const& node, Scope* scope, FlatMove& made) {
     for (SettingNode const& setting : node.settings) {
         QuantityRef const target = quantityOf(setting.target, scope, "the variable that is set");
         if (target != nowhere && plant.quantity(target).isParameter) {
-            messages.error(setting.target.range, "a parameter stays as it is",
-                           "set a variable");
+            messages.error(setting.target.range, "a parameter stays as it is", "set a variable");
             good = false;
         }
         std::optional<FlatExpression> value = expression(setting.value, scope);
@@ -182,8 +181,7 @@ void Resolver::idleOthers() {
         std::vector<FlatMove> added;
         for (ChoiceRef const mode : members[static_cast<std::size_t>(asked->component)].modes)
             for (std::size_t i = 0; i < plant.choice(mode).values.size(); ++i)
-                if (std::optional<FlatMove> one =
-                        idleMove({mode, static_cast<int>(i)}, *asked))
+                if (std::optional<FlatMove> one = idleMove({mode, static_cast<int>(i)}, *asked))
                     added.push_back(std::move(*one));
         plant.moves.insert(plant.moves.begin() + static_cast<std::ptrdiff_t>(asked->place),
                            added.begin(), added.end());
@@ -204,22 +202,20 @@ std::optional<FlatMove> Resolver::idleMove(FlatAtom const& mode, IdleOthers cons
             continue;
         }
         if (move.guard.size() > 2) {
-            messages.error(asked.range,
-                           "when to stay in " +
-                               plant.choice(mode.choice)
-                                   .values[static_cast<std::size_t>(mode.value)]
-                                   .name +
-                               " does not follow from a move that asks for several things at once",
-                           "write this idle move yourself");
+            messages.error(
+                asked.range,
+                "when to stay in " +
+                    plant.choice(mode.choice).values[static_cast<std::size_t>(mode.value)].name +
+                    " does not follow from a move that asks for several things at once",
+                "write this idle move yourself");
             return std::nullopt;
         }
         FlatLiteral due = move.guard[0].atom == mode ? move.guard[1] : move.guard[0];
         due.holds = !due.holds;
-        bool const known = std::any_of(idle.guard.begin(), idle.guard.end(),
-                                       [&](FlatLiteral const& literal) {
-                                           return literal.atom == due.atom &&
-                                                  literal.holds == due.holds;
-                                       });
+        bool const known =
+            std::any_of(idle.guard.begin(), idle.guard.end(), [&](FlatLiteral const& literal) {
+                return literal.atom == due.atom && literal.holds == due.holds;
+            });
         if (!known)
             idle.guard.push_back(due);
     }

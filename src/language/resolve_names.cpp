@@ -17,14 +17,14 @@ bool Resolver::declare(Scope& scope, NameNode const& name, Entity entity) {
         scope.order.push_back(name.text);
         return true;
     }
-    messages.error(name.range, "the name " + name.text + " is given a second time",
-                   "rename one of them" +
-                       (place->second.range.isPlace()
-                            ? "; the other is in line " +
-                                  std::to_string(sources[place->second.range.file]
-                                                     .positionOf(place->second.range.begin)
-                                                     .line)
-                            : std::string()));
+    messages.error(
+        name.range, "the name " + name.text + " is given a second time",
+        "rename one of them" + (place->second.range.isPlace()
+                                    ? "; the other is in line " +
+                                          std::to_string(sources[place->second.range.file]
+                                                             .positionOf(place->second.range.begin)
+                                                             .line)
+                                    : std::string()));
     return false;
 }
 
@@ -70,10 +70,11 @@ Entity Resolver::lookup(Expr const& path, Scope* scope, bool quiet) {
 Entity Resolver::step(Entity const& from, PathStep const& step, Scope* scope, bool quiet) {
     if (from.kind != Entity::component) {
         if (!quiet)
-            messages.error(step.name.range, "what stands before ." + step.name.text +
-                                                " is no component, and has no members",
-                           from.kind == Entity::array ? "say which of the array, as in valve[1]"
-                                                      : "take the dot and what is behind it out");
+            messages.error(
+                step.name.range,
+                "what stands before ." + step.name.text + " is no component, and has no members",
+                from.kind == Entity::array ? "say which of the array, as in valve[1]"
+                                           : "take the dot and what is behind it out");
         return {};
     }
     Entity const found = member(from.reference, step.name, quiet);
@@ -101,7 +102,7 @@ Entity Resolver::element(Entity const& array, PathStep const& step, Scope* scope
         if (!quiet)
             messages.error(step.index.front().range,
                            found.name.text + " has no element of this number",
-                           "they go from " + std::to_string(found.first) + " to " +
+                           std::string("they go from ") + std::to_string(found.first) + " to " +
                                std::to_string(last));
         return {};
     }
@@ -142,8 +143,8 @@ Entity Resolver::member(ComponentRef component, NameNode const& name, bool quiet
     if (found != of.scope->names.end())
         return settled(found->second, quiet);
     if (!quiet && !isDamaged(name.text))
-        messages.error(name.range, "a component of type " + of.type->name.text + " has no " +
-                                       name.text,
+        messages.error(name.range,
+                       "a component of type " + of.type->name.text + " has no " + name.text,
                        suggestion(name.text, of.scope->order, "declare it there"));
     return {};
 }

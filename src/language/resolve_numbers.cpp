@@ -34,8 +34,7 @@ void takeUnits(Value& into, Value const& a, Value const& b) {
 }
 
 Value plus(Value const& a, Value const& b) {
-    Value value =
-        spanning({a.low + b.low, a.high + b.high}, a.isInterval || b.isInterval);
+    Value value = spanning({a.low + b.low, a.high + b.high}, a.isInterval || b.isInterval);
     takeUnits(value, a, b);
     return value;
 }
@@ -168,9 +167,9 @@ Value Resolver::multiplied(Value const& a, Value const& b) {
 
 std::optional<Value> Resolver::dividedBy(Value const& a, Value const& b, TextRange const& range) {
     if (b.low <= 0.0 && b.high >= 0.0) {
-        messages.error(range, b.isInterval ? "this divides by an interval that holds 0"
-                                           : "this divides by 0",
-                       "divide by something else than 0");
+        messages.error(
+            range, b.isInterval ? "this divides by an interval that holds 0" : "this divides by 0",
+            "divide by something else than 0");
         return std::nullopt;
     }
     Value result = spanning({a.low / b.low, a.low / b.high, a.high / b.low, a.high / b.high},
@@ -259,8 +258,8 @@ void Resolver::settleQuantity(QuantityRef reference) {
         return;
     QuantityNode const& node = *work.node;
     if (work.busy) {
-        messages.error(node.name.range, "the value of " + node.name.text +
-                                            " is worked out from itself",
+        messages.error(node.name.range,
+                       "the value of " + node.name.text + " is worked out from itself",
                        "give it a number");
         return;
     }
@@ -297,9 +296,8 @@ void Resolver::checkUnit(TextRange const& range, std::string const& what, MaybeU
                          MaybeUnit const& wanted) {
     if (!found || !wanted || *found == *wanted)
         return;
-    messages.error(range, what + " is in " + textOf(*found) + ", and " + textOf(*wanted) +
-                              " belongs here",
-                   sameDimension(*found, *wanted)
-                       ? "units are not converted: write it in " + textOf(*wanted)
-                       : "correct the unit, or the equation");
+    messages.error(
+        range, what + " is in " + textOf(*found) + ", and " + textOf(*wanted) + " belongs here",
+        sameDimension(*found, *wanted) ? "units are not converted: write it in " + textOf(*wanted)
+                                       : "correct the unit, or the equation");
 }

@@ -26,19 +26,19 @@ struct UnitNode {
 // ---- Expressions and conditions ----
 
 enum class ExprKind {
-    number,     // `number`
-    interval,   // parts: both ends
-    name,       // `path`
-    sum,        // parts, each with its sign in `operators`: + or -
-    product,    // parts, each with * or /; the first has *
-    power,      // parts: base, exponent
-    negation,   // parts: one
-    delayed,    // parts: what, delay, and the longer delay of a range
-    labelled,   // `label`; parts: one
-    always,     // or never, when `number` is 0
-    comparison, // parts, with the relations between them in `operators`: = ! < l > g
-    among,      // parts: what, then the values, or one interval
-    negated,    // parts: one condition
+    number,      // `number`
+    interval,    // parts: both ends
+    name,        // `path`
+    sum,         // parts, each with its sign in `operators`: + or -
+    product,     // parts, each with * or /; the first has *
+    power,       // parts: base, exponent
+    negation,    // parts: one
+    delayed,     // parts: what, delay, and the longer delay of a range
+    labelled,    // `label`; parts: one
+    always,      // or never, when `number` is 0
+    comparison,  // parts, with the relations between them in `operators`: = ! < l > g
+    among,       // parts: what, then the values, or one interval
+    negated,     // parts: one condition
     conjunction,
     disjunction,
     forEvery,  // `label` is the index; parts: first, last, condition

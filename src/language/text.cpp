@@ -37,7 +37,8 @@ private:
     void follow(std::string const& path, IncludeNode const& include) {
         if (++depth > deepest)
             messages.error(include.path.range, "files include each other too deeply",
-                           "no more than " + std::to_string(deepest) + " may stand in each other");
+                           std::string("no more than ") + std::to_string(deepest) +
+                               " may stand in each other");
         else
             load(pathBeside(path, include.path.text), include.path.range);
         --depth;

@@ -16,30 +16,18 @@ struct KnownUnit {
 
 //                                   m  kg  s  A  K mol cd
 constexpr KnownUnit knownUnits[] = {
-    {"m", {1, 0, 0, 0, 0, 0, 0}, 1.0, true},
-    {"g", {0, 1, 0, 0, 0, 0, 0}, 1e-3, true},
-    {"s", {0, 0, 1, 0, 0, 0, 0}, 1.0, true},
-    {"A", {0, 0, 0, 1, 0, 0, 0}, 1.0, true},
-    {"K", {0, 0, 0, 0, 1, 0, 0}, 1.0, true},
-    {"mol", {0, 0, 0, 0, 0, 1, 0}, 1.0, true},
-    {"cd", {0, 0, 0, 0, 0, 0, 1}, 1.0, false},
-    {"Hz", {0, 0, -1, 0, 0, 0, 0}, 1.0, true},
-    {"N", {1, 1, -2, 0, 0, 0, 0}, 1.0, true},
-    {"Pa", {-1, 1, -2, 0, 0, 0, 0}, 1.0, true},
-    {"bar", {-1, 1, -2, 0, 0, 0, 0}, 1e5, true},
-    {"J", {2, 1, -2, 0, 0, 0, 0}, 1.0, true},
-    {"W", {2, 1, -3, 0, 0, 0, 0}, 1.0, true},
-    {"C", {0, 0, 1, 1, 0, 0, 0}, 1.0, true},
-    {"V", {2, 1, -3, -1, 0, 0, 0}, 1.0, true},
-    {"ohm", {2, 1, -3, -2, 0, 0, 0}, 1.0, true},
-    {"F", {-2, -1, 4, 2, 0, 0, 0}, 1.0, true},
-    {"H", {2, 1, -2, -2, 0, 0, 0}, 1.0, true},
-    {"L", {3, 0, 0, 0, 0, 0, 0}, 1e-3, true},
-    {"min", {0, 0, 1, 0, 0, 0, 0}, 60.0, false},
-    {"h", {0, 0, 1, 0, 0, 0, 0}, 3600.0, false},
-    {"d", {0, 0, 1, 0, 0, 0, 0}, 86400.0, false},
-    {"rad", {0, 0, 0, 0, 0, 0, 0}, 1.0, false},
-    {"percent", {0, 0, 0, 0, 0, 0, 0}, 0.01, false},
+    {"m", {1, 0, 0, 0, 0, 0, 0}, 1.0, true},     {"g", {0, 1, 0, 0, 0, 0, 0}, 1e-3, true},
+    {"s", {0, 0, 1, 0, 0, 0, 0}, 1.0, true},     {"A", {0, 0, 0, 1, 0, 0, 0}, 1.0, true},
+    {"K", {0, 0, 0, 0, 1, 0, 0}, 1.0, true},     {"mol", {0, 0, 0, 0, 0, 1, 0}, 1.0, true},
+    {"cd", {0, 0, 0, 0, 0, 0, 1}, 1.0, false},   {"Hz", {0, 0, -1, 0, 0, 0, 0}, 1.0, true},
+    {"N", {1, 1, -2, 0, 0, 0, 0}, 1.0, true},    {"Pa", {-1, 1, -2, 0, 0, 0, 0}, 1.0, true},
+    {"bar", {-1, 1, -2, 0, 0, 0, 0}, 1e5, true}, {"J", {2, 1, -2, 0, 0, 0, 0}, 1.0, true},
+    {"W", {2, 1, -3, 0, 0, 0, 0}, 1.0, true},    {"C", {0, 0, 1, 1, 0, 0, 0}, 1.0, true},
+    {"V", {2, 1, -3, -1, 0, 0, 0}, 1.0, true},   {"ohm", {2, 1, -3, -2, 0, 0, 0}, 1.0, true},
+    {"F", {-2, -1, 4, 2, 0, 0, 0}, 1.0, true},   {"H", {2, 1, -2, -2, 0, 0, 0}, 1.0, true},
+    {"L", {3, 0, 0, 0, 0, 0, 0}, 1e-3, true},    {"min", {0, 0, 1, 0, 0, 0, 0}, 60.0, false},
+    {"h", {0, 0, 1, 0, 0, 0, 0}, 3600.0, false}, {"d", {0, 0, 1, 0, 0, 0, 0}, 86400.0, false},
+    {"rad", {0, 0, 0, 0, 0, 0, 0}, 1.0, false},  {"percent", {0, 0, 0, 0, 0, 0, 0}, 0.01, false},
     {"degC", {0, 0, 0, 0, 1, 0, 0}, 1.0, false},
 };
 
@@ -116,15 +104,15 @@ std::string textOf(Unit const& unit) {
         int const power = unit.powers[static_cast<std::size_t>(i)];
         if (power != 0)
             text += (text.empty() ? "" : "*") + std::string(names[i]) +
-                    (power == 1 ? "" : "^" + std::to_string(power));
+                    (power == 1 ? std::string() : std::string("^") + std::to_string(power));
     }
     if (text.empty())
         text = "1";
     if (std::abs(unit.factor - 1.0) <= 1e-9)
         return text;
     char digits[32];
-    auto const end = std::to_chars(digits, digits + sizeof digits, unit.factor,
-                                   std::chars_format::general, 6);
+    auto const end =
+        std::to_chars(digits, digits + sizeof digits, unit.factor, std::chars_format::general, 6);
     return std::string(digits, end.ptr) + " " + text;
 }
 

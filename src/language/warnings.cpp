@@ -70,29 +70,33 @@ bool isDueWith(FlatMove const& move, FlatMove const& of) {
 
 bool conflicts(FlatPlant const& flat, FlatMove const& a, FlatMove const& b) {
     return std::any_of(a.guard.begin(), a.guard.end(), [&](FlatLiteral const& one) {
-        return std::any_of(b.guard.begin(), b.guard.end(), [&](FlatLiteral const& other) {
-            return !agrees(flat, one, other);
-        });
+        return std::any_of(b.guard.begin(), b.guard.end(),
+                           [&](FlatLiteral const& other) { return !agrees(flat, one, other); });
     });
 }
 
 // The situation of *move* is its guard alone. What may be due beside it and need not makes another
-// situation, which has a sum of its own.
+// situation, which has a sum of its own. An idle move is for when no nominal one is due.
 void warnOfSum(FlatPlant const& flat, std::vector<FlatMove const*> const& moves,
                FlatMove const& move, Messages& messages) {
-    double sum = 0.0;
-    bool mayBeMore = false;
+    double sum = 0.0, idle = 0.0;
+    bool mayBeMore = false, leaves = false;
     for (FlatMove const* other : moves)
-        if (isDueWith(*other, move))
-            sum += other->probability;
-        else
+        if (!isDueWith(*other, move))
             mayBeMore = mayBeMore || !conflicts(flat, *other, move);
+        else if (other->kind == MoveKind::idle)
+            idle += other->probability;
+        else {
+            sum += other->probability;
+            leaves = leaves || other->kind == MoveKind::nominal;
+        }
+    if (!leaves)
+        sum += idle;
     bool const isOff = sum > 1.0 + slack || (sum < 1.0 - slack && !mayBeMore);
     if (isOff)
         messages.warning(move.range,
                          "the moves that leave " + nameOf(flat, move.from) +
-                             " while this one is due have probabilities that sum to " +
-                             textOf(sum),
+                             " while this one is due have probabilities that sum to " + textOf(sum),
                          "let them sum to 1");
 }
 
@@ -198,9 +202,9 @@ void warnOfHiddenFaults(FlatPlant const& flat, Messages& messages) {
     for (FlatMove const& move : flat.moves)
         if (move.kind == MoveKind::fault && !seen.choice(move.to.choice) &&
             told.insert(move.to.choice).second)
-            messages.warning(move.range, "no measure can show this fault",
-                             "measure something that depends on " +
-                                 flat.fullName(flat.choice(move.to.choice)));
+            messages.warning(
+                move.range, "no measure can show this fault",
+                "measure something that depends on " + flat.fullName(flat.choice(move.to.choice)));
 }
 
 // ---- Variables that nothing reads ----
