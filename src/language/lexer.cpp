@@ -79,6 +79,7 @@ private:
     void step();
     void put(TokenKind kind, std::size_t length, double number = 0.0);
     void endLine(Token const& next);
+    bool isDeclared() const;
     void number();
     void string();
     bool symbol();
@@ -123,7 +124,8 @@ void Lexer::step() {
 void Lexer::endLine(Token const& next) {
     lineEnded = false;
     bool const begins = next.kind == TokenKind::braceClose ||
-                        (next.kind == TokenKind::name && beginsStatement(next.text));
+                        (next.kind == TokenKind::name &&
+                         (beginsStatement(next.text) || (next.text == "mode" && isDeclared())));
     if (begins || next.kind == TokenKind::end)
         depth = 0;  // what is still open was forgotten, and is told by the parser
     if (tokens.empty() || depth > 0 || tokens.back().kind == TokenKind::statementEnd)
@@ -131,6 +133,15 @@ void Lexer::endLine(Token const& next) {
     if (!begins && next.kind != TokenKind::end && (wantsMore(tokens.back()) || goesOn(next)))
         return;
     tokens.push_back({TokenKind::statementEnd, rangeOf(lineEnd, 1), "end of the line", 0.0});
+}
+
+// Behind the word mode, which begins at the current place, stands a name, and so no condition.
+bool Lexer::isDeclared() const {
+    std::size_t ahead = 4;
+    while (peek(ahead) == ' ' || peek(ahead) == '\t')
+        ++ahead;
+    return isLetter(peek(ahead)) &&
+           !(text.substr(at + ahead, 2) == "in" && !isLetter(peek(ahead + 2)));
 }
 
 void Lexer::put(TokenKind kind, std::size_t length, double number) {

@@ -101,7 +101,7 @@ std::string keyOf(FlatCondition const& condition) {
             break;
     }
     for (FlatCondition const& part : condition.parts)
-        key += "(" + keyOf(part) + ")";
+        key.append("(").append(keyOf(part)).append(")");
     return key;
 }
 

@@ -66,32 +66,39 @@ std::string excerpt(TextRange const& range, SourceText const& source) {
     }
     std::string const number = std::to_string(position.line);
     std::string const gutter(number.size() + 2, ' ');
-    return "  " + number + " | " + std::string(line) + "\n" + gutter + " | " +
-           blanksFor(line.substr(0, before)) +
-           std::string(std::max<std::size_t>(widthOf(line.substr(before, marked)), 1), '^') + "\n";
+    std::string shown(2, ' ');
+    shown.append(number).append(" | ").append(line).append("\n").append(gutter).append(" | ");
+    shown.append(blanksFor(line.substr(0, before)));
+    shown.append(std::max<std::size_t>(widthOf(line.substr(before, marked)), 1), '^');
+    return shown.append("\n");
 }
 
 }  // namespace
 
 std::string rendered(Message const& message, Sources const& sources) {
     std::string const kind = message.severity == Severity::error ? "error: " : "warning: ";
+    auto const advised = [&message](std::string text, std::size_t indent) {
+        if (!message.advice.empty())
+            text.append(indent, ' ').append(message.advice).append("\n");
+        return text;
+    };
     if (!message.range.isPlace())
-        return kind + message.text + "\n" +
-               (message.advice.empty() ? "" : "  " + message.advice + "\n");
+        return advised(kind + message.text + "\n", 2);
     SourceText const& source = sources[message.range.file];
     TextPosition const position = source.positionOf(message.range.begin);
     std::string text = source.path() + ":" + std::to_string(position.line) + ":" +
                        std::to_string(position.column) + ": " + kind + message.text + "\n" +
                        excerpt(message.range, source);
-    if (!message.advice.empty())
-        text += std::string(std::to_string(position.line).size() + 3, ' ') + message.advice + "\n";
-    return text;
+    return advised(std::move(text), std::to_string(position.line).size() + 3);
 }
 
 std::string rendered(Messages const& messages, Sources const& sources) {
     std::string text;
-    for (Message const& message : messages.inOrder())
-        text += (text.empty() ? "" : "\n") + rendered(message, sources);
+    for (Message const& message : messages.inOrder()) {
+        if (!text.empty())
+            text += "\n";
+        text += rendered(message, sources);
+    }
     return text;
 }
 
@@ -124,7 +131,7 @@ std::string nearest(std::string const& word, std::vector<std::string> const& kno
     if (word.size() > longestWord)
         return "";
     std::string best;
-    std::size_t least = std::max<std::size_t>(word.size() / 3, 1) + 1;
+    std::size_t least = word.size() < 4 ? 2 : word.size() < 9 ? 3 : 4;
     for (std::string const& candidate : known) {
         if (candidate.size() > longestWord)
             continue;
@@ -145,7 +152,10 @@ std::string suggestion(std::string const& word, std::vector<std::string> const& 
 
 std::string oneOf(std::vector<std::string> const& words) {
     std::string text;
-    for (std::size_t i = 0; i < words.size(); ++i)
-        text += (i == 0 ? "" : i + 1 == words.size() ? " or " : ", ") + words[i];
+    for (std::size_t i = 0; i < words.size(); ++i) {
+        if (i > 0)
+            text += i + 1 == words.size() ? " or " : ", ";
+        text += words[i];
+    }
     return text;
 }

@@ -289,6 +289,13 @@ bool Resolver::setForm(EquationNode const& node, Scope* scope, FlatInfluence& ma
         case EquationForm::damped:
             return set(node.damping, made.damping) && set(node.frequency, made.frequency);
         case EquationForm::rational:
+            if (node.numerator[2] || !node.denominator[2] || !node.denominator[0]) {
+                messages.error(node.value.range,
+                               "a transfer function has a numerator of first order at most and a "
+                               "denominator of second order",
+                               "write by (n1 + n2 s) / (d0 + d1 s + d2 s^2)");
+                return false;
+            }
             return setPolynomial(node.numerator, scope, made.numerator) &&
                    setPolynomial(node.denominator, scope, made.denominator);
         default:

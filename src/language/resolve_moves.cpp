@@ -133,7 +133,8 @@ std::optional<FlatAtom> Resolver::soleMode(NameNode const& value, TextRange cons
         }
     if (found.size() == 1)
         return found.front();
-    if (isDamaged(value.text))
+    bool const mayBeDamaged = member.modes.empty() && isDamaged("mode");
+    if (isDamaged(value.text) || mayBeDamaged)
         return std::nullopt;
     if (found.empty())
         messages.error(range, "there is no mode " + value.text,

@@ -102,9 +102,15 @@ std::string textOf(Unit const& unit) {
     std::string text;
     for (int i = 0; i < Unit::bases; ++i) {
         int const power = unit.powers[static_cast<std::size_t>(i)];
-        if (power != 0)
-            text += (text.empty() ? "" : "*") + std::string(names[i]) +
-                    (power == 1 ? std::string() : std::string("^") + std::to_string(power));
+        if (power == 0)
+            continue;
+        if (!text.empty())
+            text += "*";
+        text += names[i];
+        if (power != 1) {
+            text += "^";
+            text += std::to_string(power);
+        }
     }
     if (text.empty())
         text = "1";
