@@ -113,7 +113,7 @@ std::string textOf(Unit const& unit) {
         }
     }
     if (text.empty())
-        text = "1";
+        text.push_back('1');
     if (std::abs(unit.factor - 1.0) <= 1e-9)
         return text;
     char digits[32];
