@@ -6,7 +6,7 @@
 #include <string>
 
 #include "hybrid/run_state.h"
-#include "run/compiled_model.h"
+#include "run/plant_source.h"
 
 // ---- Globals ----
 
@@ -73,8 +73,8 @@ void runConsole();
 
 // ---- Start-up (start.cpp) ----
 
-// Builds the model, reads the command line, and says what it took.
-void startConsole(CompiledModel const& model, int argc, char** argv);
-// The whole program around one compiled model: start-up, commands until `quit`, the end of the
+// Builds the plant, reads the command line, and says what it took.
+void startConsole(PlantSource const& source, int argc, char** argv);
+// The whole program around one plant: start-up, commands until `quit`, the end of the
 // process. A run that cannot go on ends it too, with the status of the reason.
-[[noreturn]] void runExecutive(CompiledModel const& model, int argc, char** argv);
+[[noreturn]] void runExecutive(PlantSource const& source, int argc, char** argv);

@@ -28,12 +28,12 @@ constexpr int statusOfUnusable = 1;
 
 }  // namespace
 
-void runExecutive(CompiledModel const& model, int argc, char** argv) {
+void runExecutive(PlantSource const& source, int argc, char** argv) {
     outliveBrokenFiles();
     heedInterrupts();
     checkStandardOutput();
     try {
-        startConsole(model, argc, argv);
+        startConsole(source, argc, argv);
         runConsole();
     } catch (RunStopped const& stop) {
         endSession(stop.exitStatus());

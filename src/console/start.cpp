@@ -137,7 +137,7 @@ void printUsage(s_runtime const* rt) {
 }
 
 // A first argument that asks about the program ends it, before it says anything else.
-void answerQuestions(CompiledModel const& model, int argc, char** argv) {
+void answerQuestions(PlantSource const& source, int argc, char** argv) {
     if (argc < 2)
         return;
     bool const help = std::strcmp(argv[1], "--help") == 0;
@@ -145,10 +145,10 @@ void answerQuestions(CompiledModel const& model, int argc, char** argv) {
         return;
     if (help) {
         Host silent;
-        std::unique_ptr<Plant> const plant = buildPlant(model, silent);
+        std::unique_ptr<Plant> const plant = buildPlant(source, silent);
         printUsage(plant->tavro_rt.get());
     } else {
-        std::cout << auxFile << " " << version << " (model " << model.model_name << ")\n";
+        std::cout << auxFile << " " << version << " (model " << source.name << ")\n";
     }
     std::cout.flush();
     std::_Exit(0);
@@ -170,10 +170,10 @@ void releaseAll() {
     consolePlant.reset();
 }
 
-void buildModel(CompiledModel const& model, RunSettings settings) {
+void buildModel(PlantSource const& source, RunSettings settings) {
     Host& host = consoleHost();
     std::atexit(releaseAll);
-    consolePlant = buildPlant(model, host);
+    consolePlant = buildPlant(source, host);
     checkNoise(settings, consolePlant->tavro_rt.get());
     consoleRun = std::make_unique<RunState>(*consolePlant, host, std::move(settings));
     // Without a file of prime implicates nothing is said.
@@ -184,15 +184,15 @@ void buildModel(CompiledModel const& model, RunSettings settings) {
 
 }  // namespace
 
-void startConsole(CompiledModel const& model, int argc, char** argv) {
+void startConsole(PlantSource const& source, int argc, char** argv) {
     // One character may be read past the console, so nothing may be read ahead.
     std::setvbuf(stdin, nullptr, _IONBF, 0);
     auxFile = baseName(argc > 0 ? argv[0] : nullptr);
     keepArguments(argc, argv);
     consoleHost();
-    answerQuestions(model, argc, argv);
+    answerQuestions(source, argc, argv);
     Arguments arguments(argc, argv);
-    buildModel(model, arguments.takeOptions());
+    buildModel(source, arguments.takeOptions());
     ligneInit();
     setPrefixes();
     if (discrete)

@@ -5,6 +5,7 @@
 #include <cassert>
 #include <cfloat>
 
+#include "continuous/sorn-runt.h"
 #include "model/CondVarrt.h"
 #include "model/ModeVarrt.h"
 #include "model/transitionParts.h"
@@ -14,6 +15,8 @@ namespace {
 
 s_Objet const belowZero = makeRange(-DBL_MAX, 0.0, 1, 0);
 s_Objet const fromZero = makeRange(0.0, DBL_MAX, 1, 1);
+s_Objet const upToZero = makeRange(-DBL_MAX, 0.0, 1, 1);
+s_Objet const aboveZero = makeRange(0.0, DBL_MAX, 0, 1);
 
 // Until `finish`, for what it computes.
 constexpr int notYet = 0;
@@ -47,14 +50,33 @@ s_GVar* PlantPart::constrained(s_Variable* variable) {
     return gvars.back();
 }
 
-s_Expr* PlantPart::below(s_GVar* gvar, double threshold) {
-    constraints.push_back(mkSpace(plant.rt, gvar, threshold, belowZero));
+s_GVar* PlantPart::intermediate(int number) {
+    s_GVar* gvar = mkConstant(plant.rt, *objMax);
+    gvar->kind = GV_INTERMEDIATE;
+    gvar->number = number;
+    gvars.push_back(gvar);
+    return gvar;
+}
+
+s_Expr* PlantPart::within(s_GVar* gvar, double threshold, s_Objet const& space) {
+    constraints.push_back(mkSpace(plant.rt, gvar, threshold, space));
     return constraints.back();
 }
 
+s_Expr* PlantPart::below(s_GVar* gvar, double threshold) {
+    return within(gvar, threshold, belowZero);
+}
+
 s_Expr* PlantPart::from(s_GVar* gvar, double threshold) {
-    constraints.push_back(mkSpace(plant.rt, gvar, threshold, fromZero));
-    return constraints.back();
+    return within(gvar, threshold, fromZero);
+}
+
+s_Expr* PlantPart::upTo(s_GVar* gvar, double threshold) {
+    return within(gvar, threshold, upToZero);
+}
+
+s_Expr* PlantPart::above(s_GVar* gvar, double threshold) {
+    return within(gvar, threshold, aboveZero);
 }
 
 s_Condition* PlantPart::declare(s_Condition* condition) {
@@ -69,6 +91,25 @@ s_Condition* PlantPart::onAtom(Atom* atom) {
 s_Condition* PlantPart::compare(relation op, s_Expr* constraint) {
     return declare(
         mkExprCond(plant.rt, constraint->gvar->var, op, constraint, notYet, nullptr, notYet));
+}
+
+s_Condition* PlantPart::constant(bool holds) {
+    auto condition = mkCond();
+    condition->kind = COND_CONST;
+    condition->val = holds ? 1 : 0;
+    return declare(adoptCondition(plant.rt, std::move(condition)));
+}
+
+s_Condition* PlantPart::relate(s_Variable* variable, relation op, s_Objet const& value,
+                               s_Variable* var2) {
+    auto condition = mkCond();
+    condition->kind = COND_REL;
+    condition->var = variable;
+    condition->op = op;
+    if (var2 == nullptr)
+        condition->value = value;
+    condition->var2 = var2;
+    return declare(adoptCondition(plant.rt, std::move(condition)));
 }
 
 s_Condition* PlantPart::combine(conditionKind kind, s_Condition* left, s_Condition* right) {
@@ -116,7 +157,7 @@ void PlantBuilder::globalConstraint(s_Expr* expr) {
 // ---- Computing ----
 
 std::vector<PlantPart const*> PlantBuilder::partsInOrder(
-    std::initializer_list<Comp const*> order) const {
+    std::vector<Comp const*> const& order) const {
     std::vector<PlantPart const*> found;
     for (Comp const* comp : order)
         for (PlantPart const& part : parts)
@@ -217,7 +258,7 @@ void PlantBuilder::lengthenHistories() {
     }
 }
 
-void PlantBuilder::finish(std::initializer_list<Comp const*> order) {
+void PlantBuilder::finish(std::vector<Comp const*> const& order) {
     std::vector<PlantPart const*> const ordered = partsInOrder(order);
     arrangeParts(ordered);
     numberConditions(ordered);

@@ -23,7 +23,6 @@
 #pragma once
 
 #include <deque>
-#include <initializer_list>
 #include <string>
 #include <vector>
 
@@ -54,10 +53,18 @@ public:
     // The constraints: the variable is below the threshold; it is at the threshold or above.
     s_Expr* below(s_GVar* gvar, double threshold);
     s_Expr* from(s_GVar* gvar, double threshold);
+    // The same for a threshold that belongs to the lower side.
+    s_Expr* upTo(s_GVar* gvar, double threshold);
+    s_Expr* above(s_GVar* gvar, double threshold);
+    // A part of global constraints that has a name: *number* is its own.
+    s_GVar* intermediate(int number);
 
     // Declared conditions have a number of their own.
     s_Condition* onAtom(Atom* atom);
     s_Condition* compare(relation op, s_Expr* constraint);
+    s_Condition* constant(bool holds);
+    // Relations of a variable to a value, or to *var2* when that is no null.
+    s_Condition* relate(s_Variable* variable, relation op, s_Objet const& value, s_Variable* var2);
     s_Condition* combine(conditionKind kind, s_Condition* left, s_Condition* right);
     // An or whose operands are other components': see PlantBuilder::setOperands.
     s_Condition* openOr() { return combine(COND_OR, nullptr, nullptr); }
@@ -71,6 +78,7 @@ public:
 private:
     friend class PlantBuilder;
     s_Condition* declare(s_Condition* condition);
+    s_Expr* within(s_GVar* gvar, double threshold, s_Objet const& space);
 
     PlantBuilder& plant;
     Comp& comp;
@@ -100,7 +108,7 @@ public:
 
     // Computes everything that follows from the declarations, for the parts of *order*, which names
     // every component that opened one. To be called once, after the lists of variables are set.
-    void finish(std::initializer_list<Comp const*> order);
+    void finish(std::vector<Comp const*> const& order);
 
 private:
     friend class PlantPart;
@@ -109,7 +117,7 @@ private:
         s_Condition* condition;
     };
 
-    std::vector<PlantPart const*> partsInOrder(std::initializer_list<Comp const*> order) const;
+    std::vector<PlantPart const*> partsInOrder(std::vector<Comp const*> const& order) const;
     void makeGraph(std::vector<s_Variable*> const& variables);
     void arrangeParts(std::vector<PlantPart const*> const& order);
     std::vector<s_Condition*> numberedOf(PlantPart const& part) const;

@@ -27,13 +27,13 @@ void check(Plant const& plant, Host& host) {
 PlantRefused::PlantRefused(std::vector<Finding> found)
     : std::runtime_error(textOf(found)), findings(std::move(found)) {}
 
-std::unique_ptr<Plant> buildPlant(CompiledModel const& model, Host& host) {
-    host.out() << "appliName: " << model.model_name << "\n";
-    auto plant = std::make_unique<Plant>(model.model_name);
+std::unique_ptr<Plant> buildPlant(PlantSource const& source, Host& host) {
+    host.out() << "appliName: " << source.name << "\n";
+    auto plant = std::make_unique<Plant>(source.name);
     Scheduler scheduler(*plant, host);
     scheduler.startBuilding(*plant);
-    model.startinit(&scheduler);
-    if (model.checked)
+    source.build(&scheduler);
+    if (source.checked)
         check(*plant, host);
     host.out() << "model successfully loaded.\n";
     scheduler.rtInit();

@@ -1,4 +1,4 @@
-// From a compiled model to a plant that runs can share.
+// From where a plant comes from to a plant that runs can share.
 #pragma once
 
 #include <memory>
@@ -8,7 +8,7 @@
 
 #include "model/Plant.h"
 #include "plant/check.h"
-#include "run/compiled_model.h"
+#include "run/plant_source.h"
 #include "support/host.h"
 
 // A plant that no run may have: a sentence for each mistake, with those that are only probable.
@@ -19,7 +19,7 @@ public:
     std::vector<Finding> const findings;
 };
 
-// Builds the model and checks it, then numbers, weighs and links it, and gives the conditions of
+// Builds the plant and checks it, then numbers, weighs and links it, and gives the conditions of
 // its template their first values. The host takes what the building tells; what is probably wrong
 // goes to its messages, a line each. Throws PlantRefused when something certainly is.
-std::unique_ptr<Plant> buildPlant(CompiledModel const& model, Host& host);
+std::unique_ptr<Plant> buildPlant(PlantSource const& source, Host& host);

@@ -1,0 +1,62 @@
+// Following the includes.
+#include "language/text.h"
+
+#include "language/parser.h"
+
+namespace {
+
+class TextLoader {
+public:
+    TextLoader(SourceReader& reader, Sources& sources, Messages& messages)
+        : reader(reader), sources(sources), messages(messages) {}
+
+    // *place* is where the file is asked for; nowhere for the first one.
+    void load(std::string const& path, TextRange const& place) {
+        if (sources.find(path) != TextRange::noFile)
+            return;  // read once, however often it is included
+        std::optional<std::string> content = reader.read(path);
+        if (!content) {
+            messages.error(place, "the file " + path + " cannot be read",
+                           "see that it is there and may be read");
+            return;
+        }
+        int const file = sources.add(path, std::move(*content));
+        text.files.push_back(std::make_unique<FileTree>(Parser(sources, file, messages).parse()));
+        FileTree const& tree = *text.files.back();
+        text.damaged.insert(tree.damaged.begin(), tree.damaged.end());
+        for (Statement const& statement : tree.body)
+            if (auto const* include = std::get_if<IncludeNode>(&statement.node))
+                follow(path, *include);
+            else
+                text.statements.push_back(&statement);
+    }
+
+    PlantText text;
+
+private:
+    void follow(std::string const& path, IncludeNode const& include) {
+        if (++depth > deepest)
+            messages.error(include.path.range, "files include each other too deeply",
+                           std::string("no more than ") + std::to_string(deepest) +
+                               " may stand in each other");
+        else
+            load(pathBeside(path, include.path.text), include.path.range);
+        --depth;
+    }
+
+    static constexpr int deepest = 100;
+
+    SourceReader& reader;
+    Sources& sources;
+    Messages& messages;
+    int depth = 0;
+};
+
+}  // namespace
+
+PlantText readPlantText(std::string const& path, SourceReader& reader, Sources& sources,
+                        Messages& messages) {
+    TextLoader loader(reader, sources, messages);
+    loader.load(path, {});
+    return std::move(loader.text);
+}

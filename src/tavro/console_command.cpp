@@ -1,0 +1,53 @@
+// `tavro console FILE ...`: the console of tavro-exec on a plant of one's own.
+#include <CLI/CLI.hpp>
+#include <cstdio>
+
+#include "console/console.h"
+#include "console/process.h"
+#include "language/language.h"
+#include "tavro/commands.h"
+#include "tavro/file_reader.h"
+
+namespace {
+
+// The name under which the console speaks of itself, whichever program it is in.
+constexpr char const* nameOfConsole = "tavro-exec";
+
+[[noreturn]] void run(PlantSource const& source, std::vector<std::string> const& words) {
+    std::string name = nameOfConsole;
+    std::vector<std::string> arguments(words.begin() + 1, words.end());
+    std::vector<char*> argv{name.data()};
+    for (std::string& argument : arguments)
+        argv.push_back(argument.data());
+    argv.push_back(nullptr);
+    runExecutive(source, static_cast<int>(argv.size()) - 1, argv.data());
+}
+
+// Warnings are for `tavro check`; a plant with errors is not run.
+int runConsoleOn(std::vector<std::string> const& words) {
+    if (words.empty()) {
+        std::fputs("tavro console: a plant is missing\nRun tavro console --help for more.\n",
+                   stderr);
+        return usageIsWrong;
+    }
+    keepStandardStreams();
+    FileReader reader;
+    PlantFile const file(words.front(), reader);
+    if (file.isSound())
+        run(file.source(), words);
+    std::fputs(rendered(file.messages(), file.sources()).c_str(), stderr);
+    return plantIsWrong;
+}
+
+}  // namespace
+
+// What stands behind the plant is the console's, options and all.
+void addConsole(CLI::App& program, int& status) {
+    CLI::App* command = program.add_subcommand("console", "Run the console on a plant");
+    command->prefix_command();
+    command->footer(
+        "  tavro console FILE [OPTION]... [INPUT-FILE] [MEASURE-FILE] [DISPLAY-FILE]\n"
+        "                [SCENARIO-FILE [MODE-FILE]]\n\n"
+        "tavro console FILE --help tells what this plant takes.");
+    command->callback([command, &status] { status = runConsoleOn(command->remaining()); });
+}

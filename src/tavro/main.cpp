@@ -1,0 +1,23 @@
+// The program `tavro`: what plants as text are for.
+#include <CLI/CLI.hpp>
+
+#include "tavro/commands.h"
+
+int main(int argc, char** argv) {
+    CLI::App program(
+        "Follows physical systems that are described as text: checks such plants and "
+        "runs them.",
+        "tavro");
+    program.set_version_flag("--version", "tavro " TAVRO_VERSION_TEXT);
+    program.require_subcommand(1);
+    int status = succeeded;
+    addCheck(program, status);
+    addConsole(program, status);
+    try {
+        program.parse(argc, argv);
+    } catch (CLI::ParseError const& error) {
+        // Of a question that was answered 0, else that of a wrong command line.
+        return program.exit(error) == 0 ? succeeded : usageIsWrong;
+    }
+    return status;
+}

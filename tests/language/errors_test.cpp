@@ -1,0 +1,396 @@
+// Every error, as it is shown. Each text has one mistake, so whatever else is told is a failure
+// too.
+#include <gtest/gtest.h>
+
+#include "language/text_fixture.h"
+
+using language_fixture::told;
+
+namespace {
+
+struct Mistake {
+    char const* name;
+    char const* text;
+    char const* shown;
+};
+
+void PrintTo(Mistake const& mistake, std::ostream* out) {
+    *out << mistake.name;
+}
+
+class ErrorsTest : public testing::TestWithParam<Mistake> {};
+
+TEST_P(ErrorsTest, IsToldWhole) {
+    EXPECT_EQ(told(GetParam().text), GetParam().shown);
+}
+
+std::string nameOf(testing::TestParamInfo<Mistake> const& info) {
+    return info.param.name;
+}
+
+Mistake const ofWords[] = {
+    {"Meaningless",
+     "plant p\ntype t {\n  mode off, on\n  move from off to on with 1 $$\n}\na: t()\n",
+     "p.plant:4:30: error: these characters have no meaning here\n"
+     "  4 |   move from off to on with 1 $$\n"
+     "    |                              ^^\n"
+     "    take them out; names are of letters, digits and _\n"},
+    {"TextWithoutEnd", "plant p\ntype t {\n  mode off\n}\na: t()\ninclude \"x.plant\n",
+     "p.plant:6:9: error: this text has no end\n"
+     "  6 | include \"x.plant\n"
+     "    |         ^^^^^^^^\n"
+     "    close it with \" on its line\n"
+     "\n"
+     "p.plant:6:9: error: the file x.plant cannot be read\n"
+     "  6 | include \"x.plant\n"
+     "    |         ^^^^^^^^\n"
+     "    see that it is there and may be read\n"},
+    {"NumberTooLarge", "plant p\nconstant a = 1e999\ntype t {\n  mode off\n}\na: t()\n",
+     "p.plant:2:14: error: this number cannot be held\n"
+     "  2 | constant a = 1e999\n"
+     "    |              ^^^^^\n"
+     "    its size must be from 1e-307 to 1e308\n"
+     "\n"
+     "p.plant:6:1: error: the name a is given a second time\n"
+     "  6 | a: t()\n"
+     "    | ^\n"
+     "    rename one of them; the other is in line 2\n"},
+    {"ReservedName", "plant p\ntype t {\n  variable to\n  mode off\n}\nb: t()\n",
+     "p.plant:3:12: error: to is a word of the language, and no name\n"
+     "  3 |   variable to\n"
+     "    |            ^^\n"
+     "    write the name of a variable\n"},
+    {"TwoStatementsOnALine", "plant p\ntype t {\n  mode off idle off with 1\n}\na: t()\n",
+     "p.plant:3:12: error: idle does not belong to this statement\n"
+     "  3 |   mode off idle off with 1\n"
+     "    |            ^^^^\n"
+     "    end the statement before it, by a new line or a semicolon\n"},
+    {"BraceThatClosesNothing", "plant p\n}\ntype t { mode off }\na: t()\n",
+     "p.plant:2:1: error: this } closes nothing\n"
+     "  2 | }\n"
+     "    | ^\n"
+     "    take it out\n"},
+    {"BraceThatIsNeverClosed", "plant p\na: t()\ntype t {\n  mode off\n",
+     "p.plant:3:8: error: this { is never closed\n"
+     "  3 | type t {\n"
+     "    |        ^\n"
+     "    write } behind the last statement of the type\n"},
+    {"ParenthesisThatIsNeverClosed",
+     "plant p\nsample 1 s\ntype t {\n  variable x = 0\n  x integrates 2 * (1 + 3\n  measure "
+     "x\n}\na: "
+     "t()\n",
+     "p.plant:5:26: error: here stands the end of the line\n"
+     "  5 |   x integrates 2 * (1 + 3\n"
+     "    |                          ^\n"
+     "    expected is )\n"},
+    {"NoEquation", "plant p\ntype t {\n  mode off\n  mode1 off\n}\na: t()\n",
+     "p.plant:4:9: error: here stands off\n"
+     "  4 |   mode1 off\n"
+     "    |         ^^^\n"
+     "    expected is =, follows, integrates, lags or responds to\n"},
+    {"MoveFromNowhere",
+     "plant p\ntype t {\n  mode off, on\n  move to on with 1\n  fail from off to "
+     "on with 1\n}\na: t()\n",
+     "p.plant:4:3: error: this move leaves no mode\n"
+     "  4 |   move to on with 1\n"
+     "    |   ^^^^\n"
+     "    write from and the mode that it leaves\n"},
+    {"MoveToNowhere", "plant p\ntype t {\n  mode off\n  move from off with 1\n}\na: t()\n",
+     "p.plant:4:3: error: this move leads nowhere\n"
+     "  4 |   move from off with 1\n"
+     "    |   ^^^^\n"
+     "    write to and the mode that it leads to\n"},
+    {"MoveWithoutProbability", "plant p\ntype t {\n  mode off\n  fail from off to on\n}\na: t()\n",
+     "p.plant:4:3: error: this move has no probability\n"
+     "  4 |   fail from off to on\n"
+     "    |   ^^^^\n"
+     "    write with and a number from 0 to 1\n"},
+};
+INSTANTIATE_TEST_SUITE_P(Words, ErrorsTest, testing::ValuesIn(ofWords), nameOf);
+
+Mistake const ofNames[] = {
+    {"NothingOfThatName",
+     "plant p\nsample 1 s\ntype t {\n  variable xdq, xd\n  xd = 2 * xdp\n  measure xd, xdq\n}\na: "
+     "t()\n",
+     "p.plant:5:12: error: there is nothing of the name xdp\n"
+     "  5 |   xd = 2 * xdp\n"
+     "    |            ^^^\n"
+     "    did you mean xdq?\n"},
+    {"NoMember",
+     "plant p\ntype t(o) {\n  mode off, on\n  fail from off when o.mood = on to on with 1\n}\n"
+     "a: t(o = b)\nb: t(o = a)\n",
+     "p.plant:4:24: error: a component of type t has no mood\n"
+     "  4 |   fail from off when o.mood = on to on with 1\n"
+     "    |                        ^^^^\n"
+     "    did you mean mode?\n"},
+    {"NoType", "plant p\ntype lamp {\n  mode off\n}\na: lamb()\nb: lamp()\n",
+     "p.plant:5:4: error: there is no type lamb\n"
+     "  5 | a: lamb()\n"
+     "    |    ^^^^\n"
+     "    did you mean lamp?\n"},
+    {"NameTwice", "plant p\ntype t {\n  mode off\n  command mode: none\n}\na: t()\n",
+     "p.plant:4:11: error: the name mode is given a second time\n"
+     "  4 |   command mode: none\n"
+     "    |           ^^^^\n"
+     "    rename one of them; the other is in line 3\n"},
+    {"NoValue",
+     "plant p\ntype t {\n  mode off, on\n  command c: none, go\n  fail from off when c = "
+     "goo to on with 1\n}\na: t()\n",
+     "p.plant:5:26: error: c has no value goo\n"
+     "  5 |   fail from off when c = goo to on with 1\n"
+     "    |                          ^^^\n"
+     "    did you mean go?\n"},
+    {"NoMode",
+     "plant p\ntype t {\n  mode dark, lit\n  fail from dark to burnt with 1\n  move from "
+     "dark to lit with 1\n}\na: t()\n",
+     "p.plant:4:21: error: there is no mode burnt\n"
+     "  4 |   fail from dark to burnt with 1\n"
+     "    |                     ^^^^^\n"
+     "    the modes are dark or lit\n"},
+    {"SeveralModes",
+     "plant p\ntype t {\n  mode a: on, off\n  mode b: on, off\n  fail from on to a = off with 1\n"
+     "  fail from b = on to b = off with 1\n}\nc: t()\n",
+     "p.plant:5:13: error: several variables have a mode on\n"
+     "  5 |   fail from on to a = off with 1\n"
+     "    |             ^^\n"
+     "    say of which, as in a = on\n"},
+    {"ArgumentMissing", "plant p\ntype t(k) {\n  mode off\n}\na: t()\n",
+     "p.plant:5:1: error: a does not say what its k is\n"
+     "  5 | a: t()\n"
+     "    | ^\n"
+     "    write k = ... in the parentheses\n"},
+    {"ArgumentUnknown", "plant p\ntype t(gain = 1) {\n  mode off\n}\na: t(gian = 2)\n",
+     "p.plant:5:6: error: the type t does not ask for gian\n"
+     "  5 | a: t(gian = 2)\n"
+     "    |      ^^^^\n"
+     "    did you mean gain?\n"},
+    {"NoElement",
+     "plant p\ntype t {\n  mode off, on\n  observe o: x, y\n}\na[1..3]: t()\n"
+     "clause a[4].mode = on implies a[1].o = x\nclause a[1].mode in (off, on)\n",
+     "p.plant:7:10: error: a has no element of this number\n"
+     "  7 | clause a[4].mode = on implies a[1].o = x\n"
+     "    |          ^\n"
+     "    they go from 1 to 3\n"},
+    {"NoName", "type t {\n  mode off\n}\na: t()\n",
+     "error: the plant has no name\n"
+     "  begin the file with plant and a name\n"},
+    {"NoPeriod", "plant p\ntype t {\n  variable x\n  measure x\n}\na: t()\n",
+     "p.plant:1:7: error: this plant has variables and no sample period\n"
+     "  1 | plant p\n"
+     "    |       ^\n"
+     "    write, for example, sample 1 s\n"},
+    {"NoComponents", "plant p\ntype t {\n  mode off\n}\n",
+     "p.plant:1:7: error: this plant has no components\n"
+     "  1 | plant p\n"
+     "    |       ^\n"
+     "    make one of a type, such as room: room()\n"},
+};
+INSTANTIATE_TEST_SUITE_P(Names, ErrorsTest, testing::ValuesIn(ofNames), nameOf);
+
+// Line 3 is in a type with the variables x and y and the modes off and on.
+std::string inType(std::string const& statement) {
+    return "plant p; sample 1 s\ntype t { variable x = 0, y; mode off, on; command c: none, go\n "
+           " " +
+           statement + "\n  x integrates y; measure x, y; fail from off to on with 0.1 }\na: t()\n";
+}
+
+// What is shown of a mistake in line 3, from *column* on for *width* characters.
+std::string shown(std::string const& statement, int column, int width, std::string const& text,
+                  std::string const& advice) {
+    return "p.plant:3:" + std::to_string(column) + ": error: " + text + "\n  3 |   " + statement +
+           "\n    | " + std::string(static_cast<std::size_t>(column - 1), ' ') +
+           std::string(static_cast<std::size_t>(width), '^') + "\n    " + advice + "\n";
+}
+
+struct Slip {
+    char const* statement;
+    int column, width;
+    char const* text;
+    char const* advice;
+};
+
+void PrintTo(Slip const& slip, std::ostream* out) {
+    *out << slip.statement;
+}
+
+class SlipsTest : public testing::TestWithParam<Slip> {};
+
+TEST_P(SlipsTest, IsToldWhole) {
+    Slip const& slip = GetParam();
+    EXPECT_EQ(told(inType(slip.statement)),
+              shown(slip.statement, slip.column, slip.width, slip.text, slip.advice));
+}
+
+Slip const slips[] = {
+    // Numbers
+    {"parameter a = x", 17, 1, "x is not a number",
+     "a variable changes from step to step: use a constant or a parameter here"},
+    {"parameter a = 1 / 0", 21, 1, "this divides by 0", "divide by something else than 0"},
+    {"parameter a = 1 / [-1, 1]", 21, 7, "this divides by an interval that holds 0",
+     "divide by something else than 0"},
+    {"parameter a = [1, 2]", 17, 6, "a parameter is one number",
+     "use the interval in the equations, or a constant of that name"},
+    {"parameter a = 1e200 * 1e200", 17, 13, "this number is too large to be held",
+     "choose units in which it is smaller"},
+    {"variable z = [2, 1]; y = z", 16, 6, "this interval ends before it begins",
+     "write the smaller number first"},
+    {"parameter a = a", 13, 1, "the value of a is worked out from itself", "give it a number"},
+    // Equations
+    {"y = x * y", 7, 5, "the product of two variables is not linear",
+     "enclose one of them by an interval, or use a constraint"},
+    {"y = 2 / x", 11, 1, "a division by a variable is not linear",
+     "enclose one of them by an interval, or use a constraint"},
+    {"y = x ^ 2", 7, 5, "a power of a variable is not linear",
+     "enclose it by an interval times the variable, or use a constraint"},
+    {"y = 2 * (x + 1)", 11, 7, "this sum in parentheses holds a variable",
+     "write its terms one by one"},
+    {"y = x @ 1.5", 11, 3,
+     "a delay in steps must be a whole number, of at least 0 and at most 1000000",
+     "write such a number"},
+    {"y = x @ 1.5 s", 11, 5, "this delay is no whole number of sample periods",
+     "write it in steps, or choose another sample period"},
+    {"y = x @ 3..2", 7, 8, "this delay ends before it begins", "write the shorter delay first"},
+    {"y = 3 @ 1", 7, 5, "only a variable can be delayed", "write x @ 1 for a variable x"},
+    {"y = mode", 7, 4, "mode is no number and no variable", "an equation is made of these"},
+    {"l: y = x + 2 * x", 3, 1, "this label stands before several terms",
+     "write a label before each term, as in y = i1: 2 * u + i2: 3 * v"},
+    {"y = l: x + l: 2 * x", 14, 1, "two terms are labelled a.l",
+     "give them labels of their own, or none"},
+    {"y responds to x by (1 + s^3) / (1 + s^2)", 27, 3,
+     "this transfer function is of higher than second order", "divide it into several variables"},
+    // Conditions
+    {"y = x when c = go", 14, 6, "an influence cannot depend on c, which is a command",
+     "let a move change a mode, and ask for the mode"},
+    {"y = x when mode", 14, 4, "this is no condition", "compare something, as in mode = mode"},
+    {"y = x when mode < on", 14, 9, "mode has values that have no order", "ask with = or !="},
+    {"y = x when 1 < 2", 14, 5, "this compares numbers, and never changes", "compare a variable"},
+    {"y = x when x < [1, 2]", 18, 6, "a variable is compared with one number",
+     "write in before an interval"},
+    {"region r: lo when x < 1 or x > 2, hi when x >= 1", 21, 14,
+     "a region is an interval of one variable",
+     "compare the variable with numbers: x < 10, or 10 <= x < 17"},
+    {"region r: lo when 2 < x < 1, hi when x >= 1", 21, 9, "no value of x can be there",
+     "put the lower threshold first"},
+    // Moves
+    {"move from on to on with 1", 19, 2, "this move stays where it is",
+     "write idle, in place of move from and to"},
+    {"move from on to off with 2", 28, 1, "a probability lies between 0 and 1",
+     "write such a number"},
+    {"move from on when x > 1 to off with 1", 21, 5,
+     "a guard asks for modes, regions, commands and observables, and x is a variable",
+     "make a region with this threshold, and ask for its value"},
+    {"move from on when c = go or c = none to off with 1", 21, 18, "a guard cannot say or",
+     "write a move for each case"},
+    {"move from c = go to off with 1", 13, 6,
+     "a move leads from one mode of its component to another",
+     "write the mode alone, or for one of several variables power = on"},
+    {"clause x > 1 implies c = go", 10, 5,
+     "x is a variable, and a clause is over modes, regions, commands and observables",
+     "make a region of the variable, and ask for its value"},
+    // Lists
+    {"display z", 11, 1, "there is nothing of the name z", "declare it, or correct its spelling"},
+    {"display x; display mode", 22, 4, "mode is no variable, and here belongs a variable",
+     "name a variable"},
+    // Units
+    {"parameter a [furlong] = 1", 16, 7, "there is no unit furlong",
+     "units are m g s A K mol cd Hz N Pa bar J W C V ohm F H L with their prefixes, and min h d "
+     "rad percent degC"},
+    {"parameter a [m] = 3 [cm]", 21, 6, "this value is in 0.01 m, and m belongs here",
+     "units are not converted: write it in m"},
+    {"variable h [m], v [m/s] ; h = v; v = 2 * h; display h, v", 33, 1,
+     "this is in m*s^-1, and m belongs here", "correct the unit, or the equation"},
+    {"y responds to x by (1 + s) / (1 + s)", 17, 1,
+     "a transfer function has a numerator of first order at most and a denominator of second "
+     "order",
+     "write by (n1 + n2 s) / (d0 + d1 s + d2 s^2)"},
+    {"y lags x within 3 [m]", 19, 5, "this time is in m, and s belongs here",
+     "correct the unit, or the equation"},
+};
+INSTANTIATE_TEST_SUITE_P(Statements, SlipsTest, testing::ValuesIn(slips));
+
+// ---- All in one go, and none that only follows ----
+
+TEST(ErrorsTest, AllAreToldInOneGo) {
+    std::string const all = told(
+        "plant p\n"
+        "sample 1 parsec\n"
+        "type t {\n"
+        "  variable x = 0,\n"
+        "  mode off, on\n"
+        "  x integrates 2 * z\n"
+        "  move from off to onn with 3\n"
+        "}\n"
+        "a: t()\n");
+    std::size_t count = 0;
+    for (std::size_t at = 0; (at = all.find("error: ", at)) != std::string::npos; ++at)
+        ++count;
+    // parsec; the comma that nothing follows; z; onn; 3.
+    EXPECT_EQ(count, 5u) << all;
+}
+
+TEST(ErrorsTest, WhatFollowsFromAnotherIsNotTold) {
+    EXPECT_EQ(told("plant p\nsample 1 s\ntype t {\n  variable x [ = 3\n  x integrates 2\n  measure "
+                   "x\n}\na: t()\n"),
+              "p.plant:4:16: error: here stands =\n"
+              "  4 |   variable x [ = 3\n"
+              "    |                ^\n"
+              "    expected is a unit, such as m or kg/s\n");
+}
+
+TEST(ErrorsTest, ATypeWithAWrongHeaderIsStillRead) {
+    EXPECT_EQ(told("plant p\ntype t( {\n  mode off, off\n}\na: t()\n"),
+              "p.plant:2:9: error: here stands {\n"
+              "  2 | type t( {\n"
+              "    |         ^\n"
+              "    expected is the name of something that each instance gives\n");
+}
+
+TEST(ErrorsTest, ManyInstancesTellAMistakeOfTheirTypeOnce) {
+    EXPECT_EQ(told("plant p\ntype t {\n  mode off\n  idle on with 1\n}\na[1..50]: t()\n"),
+              "p.plant:4:8: error: there is no mode on\n"
+              "  4 |   idle on with 1\n"
+              "    |        ^^\n"
+              "    the modes are off\n");
+}
+
+TEST(ErrorsTest, DeepNestingIsAMistake) {
+    std::string const open(5000, '('), close(5000, ')');
+    std::string const shown = told("plant p\nsample 1 s\ntype t {\n  parameter a = " + open + "1" +
+                                   close + "\n  mode off\n}\na: t()\n");
+    EXPECT_NE(shown.find("error: this is nested too deeply"), std::string::npos) << shown;
+    EXPECT_EQ(shown.find("error: ", shown.find("error: ") + 1), std::string::npos) << shown;
+}
+
+TEST(ErrorsTest, LongListsAreNotDeep) {
+    std::string sum = "1";
+    for (int i = 0; i < 100000; ++i)
+        sum += " + 1";
+    EXPECT_EQ(told("plant p\nsample 1 s\ntype t {\n  parameter a = " + sum +
+                   "\n  variable x\n  x = a; measure x\n}\na: t()\n"),
+              "");
+}
+
+// ---- Includes ----
+
+TEST(ErrorsTest, AMistakeInAnIncludedFileIsToldThere) {
+    language_fixture::TextReader reader(
+        {{"d/p.plant", "plant p\ninclude \"lib/t.plant\"\na: t()\n"},
+         {"d/lib/t.plant", "type t {\n  mode off,\n}\n"}});
+    PlantFile const file("d/p.plant", reader);
+    EXPECT_EQ(rendered(file.messages(), file.sources()),
+              "d/lib/t.plant:2:12: error: here stands the end of the line\n"
+              "  2 |   mode off,\n"
+              "    |            ^\n"
+              "    expected is a value\n");
+}
+
+TEST(ErrorsTest, FilesMayIncludeEachOther) {
+    language_fixture::TextReader reader(
+        {{"p.plant", "plant p\ninclude \"t.plant\"\na: t()\n"},
+         {"t.plant", "include \"p.plant\"\ntype t {\n  mode off\n}\n"}});
+    PlantFile const file("p.plant", reader);
+    EXPECT_EQ(rendered(file.messages(), file.sources()), "");
+    EXPECT_EQ(file.flat().components.size(), 1u);
+}
+
+}  // namespace

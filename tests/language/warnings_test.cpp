@@ -1,0 +1,98 @@
+// Every warning, as it is shown, and what looks like it and is meant.
+#include <gtest/gtest.h>
+
+#include "language/text_fixture.h"
+
+using language_fixture::told;
+
+namespace {
+
+TEST(WarningsTest, AModeThatNothingEnters) {
+    EXPECT_EQ(told("plant p\ntype t {\n  mode on, off, lost\n  observe o: x, y\n  move from on to "
+                   "off with 1\n  clause mode = on iff o = x\n}\na: t()\n"),
+              "p.plant:3:17: warning: nothing enters the mode lost\n"
+              "  3 |   mode on, off, lost\n"
+              "    |                 ^^^^\n"
+              "    write a move or a fault that leads to it, or take it out\n");
+}
+
+// The mode it starts in, and the one that stands for all that has no name.
+TEST(WarningsTest, TheFirstModeAndUnknownNeedNoEntrance) {
+    EXPECT_EQ(told("plant p\ntype t {\n  mode on, unknown\n}\na: t()\n"), "");
+}
+
+// 0.6 and 0.7 are due at once.
+TEST(WarningsTest, ProbabilitiesOverOne) {
+    EXPECT_EQ(
+        told("plant p\ntype t {\n  mode on, off\n  observe o: x, y\n  clause mode = on iff o = "
+             "x\n  move from on to off with 0.6\n  idle on with 0.2\n  fail from on to off "
+             "with 0.7\n}\na: t()\n"),
+        "p.plant:6:3: warning: the moves that leave on while this one is due have "
+        "probabilities that sum to 1.3\n"
+        "  6 |   move from on to off with 0.6\n"
+        "    |   ^^^^^^^^^^^^^^^^^^^^^^^^^^^^\n"
+        "    let them sum to 1\n"
+        "\n"
+        "p.plant:7:3: warning: the moves that leave on while this one is due have "
+        "probabilities that sum to 1.3\n"
+        "  7 |   idle on with 0.2\n"
+        "    |   ^^^^^^^^^^^^^^^^\n"
+        "    let them sum to 1\n"
+        "\n"
+        "p.plant:8:3: warning: the moves that leave on while this one is due have "
+        "probabilities that sum to 1.3\n"
+        "  8 |   fail from on to off with 0.7\n"
+        "    |   ^^^^^^^^^^^^^^^^^^^^^^^^^^^^\n"
+        "    let them sum to 1\n");
+}
+
+// The guarded move takes what the idle one has otherwise: each situation sums to 1.
+TEST(WarningsTest, SituationsAreSummedOneByOne) {
+    EXPECT_EQ(
+        told("plant p\ntype t {\n  command c: none, go\n  mode on, off\n  observe o: x, y\n  "
+             "clause mode = on iff o = x\n  move from on when c = go to off with 0.99\n  idle "
+             "on when c != go with 0.99\n  fail from on to off with 0.01\n  idle off with "
+             "1\n}\na: t()\n"),
+        "");
+}
+
+std::string lamp(std::string const& list) {
+    return "plant p\nsample 1 s\ntype t {\n  variable x\n  mode on, off\n  x = 1 when mode = on\n "
+           " " +
+           list +
+           " x\n  fail from on to off with 0.01\n  idle on with 0.99\n  idle off with 1\n}\na: "
+           "t()\n";
+}
+
+TEST(WarningsTest, AFaultThatNoMeasureShows) {
+    EXPECT_EQ(told(lamp("display")),
+              "p.plant:8:3: warning: no measure can show this fault\n"
+              "  8 |   fail from on to off with 0.01\n"
+              "    |   ^^^^^^^^^^^^^^^^^^^^^^^^^^^^^\n"
+              "    measure something that depends on a.mode\n");
+    EXPECT_EQ(told(lamp("measure")), "");
+}
+
+TEST(WarningsTest, AVariableThatNothingReads) {
+    EXPECT_EQ(
+        told("plant p\nsample 1 s\ntype t {\n  variable x, y\n  x = 1\n  y = 2 * x\n  measure "
+             "x\n}\na: t()\n"),
+        "p.plant:4:15: warning: nothing reads the variable y\n"
+        "  4 |   variable x, y\n"
+        "    |               ^\n"
+        "    display it, use it, or take it out\n");
+}
+
+// What the check of plants finds is told at the place that it is about. In a loop the order of the
+// text is kept, so it is x that would have to wait for y.
+TEST(WarningsTest, FindingsOfTheCheckStandInTheText) {
+    EXPECT_EQ(
+        told("plant p\nsample 1 s\ntype t {\n  variable x, y\n  x = y\n  y = 2 * x\n  measure "
+             "x\n}\na: t()\n"),
+        "p.plant:5:3: error: influence a.i1 closes a loop without delay from a.x to itself\n"
+        "  5 |   x = y\n"
+        "    |   ^^^^^\n"
+        "    give one of its influences a delay\n");
+}
+
+}  // namespace
