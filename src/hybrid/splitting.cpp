@@ -72,7 +72,6 @@ void splitRuntime(RunState& run, std::unique_ptr<hybTrajectory> candidate, HybMa
 void splitTrajs(RunState& run, RunOptions const& options) {
     for (auto& entry : run.tracked_trajs)
         splitRuntime(run, std::move(entry.second), run.ntrajs, options.multi, options.mode);
-    assert(run.ntrajs.size() >= run.tracked_trajs.size());  // a split loses no candidate
     run.hybNT = nullptr;
     run.tracked_trajs = std::move(run.ntrajs);
     run.ntrajs.clear();

@@ -29,7 +29,6 @@ Clause::Clause(Atom* atom, bool sign, Comp* comp) : comp(comp) {
 Clause::Clause(Clause const* source) : atoms(source->atoms), comp(source->comp) {}
 
 void Clause::addAtom(Atom* atom, bool sign) {
-    assert(atom != nullptr);
     atoms.insert({sign, atom});
 }
 

@@ -71,7 +71,10 @@ public:
         }
     }
 
-    void forgetMeasures() { plant.rt.measure.clear(); }
+    void forgetMeasures() {
+        plant.rt.measure.clear();
+        sizeArrays(plant.rt);
+    }
     s_runtime const& runtime() const { return plant.rt; }
 
 private:

@@ -66,7 +66,9 @@ TEST_F(ItmsBranch, TheFlipStandsOnTheClauseAndAboveAllItsElements) {
     Clause* clause = model.clause("p q");
     model.start();
     model.label("!p !q");
+    model.elt("p")->support = model.clause("!p");
     model.elt("p")->propagationNumber = 6;
+    model.elt("q")->support = model.clause("!q");
     model.elt("q")->propagationNumber = 3;
     auto const branch = model.resolve(clause, searching, "q");
     EXPECT_EQ(in(branch, "p")->support, clause);

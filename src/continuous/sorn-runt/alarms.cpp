@@ -115,7 +115,6 @@ void sn_resetMs(s_runtime* rt) {
 }
 
 int sn_checkMs(s_runtime* rt, int threshold) {
-    assert(threshold > 0);
     for (s_Variable* measure : rt->measure)
         check(measure, rt->engine->rules, rt->precision, threshold);
     return 1;

@@ -153,7 +153,7 @@ std::unique_ptr<scenarEvent> Scheduler::readFromScenario() {
 }
 
 void Scheduler::addCommandEvent(Atom* atom, int when) {
-    assert(atom != nullptr && atom->getVarType() == typeCommand);
+    assert(atom != nullptr);
     double key = when;
     for (;; key += 1.0) {
         auto& event = scenario[key];
