@@ -4,14 +4,16 @@
 #include "tavro/commands.h"
 
 int main(int argc, char** argv) {
-    CLI::App program("Follows physical systems that are described as text: checks such plants and "
-                     "runs them.",
-                     "tavro");
+    CLI::App program(
+        "Follows physical systems that are described as text: checks such plants and "
+        "runs them.",
+        "tavro");
     program.set_version_flag("--version", "tavro " TAVRO_VERSION_TEXT);
     program.require_subcommand(1);
     int status = succeeded;
     addCheck(program, status);
     addConsole(program, status);
+    addSimulate(program, status);
     try {
         program.parse(argc, argv);
     } catch (CLI::ParseError const& error) {
