@@ -41,6 +41,16 @@ Observations allFalse(std::vector<Atom*> const& atoms) {
     return observations;
 }
 
+// By the rule `histories` a failure may also have come since the last step of the history.
+TrajectoryMap explain(RunState& run, Trajectory& history, Observations const& observations) {
+    TrajectoryMap found = run.scheduler.Diagnose(&history, observations);
+    if (!found.empty() || !run.rules.histories)
+        return found;
+    if (run.scheduler.addQuietStep(&history))
+        found = run.scheduler.Diagnose(&history, observations);
+    return found;
+}
+
 }  // namespace
 
 void insertDiagnosis(RunState& run, std::unique_ptr<hybTrajectory> candidate, HybMap& out) {
@@ -51,7 +61,7 @@ void insertDiagnosis(RunState& run, std::unique_ptr<hybTrajectory> candidate, Hy
         hybTrajectory const copy(candidate.get(), candidate->traj->getCurrentTime() + 1);
         if (run.rules.again)
             settleMoves(*copy.traj);
-        TrajectoryMap const results = run.scheduler.Diagnose(copy.traj.get(), allFalse(set));
+        TrajectoryMap const results = explain(run, *copy.traj, allFalse(set));
         for (auto const& result : results)
             out.emplace(result.first, std::make_unique<hybTrajectory>(
                                           result.second.get(), sn_copyRuntime(copy.rt.get())));

@@ -92,6 +92,10 @@ public:
     // can hold its effect. Throws RunStopped when the events are impossible.
     bool takeFailure(Trajectory* traj, s_runtime* rt, Transition* failure,
                      SignedAtoms const& events, double when);
+    // Adds a step now at which every mode stays as it is, by the idle moves of the plant; a history
+    // has steps only where something moved, and what fails between two of them, or before the
+    // first, has none to stand at. False, with the history as it was, when no mode may stay.
+    bool addQuietStep(Trajectory* traj);
     void addBridgeConditions(ElementTable const& table);
     // Fixes the events of the continuous side in the current state.
     void addContEvents(Trajectory* traj);

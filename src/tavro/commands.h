@@ -11,7 +11,10 @@ enum Status {
     succeeded = 0,
     plantIsWrong = 1,
     usageIsWrong = 2,
+    dataIsWrong = 4,
+    outputIsLost = 5,
 };
 
 void addCheck(CLI::App& program, int& status);
 void addConsole(CLI::App& program, int& status);
+void addSimulate(CLI::App& program, int& status);

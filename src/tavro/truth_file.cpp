@@ -1,0 +1,83 @@
+#include "tavro/truth_file.h"
+
+#include <charconv>
+
+#include "continuous/records.h"
+#include "model/Comprt.h"
+#include "model/StateVar.h"
+#include "model/labels.h"
+
+namespace {
+
+// The shortest text that reads as the same number.
+std::string text(double value) {
+    char buffer[32];
+    return {buffer, std::to_chars(buffer, buffer + sizeof buffer, value).ptr};
+}
+
+std::string valueOf(truth::Simulator const& run, StateVar const& variable) {
+    Atom const* value = run.modes().valueOf(variable);
+    return value != nullptr ? value->value : "?";
+}
+
+// Parameters tell nothing that the plant does not.
+template <typename Tell>
+void forEachVariable(Plant const& plant, Tell tell) {
+    for (auto const& variable : plant.tavro_rt->dico)
+        if (!variable->isParam)
+            tell(*variable);
+}
+
+std::string atomsOf(Plant const& plant, truth::Simulator const& run, char const* type) {
+    std::string line;
+    for (StateVar const* variable : plant.stateVars)
+        if (variable->getType() == type)
+            if (Atom const* value = run.modes().valueOf(*variable))
+                line += " " + value->id;
+    return line;
+}
+
+}  // namespace
+
+std::string MeasureFile::line(truth::Simulator const& run) const {
+    std::string line;
+    for (double const value : run.measures())
+        line += text(value) + " ";
+    line += "  # k=" + std::to_string(run.now());
+    forEachVariable(plant, [&](s_Variable const& variable) {
+        line +=
+            " " + variable.nom + "=" + text(run.values()[static_cast<std::size_t>(variable.slot)]);
+    });
+    for (StateVar const* variable : plant.stateVars)
+        line += " " + variable->getName() + "=" + valueOf(run, *variable);
+    return line + "\n";
+}
+
+std::string TruthTable::heading() const {
+    std::string line = "step,time";
+    for (s_Variable const* measure : plant.tavro_rt->measure)
+        line += "," + measure->nom;
+    forEachVariable(plant, [&](s_Variable const& variable) { line += ",true " + variable.nom; });
+    for (StateVar const* variable : plant.stateVars)
+        line += "," + variable->getName();
+    return line + "\n";
+}
+
+std::string TruthTable::line(truth::Simulator const& run) const {
+    std::string line = std::to_string(run.now()) + "," + text(run.now() * plant.tavro_rt->Ts);
+    for (double const value : run.measures())
+        line += "," + text(value);
+    forEachVariable(plant, [&](s_Variable const& variable) {
+        line += "," + text(run.values()[static_cast<std::size_t>(variable.slot)]);
+    });
+    for (StateVar const* variable : plant.stateVars)
+        line += "," + valueOf(run, *variable);
+    return line + "\n";
+}
+
+std::string ScenarioFile::line(truth::Simulator const& run) const {
+    if (run.now() == 0)
+        return "";
+    return "Command" + atomsOf(plant, run, typeCommand) + "\nObservation" +
+           atomsOf(plant, run, typeObservable) + "\n";
+}
