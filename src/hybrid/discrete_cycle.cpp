@@ -127,8 +127,11 @@ void stepAndCheck(RunState& run, RunOptions const& options, double time) {
 void tavroDiscreteCycle(RunState& run, RunOptions const& options, double time, bool& nominal) {
     bool const any = !run.tracked_trajs.empty();
     nominal = walkCandidates(run, options, time);
-    if (options.mode <= RUN_RESET)
+    if (options.mode <= RUN_RESET) {
+        // Nothing disagrees in a simulation, so that none of the ways to go is ever dropped.
+        limitCandidates(run, time, true);
         return;
+    }
     run.tracked_trajs.clear();
     if (nominal)
         keepNominal(run, options, time);

@@ -1,8 +1,9 @@
 // Rule `limit`: a bounded number of candidates is followed.
 //
 // The classic way has no bound. A candidate whose value lies on both sides of a threshold is split,
-// and while nothing agrees with the measures no candidate is dropped; so misbehaving candidates may
-// double at every step, until memory stops the run and with it the watch over the plant.
+// and while nothing agrees with the measures no candidate is dropped, nor ever in a simulation; so
+// candidates may double at every step, until memory stops the run and with it the watch over the
+// plant.
 //
 // What this does. When more than the allowed number is left after a step, equal candidates are
 // merged first, which loses nothing. Of the rest the likeliest stay: first one for each combination

@@ -236,6 +236,25 @@ TEST(Room, SimulationDoesNotLook) {
     }
 }
 
+// Every way that the room can go is followed: once it may have reached 17, each step adds some.
+TEST(Room, ASimulationKeepsToItsNumberOfCandidates) {
+    auto const mostOf = [](int allowed, std::string* told) {
+        tavro::Options options{.mode = tavro::Mode::simulate, .candidates = allowed};
+        if (told != nullptr)
+            options.messages = [told](std::string_view line) { *told += line; };
+        tavro::Run run(Plant::builtin("therm"), options);
+        run.start({.measures = {0.93835}});
+        std::size_t most = 0;
+        for (int time = 1; time <= 26; ++time)
+            most = std::max(most, run.step({}).candidates.size());
+        return most;
+    };
+    EXPECT_GT(mostOf(0, nullptr), 3U);
+    std::string told;
+    EXPECT_EQ(mostOf(3, &told), 3U);
+    EXPECT_NE(told.find("The limit of 3 candidates is met"), std::string::npos);
+}
+
 TEST(Room, InterleavedRunsEqualRunsAlone) {
     std::vector<double> const sick = measuresOf("stuck_on"), well = measuresOf("healthy");
     Plant const plant = room();
