@@ -68,10 +68,16 @@ typedef enum tavro_names {
     TAVRO_OBSERVATIONS
 } tavro_names;
 
+/* The plants that are compiled into the library; their names live as long as the program. */
+TAVRO_C_API size_t tavro_builtin_count(void);
+TAVRO_C_API char const* tavro_builtin_name(size_t place);
 TAVRO_C_API tavro_code tavro_plant_builtin(char const* name, tavro_plant** plant);
 TAVRO_C_API void tavro_plant_free(tavro_plant* plant);
+/* The name of the plant itself. */
+TAVRO_C_API char const* tavro_plant_own_name(tavro_plant const* plant);
 TAVRO_C_API int tavro_plant_is_discrete(tavro_plant const* plant);
 TAVRO_C_API double tavro_plant_period(tavro_plant const* plant);
+/* How many names the plant has of one sort, and each of them. */
 TAVRO_C_API size_t tavro_plant_count(tavro_plant const* plant, tavro_names names);
 TAVRO_C_API char const* tavro_plant_name(tavro_plant const* plant, tavro_names names, size_t place);
 
@@ -122,6 +128,8 @@ typedef struct tavro_line {
 TAVRO_C_API tavro_code tavro_run_new(tavro_plant const* plant, tavro_options const* options,
                                      tavro_run** run);
 TAVRO_C_API void tavro_run_free(tavro_run* run);
+/* The time of the last step that ended well. */
+TAVRO_C_API double tavro_run_time(tavro_run const* run);
 /* Without a line: nothing is known. *step* may be null. */
 TAVRO_C_API tavro_code tavro_run_start(tavro_run* run, tavro_line const* line,
                                        tavro_step const** step);

@@ -6,6 +6,7 @@
 #include <new>
 #include <optional>
 
+#include "api/builtin_models.h"
 #include "tavro/tavro.h"
 #include "tavro/tavro.hpp"
 
@@ -207,6 +208,14 @@ char const* tavro_last_error(void) {
 
 // ---- Plants ----
 
+size_t tavro_builtin_count(void) {
+    return builtinModels().size();
+}
+
+char const* tavro_builtin_name(size_t place) {
+    return place < builtinModels().size() ? builtinModels()[place]->model_name : nullptr;
+}
+
 tavro_code tavro_plant_builtin(char const* name, tavro_plant** plant) {
     if (plant == nullptr)
         return missing("place for the plant");
@@ -218,6 +227,10 @@ tavro_code tavro_plant_builtin(char const* name, tavro_plant** plant) {
 
 void tavro_plant_free(tavro_plant* plant) {
     delete plant;
+}
+
+char const* tavro_plant_own_name(tavro_plant const* plant) {
+    return plant != nullptr ? plant->plant.name().c_str() : nullptr;
 }
 
 int tavro_plant_is_discrete(tavro_plant const* plant) {
@@ -267,6 +280,10 @@ tavro_code tavro_run_new(tavro_plant const* plant, tavro_options const* options,
 
 void tavro_run_free(tavro_run* run) {
     delete run;
+}
+
+double tavro_run_time(tavro_run const* run) {
+    return run != nullptr ? run->run.time() : std::numeric_limits<double>::quiet_NaN();
 }
 
 tavro_code tavro_run_start(tavro_run* run, tavro_line const* line, tavro_step const** step) {

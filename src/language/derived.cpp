@@ -1,4 +1,4 @@
-// Delays to measures, and orders of updates.
+// Orders of updates.
 #include "language/derived.h"
 
 #include <algorithm>
@@ -17,56 +17,6 @@ std::vector<std::vector<int>> causesOf(FlatPlant const& flat) {
         causes[static_cast<std::size_t>(flat.influences[i].effect)].push_back(static_cast<int>(i));
     return causes;
 }
-
-// A walk back from the measures. It is cut at measures and inputs, and where it went already with
-// as long a delay; and after the window, which no history outlasts.
-class DelayWalk {
-public:
-    explicit DelayWalk(FlatPlant const& flat)
-        : flat(flat),
-          causes(causesOf(flat)),
-          ends(flat.quantities.size(), false),
-          longest(flat.quantities.size(), -1),
-          kept(flat.influences.size(), 1) {
-        for (auto const* list : {&flat.measures, &flat.inputs})
-            for (QuantityRef const quantity : *list)
-                ends[static_cast<std::size_t>(quantity)] = true;
-    }
-
-    std::vector<int> run() {
-        for (QuantityRef const measure : flat.measures)
-            todo.push({measure, 0});
-        while (!todo.empty()) {
-            auto const [quantity, delay] = todo.front();
-            todo.pop();
-            leave(static_cast<std::size_t>(quantity), delay);
-        }
-        return std::move(kept);
-    }
-
-private:
-    void leave(std::size_t quantity, int delay) {
-        if (delay <= longest[quantity] || delay >= flat.window)
-            return;
-        longest[quantity] = delay;
-        for (int const number : causes[quantity]) {
-            auto const i = static_cast<std::size_t>(number);
-            FlatInfluence const& influence = flat.influences[i];
-            kept[i] = std::max(kept[i], delay + 1);
-            if (!ends[static_cast<std::size_t>(influence.cause)])
-                todo.push(
-                    {influence.cause, delay + influence.longestDelay +
-                                          (influence.form == EquationForm::firstOrder ? 1 : 0)});
-        }
-    }
-
-    FlatPlant const& flat;
-    std::vector<std::vector<int>> const causes;
-    std::vector<bool> ends;
-    std::vector<int> longest;
-    std::vector<int> kept;
-    std::queue<std::pair<QuantityRef, int>> todo;
-};
 
 // Reads what its cause has become in this very step.
 bool readsThisStep(FlatPlant const& flat, FlatInfluence const& influence) {
@@ -123,13 +73,6 @@ std::vector<QuantityRef> inCausalOrder(FlatPlant const& flat,
 }
 
 }  // namespace
-
-std::vector<int> keptConditions(FlatPlant const& flat) {
-    std::vector<int> kept = DelayWalk(flat).run();
-    for (std::size_t i = 0; i < kept.size(); ++i)
-        kept[i] = flat.influences[i].keeping.value_or(kept[i]);
-    return kept;
-}
 
 // A variable is worked out by the first of its causes that is no coupling.
 Updates updatesOf(FlatPlant const& flat) {

@@ -25,7 +25,6 @@ Lowering::Lowering(FlatPlant const& flat, Scheduler& scheduler)
       runtime(std::make_shared<s_runtime>()),
       rt(*runtime),
       builder(rt, flat.name, flat.period, flat.window),
-      kept(keptConditions(flat)),
       own(flat.components.size()),
       variables(flat.quantities.size()),
       choices(flat.choices.size()),
@@ -182,7 +181,7 @@ void Lowering::makeInfluence(Own& of, int number) {
     s_Influence* made = of.part->influence(
         from.name, typeOf(from.form), variables[static_cast<std::size_t>(from.cause)],
         variables[static_cast<std::size_t>(from.effect)], condition, from.gain.object(),
-        {.delay = from.longestDelay, .condHistoLn = kept[place], .useOpti = from.sharpened});
+        {.delay = from.longestDelay, .condHistoLn = from.keeping, .useOpti = from.sharpened});
     made->delayMin = from.shortestDelay;
     setCoefficients(from, *made);
     if (from.when && condition == nullptr)

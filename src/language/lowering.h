@@ -65,7 +65,6 @@ private:
     std::shared_ptr<s_runtime> runtime;
     s_runtime& rt;
     PlantBuilder builder;
-    std::vector<int> const kept;
     std::vector<Own> own;
     std::vector<s_Variable*> variables;
     std::vector<StateVar*> choices;

@@ -9,6 +9,7 @@
 #include "model/CondVarrt.h"
 #include "model/ModeVarrt.h"
 #include "model/transitionParts.h"
+#include "plant/condition_histories.h"
 #include "plant/numbering.h"
 
 namespace {
@@ -124,8 +125,11 @@ s_Condition* PlantPart::either(Atom* left, Atom* right) {
 s_Influence* PlantPart::influence(std::string const& nom, influType type, s_Variable* cause,
                                   s_Variable* effect, s_Condition* cond, s_Objet const& gain,
                                   InfluenceOptions const& options) {
-    influences.push_back(mkInfluence(plant.rt, nom, type, cause, effect, cond, options.condHistoLn,
-                                     gain, options.delay, options.useOpti));
+    influences.push_back(mkInfluence(plant.rt, nom, type, cause, effect, cond,
+                                     options.condHistoLn.value_or(1), gain, options.delay,
+                                     options.useOpti));
+    if (!options.condHistoLn)
+        plant.forgetful.push_back(influences.back());
     comp.addInfluence(influences.back());
     return influences.back();
 }
@@ -258,6 +262,12 @@ void PlantBuilder::lengthenHistories() {
     }
 }
 
+void PlantBuilder::lengthenConditionHistories() {
+    std::vector<int> const asked = askedConditionHistories(rt);
+    for (s_Influence* influence : forgetful)
+        setConditionHistory(*influence, asked[static_cast<std::size_t>(influence->slot)]);
+}
+
 void PlantBuilder::finish(std::vector<Comp const*> const& order) {
     std::vector<PlantPart const*> const ordered = partsInOrder(order);
     arrangeParts(ordered);
@@ -270,5 +280,6 @@ void PlantBuilder::finish(std::vector<Comp const*> const& order) {
         gvar->gcIdx = constraintsReading(rt, gvar);
     }
     lengthenHistories();
+    lengthenConditionHistories();
     sizeArrays(rt);
 }

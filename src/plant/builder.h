@@ -15,6 +15,8 @@
 //   acIdx, gcIdx          the places of constraints
 //   atomRef               the number of a condition in its part, from 1; 0 for one on an atom
 //   histories             the window, and the longest delay at which the variable is read
+//   condHisto             as far as the fault isolation looks back, from any measure downstream,
+//                         unless a length is given
 //
 // The order in which parts are opened decides the order of causes and effects alone; every other
 // order is that of the parts given to `finish`.
@@ -23,6 +25,7 @@
 #pragma once
 
 #include <deque>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -33,9 +36,9 @@ class PlantBuilder;
 
 // What an influence may say beside its cause and effect.
 struct InfluenceOptions {
-    int delay = 0;        // in cycles
-    int condHistoLn = 1;  // past values of the condition that are kept
-    int useOpti = 0;      // the bound search may sharpen it
+    int delay = 0;                        // in cycles
+    std::optional<int> condHistoLn = {};  // past values of the condition; computed without
+    int useOpti = 0;                      // the bound search may sharpen it
 };
 
 // The records of one component, in the order of their declaration. Belongs to its builder.
@@ -124,8 +127,10 @@ private:
     void numberConditions(std::vector<PlantPart const*> const& order);
     void linkAtoms();
     void lengthenHistories();
+    void lengthenConditionHistories();
 
     s_runtime& rt;
     std::deque<PlantPart> parts;
     std::vector<Link> links;
+    std::vector<s_Influence*> forgetful;  // their memory of the condition is to be computed
 };

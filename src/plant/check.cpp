@@ -32,7 +32,7 @@ std::vector<Finding> checkPlant(PlantParts const& parts) {
     checkNames(plant, parts, findings);
     checkStateVariables(plant, findings);
     checkClauses(plant, parts, findings);
-    checkTransitions(plant, parts.runtime, findings);
+    checkTransitions(plant, parts, findings);
     if (parts.runtime != nullptr)
         checkContinuousSide(*parts.runtime, plant, findings);
     else

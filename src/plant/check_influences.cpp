@@ -1,15 +1,15 @@
-// The influences: both ends are set, what they are worked out from is there, and no delay reaches
-// behind a history.
+// The influences: both ends are set, what they are worked out from is there, no delay reaches
+// behind a history, and each remembers its condition for as long as the isolation asks.
 #include <algorithm>
 
+#include "plant/condition_histories.h"
 #include "plant/findings.h"
 #include "plant/numbering.h"
 
 namespace {
 
 bool isNumber(std::optional<s_Objet> const& value) {
-    return value && isValue(*value) && sn_infOf(*value) == sn_infOf(*value) &&
-           sn_supOf(*value) == sn_supOf(*value);
+    return value && isSound(*value);
 }
 
 bool checkEnds(s_Influence const& influence, Findings& findings) {
@@ -84,11 +84,21 @@ void checkCoefficients(s_Influence const& influence, Findings& findings) {
         checkResponse(influence, findings);
     if (influence.type == INF_DYNAMIC2)
         checkSecondOrder(influence, findings);
+}
+
+// ---- Memory ----
+
+// A memory of length 0 holds one value all the same.
+void checkMemory(s_Influence const& influence, int asked, Findings& findings) {
     std::size_t const kept = static_cast<std::size_t>(std::max(influence.condHistoLn, 1));
     if (influence.condHistoLn < 0 || influence.condHisto.size() != kept)
         findings.refuse(nameOf(influence) + " keeps " + std::to_string(influence.condHisto.size()) +
                         " past values of its condition and says " +
                         std::to_string(influence.condHistoLn) + ": make both the same.");
+    else if (std::max(influence.condHistoLn, 1) < asked)
+        findings.refuse(nameOf(influence) + " keeps " + std::to_string(kept) +
+                        " past values of its condition, where the isolation of faults asks for " +
+                        std::to_string(asked) + ": keep as many.");
 }
 
 // ---- Components ----
@@ -114,8 +124,10 @@ void checkOwners(s_runtime const& rt, Holdings const& plant, Findings& findings)
 }  // namespace
 
 void checkInfluences(s_runtime const& rt, Holdings const& plant, Findings& findings) {
+    std::vector<int> const asked = askedConditionHistories(rt);
     for (auto const& influence : rt.influ) {
         checkCoefficients(*influence, findings);
+        checkMemory(*influence, asked[static_cast<std::size_t>(influence->slot)], findings);
         if (checkEnds(*influence, findings))
             checkDelays(*influence, findings);
     }

@@ -86,23 +86,28 @@ void checkLists(s_runtime const& rt, Findings& findings) {
 
 namespace {
 
-// A number or an interval that is not empty; NaN is neither.
-bool isSound(s_Objet const& value) {
-    if (isReal(value))
-        return value.real == value.real;
-    if (!isRange(value) || !(value.rng.inf <= value.rng.sup))
-        return false;
-    return value.rng.inf < value.rng.sup || (isInfClosed(value.rng) && isSupClosed(value.rng));
+bool lies(s_Objet const& value, s_Objet const& domain) {
+    s_Objet common = value;
+    return sn_interObjet(&common, &domain) == 1;
+}
+
+// A parameter may be given a domain, and then keeps to it.
+void checkParameter(s_Variable const& parameter, Findings& findings) {
+    if (!isSound(parameter.old))
+        findings.refuse(nameOf(parameter) + " has no value: give it one.");
+    else if (parameter.domain && !lies(parameter.old, *parameter.domain))
+        findings.refuse("The value " + textOf(parameter.old) + " of parameter " + parameter.nom +
+                        " is outside its domain " + textOf(*parameter.domain) +
+                        ": move one of them.");
 }
 
 void checkValue(s_Variable const& variable, Findings& findings) {
-    if (!variable.isParam) {
-        if (!variable.domain || !isSound(*variable.domain))
-            findings.refuse(nameOf(variable) +
-                            " has no domain: give it the bounds within which it can lie.");
-    } else if (!isSound(variable.old)) {
-        findings.refuse(nameOf(variable) + " has no value: give it one.");
-    }
+    bool const bounded = variable.domain && isSound(*variable.domain);
+    if (!bounded && (!variable.isParam || variable.domain))
+        findings.refuse(nameOf(variable) +
+                        " has no domain: give it the bounds within which it can lie.");
+    else if (variable.isParam)
+        checkParameter(variable, findings);
 }
 
 void checkHistories(s_runtime const& rt, s_Variable const& variable, Findings& findings) {
@@ -130,11 +135,6 @@ void checkVariables(s_runtime const& rt, Findings& findings) {
 // ---- Initial values ----
 
 namespace {
-
-bool lies(s_Objet const& value, s_Objet const& domain) {
-    s_Objet common = value;
-    return sn_interObjet(&common, &domain) == 1;
-}
 
 void checkInitial(s_InitVar const& initial, Findings& findings) {
     s_Variable const& variable = *initial.var;

@@ -1,5 +1,5 @@
 // The conditions that bound a variable: they are all listed, the engine splits the variable at
-// them, and together they leave no gap and no overlap.
+// them, none lies outside the variable's domain, and together they leave no gap and no overlap.
 //
 // Only thresholds that are constants can be compared before a run; others are passed over.
 #include <algorithm>
@@ -12,11 +12,15 @@
 
 namespace {
 
-std::string where(range const& r) {
+std::string textOf(range const& r) {
     s_Objet value;
     value.type = OBJ_RANGE;
     value.rng = r;
-    return (r.inf == r.sup ? " is " : " lies in ") + textOf(value);
+    return textOf(value);
+}
+
+std::string where(range const& r) {
+    return (r.inf == r.sup ? " is " : " lies in ") + textOf(r);
 }
 
 // ---- Lists ----
@@ -113,6 +117,17 @@ void checkEmptiness(s_Variable const& variable, Case const& one, Findings& findi
                         " lies between its thresholds: put the lower one first.");
 }
 
+void checkReachable(s_Variable const& variable, Case const& one, Findings& findings) {
+    if (!variable.domain || !isRange(*variable.domain) || !isSound(*variable.domain) ||
+        one.space.empty)
+        return;
+    if (intersection(one.space, {false, variable.domain->rng}).empty)
+        findings.refuse(nameOf(*one.atom) + " can never hold, since it asks for " +
+                        textOf(one.space.where) + " of " + variable.nom +
+                        ", which has the domain " + textOf(*variable.domain) +
+                        ": move one of them.");
+}
+
 void checkOverlap(s_Variable const& variable, StateVar const& discrete, Case const& one,
                   Case const& other, Findings& findings) {
     Space const common = intersection(one.space, other.space);
@@ -152,6 +167,7 @@ void checkCases(s_runtime const& rt, s_Variable const& variable, StateVar const&
                 std::vector<Case> const& cases, Findings& findings) {
     for (std::size_t i = 0; i < cases.size(); ++i) {
         checkEmptiness(variable, cases[i], findings);
+        checkReachable(variable, cases[i], findings);
         for (std::size_t j = i + 1; j < cases.size(); ++j)
             checkOverlap(variable, discrete, cases[i], cases[j], findings);
     }

@@ -1,7 +1,8 @@
 // The transitions: guards that can be met, probabilities that can be read, effects that lead
 // somewhere, and the references from the atoms back to them.
 //
-// A guard is read as its own literals alone, all or one of them by its operator.
+// A guard is read as its own literals, all or one of them by its operator, and as what the clauses
+// of the plant make of them by unit propagation.
 #include <algorithm>
 #include <cmath>
 #include <map>
@@ -12,8 +13,17 @@
 #include "model/labels.h"
 #include "plant/findings.h"
 #include "plant/numbering.h"
+#include "plant/propagation.h"
 
 namespace {
+
+// What every transition is held against.
+struct Surroundings {
+    Holdings const& plant;
+    s_runtime const* rt;  // null: a discrete plant
+    Propagation const& clauses;
+    bool const possible;  // the clauses leave a state; else that is told already
+};
 
 struct Subject {
     Comp const& comp;
@@ -65,15 +75,45 @@ std::map<std::string, std::pair<StateVar const*, Demand>> demandsOf(StateFormula
     return demands;
 }
 
-void checkSatisfiable(Subject const& subject, StateFormula const& guard, Findings& findings) {
+// False, and told, when the literals of a conjunction contradict each other.
+bool checkSatisfiable(Subject const& subject, StateFormula const& guard, Findings& findings) {
     if (guard.operat == "or")
-        return;
+        return true;
+    bool satisfiable = true;
     for (auto const& entry : demandsOf(guard)) {
         std::string const why = contradiction(*entry.second.first, entry.second.second);
-        if (!why.empty())
-            findings.refuse(subject.name + " can never fire: its guard " + why +
-                            ". Drop a literal.");
+        if (why.empty())
+            continue;
+        findings.refuse(subject.name + " can never fire: its guard " + why + ". Drop a literal.");
+        satisfiable = false;
     }
+    return satisfiable;
+}
+
+// The clauses that forbid all that would meet the guard; nothing when it may be met.
+std::vector<std::size_t> clausesAgainst(Propagation const& clauses, StateFormula const& guard) {
+    std::vector<Literal> literals;
+    for (auto const& [sign, atom] : guard.getAtoms())
+        literals.push_back({atom, sign});
+    if (guard.operat != "or")
+        return clauses.forbidding(literals);
+    std::set<std::size_t> all;
+    for (Literal const& literal : literals) {
+        std::vector<std::size_t> const against = clauses.forbidding({literal});
+        if (against.empty())
+            return {};
+        all.insert(against.begin(), against.end());
+    }
+    return {all.begin(), all.end()};
+}
+
+void checkAllowed(Surroundings const& around, Subject const& subject, StateFormula const& guard,
+                  Findings& findings) {
+    std::vector<std::size_t> const against =
+        around.possible ? clausesAgainst(around.clauses, guard) : std::vector<std::size_t>{};
+    if (!against.empty())
+        findings.refuse(subject.name + " can never fire: what its guard asks for is forbidden by " +
+                        nameOfClauses(against) + ". Drop a literal or change a clause.");
 }
 
 void checkRepetition(Subject const& subject, StateFormula const& guard, Findings& findings) {
@@ -96,7 +136,7 @@ void checkMode(Subject const& subject, Findings& findings) {
                         ": give it to the component of that variable.");
 }
 
-void checkGuard(Subject const& subject, Findings& findings) {
+void checkGuard(Surroundings const& around, Subject const& subject, Findings& findings) {
     StateFormula const& guard = *subject.transition.pre;
     if (guard.operat != "and" && guard.operat != "or" && !guard.operat.empty())
         findings.refuse(subject.name + " can never fire: its guard joins literals by \"" +
@@ -106,7 +146,8 @@ void checkGuard(Subject const& subject, Findings& findings) {
                       " has formulas within its guard, which are not read: write its literals "
                       "at the top.");
     checkMode(subject, findings);
-    checkSatisfiable(subject, guard, findings);
+    if (checkSatisfiable(subject, guard, findings))
+        checkAllowed(around, subject, guard, findings);
     checkRepetition(subject, guard, findings);
 }
 
@@ -230,13 +271,12 @@ bool isWhole(Holdings const& plant, Subject const& subject, Findings& findings) 
     return held;
 }
 
-void checkTransition(Holdings const& plant, Subject const& subject, s_runtime const* rt,
-                     Findings& findings) {
+void checkTransition(Surroundings const& around, Subject const& subject, Findings& findings) {
     checkProbability(subject, findings);
-    checkMappings(subject, rt, findings);
-    if (!isWhole(plant, subject, findings))
+    checkMappings(subject, around.rt, findings);
+    if (!isWhole(around.plant, subject, findings))
         return;
-    checkGuard(subject, findings);
+    checkGuard(around, subject, findings);
     checkGuardReferences(subject, findings);
     if (subject.transition.post) {
         checkEffect(subject, findings);
@@ -246,10 +286,13 @@ void checkTransition(Holdings const& plant, Subject const& subject, s_runtime co
 
 }  // namespace
 
-void checkTransitions(Holdings const& plant, s_runtime const* rt, Findings& findings) {
+void checkTransitions(Holdings const& plant, PlantParts const& parts, Findings& findings) {
+    Propagation const clauses(plant, parts);
+    bool const possible = clauses.forbidding({}).empty();
+    Surroundings const around{plant, parts.runtime, clauses, possible};
     for (Comp const* comp : plant.comps)
         for (std::size_t i = 0; i < comp->getCompTransitions().size(); ++i)
-            checkTransition(plant,
-                            {*comp, *comp->getCompTransitions()[i], nameOfTransition(*comp, i)}, rt,
+            checkTransition(around,
+                            {*comp, *comp->getCompTransitions()[i], nameOfTransition(*comp, i)},
                             findings);
 }

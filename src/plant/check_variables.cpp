@@ -5,6 +5,7 @@
 #include "model/CommandVar.h"
 #include "model/labels.h"
 #include "plant/findings.h"
+#include "plant/propagation.h"
 
 namespace {
 
@@ -185,6 +186,14 @@ void checkLiterals(Holdings const& plant, Clause const& clause, std::string cons
     }
 }
 
+// Some state is possible, as far as unit propagation sees.
+void checkTogether(Holdings const& plant, PlantParts const& parts, Findings& findings) {
+    std::vector<std::size_t> const conflict = Propagation(plant, parts).forbidding({});
+    if (!conflict.empty())
+        findings.refuse("No state is possible: " + nameOfClauses(conflict) +
+                        " can never hold together. Drop one.");
+}
+
 }  // namespace
 
 void checkClauses(Holdings const& plant, PlantParts const& parts, Findings& findings) {
@@ -201,4 +210,5 @@ void checkClauses(Holdings const& plant, PlantParts const& parts, Findings& find
             findings.refuse(name + " belongs to no component of the plant: name one.");
         checkLiterals(plant, *clause, name, findings);
     }
+    checkTogether(plant, parts, findings);
 }

@@ -25,6 +25,14 @@ Holdings::Holdings(PlantParts const& plant) {
         clauses.insert(clause.get());
 }
 
+bool isSound(s_Objet const& value) {
+    if (isReal(value))
+        return value.real == value.real;
+    if (!isRange(value) || !(value.rng.inf <= value.rng.sup))
+        return false;
+    return value.rng.inf < value.rng.sup || (isInfClosed(value.rng) && isSupClosed(value.rng));
+}
+
 // ---- Names ----
 
 std::string nameOf(s_Variable const& variable) {
@@ -49,6 +57,13 @@ std::string nameOfTransition(Comp const& comp, std::size_t i) {
 
 std::string nameOfClause(std::size_t i) {
     return "Clause " + std::to_string(i);
+}
+
+std::string nameOfClauses(std::vector<std::size_t> const& numbers) {
+    std::vector<std::string> words;
+    for (std::size_t const number : numbers)
+        words.push_back(std::to_string(number));
+    return (numbers.size() == 1 ? "clause " : "clauses ") + joined(words);
 }
 
 std::string nameOfConstraint(s_runtime const& rt, std::size_t i) {

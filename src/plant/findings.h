@@ -37,6 +37,9 @@ struct Holdings {
     std::unordered_set<StateVar const*> moving;  // some transition reaches an atom of it
 };
 
+// A number or an interval that is not empty; NaN is neither.
+bool isSound(s_Objet const& value);
+
 // ---- Names ----
 
 std::string nameOf(s_Variable const& variable);    // "Variable room.x", "Parameter room.m"
@@ -45,6 +48,8 @@ std::string nameOf(StateVar const& variable);
 std::string nameOf(Atom const& atom);
 std::string nameOfTransition(Comp const& comp, std::size_t i);  // "Transition 3 of room"
 std::string nameOfClause(std::size_t i);
+// "clause 3", "clauses 3 and 7"
+std::string nameOfClauses(std::vector<std::size_t> const& numbers);
 // "Constraint 2 of room.x"
 std::string nameOfConstraint(s_runtime const& rt, std::size_t i);
 // "[10, 12["; a number where the interval is a single point.
@@ -76,7 +81,7 @@ CondMap const* linksOf(StateVar const& variable);
 void checkNames(Holdings const& plant, PlantParts const& parts, Findings& findings);
 void checkStateVariables(Holdings const& plant, Findings& findings);
 void checkClauses(Holdings const& plant, PlantParts const& parts, Findings& findings);
-void checkTransitions(Holdings const& plant, s_runtime const* rt, Findings& findings);
+void checkTransitions(Holdings const& plant, PlantParts const& parts, Findings& findings);
 // A plant without a continuous side has no link to one.
 void checkNoLinks(Holdings const& plant, Findings& findings);
 

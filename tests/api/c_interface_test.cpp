@@ -59,6 +59,7 @@ TEST(C, FollowsTheStuckThermostat) {
         ASSERT_EQ(tavro_run_step(run.get(), &line, &step), TAVRO_OK);
     }
     EXPECT_EQ(tavro_step_time(step), 27.0);
+    EXPECT_EQ(tavro_run_time(run.get()), 27.0);
     EXPECT_EQ(tavro_step_diagnosed(step), 1);
     tavro_alarm alarm{};
     ASSERT_EQ(tavro_step_alarm(step, 0, &alarm), TAVRO_OK);
@@ -98,6 +99,31 @@ TEST(C, FollowsTheStuckThermostat) {
     EXPECT_LT(lower, upper);
     EXPECT_EQ(tavro_step_bounds(step, 0, "room.y", &lower, &upper), TAVRO_DATA);
     EXPECT_EQ(tavro_step_mode(step, 0, "room.x"), nullptr);
+}
+
+TEST(C, NamesThePlantsThatItHolds) {
+    ASSERT_EQ(tavro_builtin_count(), 2U);
+    EXPECT_STREQ(tavro_builtin_name(0), "therm");
+    EXPECT_STREQ(tavro_builtin_name(1), "line");
+    EXPECT_EQ(tavro_builtin_name(2), nullptr);
+    for (std::size_t i = 0; i < tavro_builtin_count(); ++i)
+        EXPECT_STREQ(tavro_plant_own_name(builtin(tavro_builtin_name(i)).get()),
+                     tavro_builtin_name(i));
+}
+
+// A step that is refused leaves the time of the last one that ended well.
+TEST(C, TellsTheTimeOfARun) {
+    PlantHandle const plant = builtin("therm");
+    RunHandle const run = runOf(plant);
+    double const first = 0.93835, none = NAN;
+    tavro_line line = measured(first);
+    ASSERT_EQ(tavro_run_start(run.get(), &line, nullptr), TAVRO_OK);
+    EXPECT_EQ(tavro_run_time(run.get()), 0.0);
+    ASSERT_EQ(tavro_run_step(run.get(), &line, nullptr), TAVRO_OK);
+    EXPECT_EQ(tavro_run_time(run.get()), 1.0);
+    line = measured(none);
+    ASSERT_EQ(tavro_run_step(run.get(), &line, nullptr), TAVRO_DATA);
+    EXPECT_EQ(tavro_run_time(run.get()), 1.0);
 }
 
 TEST(C, FollowsTheFeedLine) {
@@ -215,6 +241,8 @@ TEST(C, TakesNullHandles) {
     EXPECT_EQ(tavro_plant_name(nullptr, TAVRO_MODES, 0), nullptr);
     EXPECT_EQ(tavro_plant_is_discrete(nullptr), 0);
     EXPECT_TRUE(std::isnan(tavro_plant_period(nullptr)));
+    EXPECT_EQ(tavro_plant_own_name(nullptr), nullptr);
+    EXPECT_TRUE(std::isnan(tavro_run_time(nullptr)));
     EXPECT_TRUE(std::isnan(tavro_step_time(nullptr)));
     EXPECT_EQ(tavro_step_diagnosis(nullptr), nullptr);
     EXPECT_EQ(tavro_step_mode(nullptr, 0, "m"), nullptr);

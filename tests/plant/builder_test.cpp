@@ -66,6 +66,84 @@ TEST_F(BuilderTest, HistoriesHoldTheLongestDelay) {
     EXPECT_EQ(b->graph->kind, INF_DYNAMIC);
 }
 
+// gauge <- pipe, 3 cycles late, or of the pond, 5 late; pipe <- pond with a response, a cycle more;
+// pond <- supply, which nothing measures. A fault of the pond is then seen after 5 cycles at most:
+// through the pipe after 3 + 1. The outlet leads to no measure.
+TEST_F(BuilderTest, ConditionsAreRememberedUpToTheMeasure) {
+    PlantPart& part = plant.part(first);
+    s_Variable* supply = part.variable("supply");
+    s_Variable* pond = part.variable("pond");
+    s_Variable* pipe = part.variable("pipe");
+    s_Variable* gauge = part.variable("gauge");
+    s_Variable* outlet = part.variable("outlet");
+    auto const length = [](s_Influence const* influence) {
+        EXPECT_EQ(influence->condHisto,
+                  std::vector<boolVal>(static_cast<std::size_t>(influence->condHistoLn), 1));
+        return influence->condHistoLn;
+    };
+    s_Influence* fills = part.influence("i1", INF_INTEGRAL, supply, pond, nullptr, makeReal(1.0));
+    s_Influence* given = part.influence("i2", INF_INTEGRAL, supply, pond, nullptr, makeReal(1.0),
+                                        {.condHistoLn = 9});
+    s_Influence* lags = part.influence("i3", INF_DYNAMIC, pond, pipe, nullptr, makeReal(1.0));
+    lags->respTime = makeReal(4.0);
+    s_Influence* late =
+        part.influence("i4", INF_STATIC, pipe, gauge, nullptr, makeReal(1.0), {.delay = 3});
+    s_Influence* later =
+        part.influence("i5", INF_STATIC, pond, gauge, nullptr, makeReal(1.0), {.delay = 5});
+    s_Influence* leaves = part.influence("i6", INF_STATIC, gauge, outlet, nullptr, makeReal(1.0));
+    rt.measure = {gauge};
+    plant.finish({&first});
+    EXPECT_EQ(length(late), 1);
+    EXPECT_EQ(length(later), 1);
+    EXPECT_EQ(length(lags), 1 + 3);
+    EXPECT_EQ(length(fills), 1 + 5) << "from the cycle itself to 5 before";
+    EXPECT_EQ(length(given), 9);
+    EXPECT_EQ(length(leaves), 1);
+}
+
+// gauge <- a <- b <- c <- a, each 2 cycles late. No walk passes a twice, so that c is at 2 + 2 + 2
+// and what leads from a to c is asked for that long ago.
+TEST_F(BuilderTest, ALoopIsPassedOnce) {
+    PlantPart& part = plant.part(first);
+    s_Variable* a = part.variable("a");
+    s_Variable* b = part.variable("b");
+    s_Variable* c = part.variable("c");
+    s_Variable* gauge = part.variable("gauge");
+    std::vector<s_Influence*> chain;
+    auto const link = [&](s_Variable* cause, s_Variable* effect) {
+        chain.push_back(part.influence("i" + std::to_string(chain.size()), INF_STATIC, cause,
+                                       effect, nullptr, makeReal(0.5), {.delay = 2}));
+    };
+    link(a, gauge);
+    link(b, a);
+    link(c, b);
+    link(a, c);
+    rt.measure = {gauge};
+    plant.finish({&first});
+    EXPECT_EQ(chain[0]->condHistoLn, 1);
+    EXPECT_EQ(chain[1]->condHistoLn, 1 + 2);
+    EXPECT_EQ(chain[2]->condHistoLn, 1 + 4);
+    EXPECT_EQ(chain[3]->condHistoLn, 1 + 6);
+}
+
+// The rain is seen by its own measure, and by the gauge behind it only through that one.
+TEST_F(BuilderTest, NoFaultIsLookedForBehindAMeasureOrAnInput) {
+    PlantPart& part = plant.part(first);
+    s_Variable* sky = part.variable("sky");
+    s_Variable* rain = part.variable("rain");
+    s_Variable* valve = part.variable("valve");
+    s_Variable* gauge = part.variable("gauge");
+    s_Influence* falls = part.influence("i1", INF_STATIC, sky, rain, nullptr, makeReal(1.0));
+    s_Influence* opens = part.influence("i2", INF_STATIC, sky, valve, nullptr, makeReal(1.0));
+    part.influence("i3", INF_STATIC, rain, gauge, nullptr, makeReal(1.0), {.delay = 4});
+    part.influence("i4", INF_STATIC, valve, gauge, nullptr, makeReal(1.0), {.delay = 4});
+    rt.measure = {rain, gauge};
+    rt.input = {valve};
+    plant.finish({&first});
+    EXPECT_EQ(falls->condHistoLn, 1);
+    EXPECT_EQ(opens->condHistoLn, 1);
+}
+
 TEST_F(BuilderTest, ANodeOfCouplingsIsStatic) {
     PlantPart& part = plant.part(first);
     s_Variable* a = part.parameter("a", 1.0);

@@ -129,6 +129,15 @@ TEST(ContinuousSlips, ValuesAndHistories) {
         {"a parameter that is no number",
          [](Room& r) { r.variable("room.m")->old = makeReal(std::nan("")); },
          {"Parameter room.m has no value: give it one."}},
+        {"a parameter outside its domain",
+         [](Room& r) { r.variable("room.m")->domain = makeRange(10.0, 30.0, 0, 1); },
+         {"The value 10 of parameter room.m is outside its domain ]10, 30]: move one of them."}},
+        {"a parameter in its domain",
+         [](Room& r) { r.variable("room.m")->domain = makeRange(10.0, 30.0, 1, 1); },
+         {}},
+        {"a parameter with a domain that is none",
+         [](Room& r) { r.variable("room.m")->domain = makeRange(30.0, 10.0, 1, 1); },
+         {"Parameter room.m has no domain: give it the bounds within which it can lie."}},
         {"a variable without a domain",
          [](Room& r) { r.variable("room.xd")->domain.reset(); },
          {"Variable room.xd has no domain: give it the bounds within which it can lie."}},
@@ -229,6 +238,23 @@ TEST(ContinuousSlips, EndsOfInfluences) {
         {"too few past conditions",
          [](Room& r) { r.influence("R1.i2")->condHisto = {1}; },
          {"Influence R1.i2 keeps 1 past values of its condition and says 2: make both the same."}},
+        {"a memory that ends before a fault shows",
+         [](Room& r) {
+             r.influence("R1.i2")->condHistoLn = 1;
+             r.influence("R1.i2")->condHisto = {1};
+         },
+         {"Influence R1.i2 keeps 1 past values of its condition, where the isolation of faults "
+          "asks "
+          "for 2: keep as many."}},
+        {"a memory of length 0, which holds one value",
+         [](Room& r) { r.influence("R1.i3")->condHistoLn = 0; },
+         {}},
+        {"a gain that ends before it begins",
+         [](Room& r) { r.influence("R1.i3")->gain = makeRange(2.0, 1.0, 1, 1); },
+         {"Influence R1.i3 has no gain: give it a number or an interval."}},
+        {"a gain without any value",
+         [](Room& r) { r.influence("R1.i3")->gain = makeRange(1.0, 1.0, 1, 0); },
+         {"Influence R1.i3 has no gain: give it a number or an interval."}},
         {"listed by no component",
          [](Room& r) { r.comp("thermostat").influences.clear(); },
          {"warning: Influence T1.i1 is listed by no component: add it to the one that it belongs "
@@ -250,6 +276,12 @@ TEST(ContinuousSlips, Delays) {
         return "warning: Variable " + std::string(nom) +
                " has a history of 300 cycles, where the window and the longest delay take " +
                std::to_string(cycles) + ": make it as long.";
+    };
+    // What is upstream of a later cause is seen later.
+    auto const forgets = [](char const* nom, int kept, int asked) {
+        return "Influence " + std::string(nom) + " keeps " + std::to_string(kept) +
+               " past values of its condition, where the isolation of faults asks for " +
+               std::to_string(asked) + ": keep as many.";
     };
     plant_fixture::expectTold(RoomSlips{
         {"behind the history",
@@ -276,9 +308,11 @@ TEST(ContinuousSlips, Delays) {
           "at 1 or later."}},
         {"a static range from the cycle before",
          [](Room& r) { setDelay(r, "R1.i4", 1, 2); },
-         {longer("room.xdq", 302),
+         {longer("room.xdq", 302), forgets("T1.i1", 1, 3), forgets("R1.i1", 1, 3),
+          forgets("R1.i2", 2, 4),
           "Influence R1.i4 has a delay of 1 to 2 cycles, and only past values have a range: begin "
-          "at 2 or later."}},
+          "at 2 or later.",
+          forgets("R1.i6", 1, 3)}},
         {"of a parameter",
          [](Room& r) { setDelay(r, "T1.i1", 1, 1); },
          {"Influence T1.i1 has a delay of 1 to 1 cycles, and the parameter thermostat.h has no "

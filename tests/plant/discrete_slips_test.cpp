@@ -298,6 +298,70 @@ TEST(DiscreteSlips, GuardsThatCannotBeMet) {
     });
 }
 
+// A clause added to the room: one of the atoms holds, or does not where a "!" stands before it.
+void state(Room& r, std::vector<std::string> const& literals) {
+    r.clauses().push_back(std::make_unique<Clause>(&r.comp("room")));
+    for (std::string const& literal : literals) {
+        bool const negated = literal[0] == '!';
+        r.clauses().back()->addAtomRef(r.atom(literal.substr(negated ? 1 : 0)), negated);
+    }
+}
+
+// Transition 3 of room asks for room.mode=open and room.cmdin=close, transition 9 of thermostat for
+// thermostat.mode=on and room.c1=c12.
+TEST(DiscreteSlips, GuardsThatClausesForbid) {
+    plant_fixture::expectTold(RoomSlips{
+        {"by a clause of both literals",
+         [](Room& r) {
+             state(r, {"!room.mode=open", "!room.cmdin=close"});
+         },
+         {"Transition 3 of room can never fire: what its guard asks for is forbidden by clause 23. "
+          "Drop a literal or change a clause."}},
+        // An open window lets the room be cold, and a cold room has no command to close.
+        {"by a chain of clauses",
+         [](Room& r) {
+             state(r, {"!room.mode=open", "room.c1=c10"});
+             state(r, {"!room.c1=c10", "room.cmdin=none"});
+         },
+         {"Transition 3 of room can never fire: what its guard asks for is forbidden by clauses 23 "
+          "and 24. Drop a literal or change a clause."}},
+        {"by a fact",
+         [](Room& r) { state(r, {"!room.cmdin=close"}); },
+         {"Transition 3 of room can never fire: what its guard asks for is forbidden by clause 23. "
+          "Drop a literal or change a clause."}},
+        {"not by a clause that one literal meets",
+         [](Room& r) {
+             state(r, {"!room.mode=open", "room.cmdin=close"});
+         },
+         {}},
+        {"one of two that will do",
+         [](Room& r) {
+             state(r, {"!room.mode=open", "!room.mode=open"});
+             r.transition("room", 1).pre->operat = "or";
+             r.transition("room", 3).pre->operat = "or";
+         },
+         {"Transition 1 of room can never fire: what its guard asks for is forbidden by clause 23. "
+          "Drop a literal or change a clause."}},
+        {"both of two of which one would do",
+         [](Room& r) {
+             state(r, {"!room.cmdin=open"});
+             state(r, {"!room.mode=closed"});
+             r.transition("room", 2).pre->operat = "or";
+             r.transition("room", 4).pre->operat = "or";
+         },
+         {"Transition 2 of room can never fire: what its guard asks for is forbidden by clause 24. "
+          "Drop a literal or change a clause.",
+          "Transition 4 of room can never fire: what its guard asks for is forbidden by clauses 23 "
+          "and 24. Drop a literal or change a clause."}},
+        {"clauses that leave no state",
+         [](Room& r) {
+             state(r, {"room.mode=open"});
+             state(r, {"room.mode=closed"});
+         },
+         {"No state is possible: clauses 23 and 24 can never hold together. Drop one."}},
+    });
+}
+
 TEST(DiscreteSlips, GuardsAndEffectsThatAreNotWhole) {
     plant_fixture::expectTold(RoomSlips{
         {"no guard",

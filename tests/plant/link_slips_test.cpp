@@ -312,6 +312,13 @@ TEST(LinkSlips, Thresholds) {
              r.variable("room.x")->domain = makeRange(-50.0, 60.0, 1, 1);
          },
          {}},
+        {"a range outside the domain",
+         [](Room& r) { r.variable("room.x")->domain = makeRange(-50.0, 17.0, 1, 0); },
+         {"Atom room.c1=c12 can never hold, since it asks for [17, +oo] of room.x, which has the "
+          "domain [-50, 17[: move one of them."}},
+        {"a range that touches the domain",
+         [](Room& r) { r.variable("room.x")->domain = makeRange(-50.0, 17.0, 1, 1); },
+         {}},
         {"open ends of the scale",
          [](Room& r) { space(r, 0).infClosed = space(r, 3).supClosed = 0; },
          {}},

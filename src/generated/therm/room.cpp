@@ -70,7 +70,7 @@ void room::initConditions(PlantBuilder& plant, PlantPart& part) {
 void room::initInfluences(PlantPart& part) {
     i1 = part.influence("R1.i1", INF_COUPLING, xext, xdq, cond_not_heating, makeReal(1.0));
     i2 = part.influence("R1.i2", INF_INTEGRAL, xd, x, cond_known, makeRange(0.95, 1.05, 1, 1),
-                        {.condHistoLn = 2, .useOpti = 1});
+                        {.useOpti = 1});
     i3 = part.influence("R1.i3", INF_STATIC, un, xd, cond_known, makeRange(0.0, 0.3, 1, 1),
                         {.useOpti = 1});
     i4 = part.influence("R1.i4", INF_STATIC, xdq, xd, cond_closed, makeReal(0.05), {.useOpti = 1});
