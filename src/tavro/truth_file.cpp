@@ -20,6 +20,12 @@ std::string valueOf(truth::Simulator const& run, StateVar const& variable) {
     return value != nullptr ? value->value : "?";
 }
 
+// Behind what stands there already.
+void addCell(std::string& line, char separator, std::string const& text) {
+    line += separator;
+    line += text;
+}
+
 // Parameters tell nothing that the plant does not.
 template <typename Tell>
 void forEachVariable(Plant const& plant, Tell tell) {
@@ -33,7 +39,7 @@ std::string atomsOf(Plant const& plant, truth::Simulator const& run, char const*
     for (StateVar const* variable : plant.stateVars)
         if (variable->getType() == type)
             if (Atom const* value = run.modes().valueOf(*variable))
-                line += " " + value->id;
+                addCell(line, ' ', value->id);
     return line;
 }
 
@@ -45,33 +51,39 @@ std::string MeasureFile::line(truth::Simulator const& run) const {
         line += text(value) + " ";
     line += "  # k=" + std::to_string(run.now());
     forEachVariable(plant, [&](s_Variable const& variable) {
-        line +=
-            " " + variable.nom + "=" + text(run.values()[static_cast<std::size_t>(variable.slot)]);
+        addCell(line, ' ', variable.nom);
+        addCell(line, '=', text(run.values()[static_cast<std::size_t>(variable.slot)]));
     });
-    for (StateVar const* variable : plant.stateVars)
-        line += " " + variable->getName() + "=" + valueOf(run, *variable);
+    for (StateVar const* variable : plant.stateVars) {
+        addCell(line, ' ', variable->getName());
+        addCell(line, '=', valueOf(run, *variable));
+    }
     return line + "\n";
 }
 
 std::string TruthTable::heading() const {
     std::string line = "step,time";
     for (s_Variable const* measure : plant.tavro_rt->measure)
-        line += "," + measure->nom;
-    forEachVariable(plant, [&](s_Variable const& variable) { line += ",true " + variable.nom; });
+        addCell(line, ',', measure->nom);
+    forEachVariable(plant, [&](s_Variable const& variable) {
+        addCell(line, ',', "true ");
+        line += variable.nom;
+    });
     for (StateVar const* variable : plant.stateVars)
-        line += "," + variable->getName();
+        addCell(line, ',', variable->getName());
     return line + "\n";
 }
 
 std::string TruthTable::line(truth::Simulator const& run) const {
-    std::string line = std::to_string(run.now()) + "," + text(run.now() * plant.tavro_rt->Ts);
+    std::string line = std::to_string(run.now());
+    addCell(line, ',', text(run.now() * plant.tavro_rt->Ts));
     for (double const value : run.measures())
-        line += "," + text(value);
+        addCell(line, ',', text(value));
     forEachVariable(plant, [&](s_Variable const& variable) {
-        line += "," + text(run.values()[static_cast<std::size_t>(variable.slot)]);
+        addCell(line, ',', text(run.values()[static_cast<std::size_t>(variable.slot)]));
     });
     for (StateVar const* variable : plant.stateVars)
-        line += "," + valueOf(run, *variable);
+        addCell(line, ',', valueOf(run, *variable));
     return line + "\n";
 }
 
