@@ -198,7 +198,7 @@ void addFiles(PlantFacts const& plant, Random& random, int steps, SessionCase& m
             made.files["inp/scn"] = scenarioOf(plant, random);
         }
     }
-    if (made.args.back() == "scn" && random.chance(20))
+    if (!made.args.empty() && made.args.back() == "scn" && random.chance(20))
         made.args.push_back("modes");
     if (random.chance(8))
         made.files[std::string(plant.model->model_name) + ".pi"] = implicatesOf(plant, random);

@@ -30,6 +30,11 @@ void takeNames(PlantFacts& facts, Plant const& plant) {
         facts.components.emplace_back(entry.first);
     for (auto* names : {&facts.atoms, &facts.commands, &facts.components})
         std::sort(names->begin(), names->end());
+    // A plant without any has one that nobody knows.
+    if (facts.atoms.empty())
+        facts.atoms.emplace_back("nobody.mode=none");
+    if (facts.components.empty())
+        facts.components.emplace_back("nobody");
 }
 
 PlantFacts factsOf(CompiledModel const& model) {

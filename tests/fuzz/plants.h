@@ -14,7 +14,8 @@ struct PlantFacts {
     bool discrete;
     int inputs, measures, displays;
     double Ts;  // 0 in a discrete plant
-    std::vector<std::string> atoms, commands, components, measureNames;
+    std::vector<std::string> atoms, components;  // at least one each
+    std::vector<std::string> commands, measureNames;
 };
 
 // Of all models, in an order that never changes.
