@@ -10,6 +10,7 @@
 
 #include "console/exchange.h"
 #include "continuous/displays.h"
+#include "continuous/sorn-runt.h"
 #include "fixtures/the_run.h"
 #include "silence.h"
 #include "support/memory_watch.h"

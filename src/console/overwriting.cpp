@@ -22,11 +22,15 @@ bool isSameFile(std::string const& one, std::string const& other) {
 // Leads to the file that the program was given as its input.
 constexpr char const* standardInput = "/dev/stdin";
 
-bool refuses(std::string const& output, char const* what, std::string const& input) {
-    if (!isSameFile(output, input))
-        return false;
+void tellRefused(std::string const& output, char const* what, std::string const& input) {
     tellLoss("Can't write file %s: it is the %s %s\n", output.c_str(), what, input.c_str());
-    return true;
+}
+
+bool refuses(std::string const& output, char const* what, std::string const& input) {
+    bool const same = isSameFile(output, input);
+    if (same)
+        tellRefused(output, what, input);
+    return same;
 }
 
 }  // namespace
@@ -52,8 +56,11 @@ bool wouldOverwriteInputs() {
 // The arguments are not understood yet: each may be any file.
 bool wouldOverwriteArgument(std::string const& output, int count, char const* const* arguments) {
     bool found = refuses(output, "script", standardInput);
-    for (int i = 1; i < count; ++i)
-        for (char const* const folder : {inputPrefix, measurePrefix})
-            found |= refuses(output, "file", std::string(folder) + arguments[i]);
+    for (char const* const* argument = arguments + 1; argument < arguments + count; ++argument)
+        if (isSameFile(output, inputPrefix + std::string(*argument)) ||
+            isSameFile(output, measurePrefix + std::string(*argument))) {
+            tellRefused(output, "argument", *argument);
+            found = true;
+        }
     return found;
 }

@@ -6,6 +6,7 @@
 
 #include <cstdio>
 #include <cstdlib>
+#include <new>
 
 #include "console/console_host.h"
 #include "console/exchange.h"
@@ -20,8 +21,12 @@ constexpr int statusOfLoss = 3;
 
 bool strictSession = false;
 
+// A host that memory is too short to make has written nothing.
 void flushAll() {
-    consoleHost().flushLogs();
+    try {
+        consoleHost().flushLogs();
+    } catch (std::bad_alloc const&) {
+    }
     flushStandardOutput();
 }
 

@@ -13,6 +13,7 @@
 #include <vector>
 
 #include "support/host.h"
+#include "support/run_stopped.h"
 
 namespace {
 
@@ -62,6 +63,22 @@ void leave(double spare) {
     leave(spare);
     SystemMemoryWatch watch;
     _exit(watch.runsShort() ? 1 : 0);
+}
+
+class ImpatientHost : public Host {
+public:
+    char const* stopOverdue() override { return "the reason"; }
+};
+
+TEST(Watch, LeavesAStepThatIsNotWaitedFor) {
+    ImpatientHost host;
+    try {
+        watchMemory(host);
+        FAIL() << "the step goes on";
+    } catch (RunStopped const& why) {
+        EXPECT_EQ(why.reason, RunStopped::overdue);
+        EXPECT_STREQ(why.what(), "the reason");
+    }
 }
 
 // A limit of 500 megabytes or more keeps 64 of them free, a lower one an eighth.
