@@ -178,11 +178,17 @@ Findings judgeCandidates(SessionCase const& session, Outcome const& outcome) {
     int limit = 0;
     for (std::size_t i = 0; i < countOptions(session.args); ++i)
         std::sscanf(session.args[i].c_str(), "--candidates=%d", &limit);
+    // A simulation follows every split.
+    bool detects = false;
     std::istringstream out(outcome.out);
-    for (std::string line; limit > 0 && std::getline(out, line);)
-        if (int count = 0;
-            std::sscanf(line.c_str(), "writing %d trajectories", &count) == 1 && count > limit)
+    for (std::string line; limit > 0 && std::getline(out, line);) {
+        int count = 0;
+        if (line == "entering detect" || line.starts_with("mode: "))
+            detects = line == "entering detect";
+        else if (detects && std::sscanf(line.c_str(), "writing %d trajectories", &count) == 1 &&
+                 count > limit)
             return Finding{"candidates", line + ", more than " + std::to_string(limit)};
+    }
     return std::nullopt;
 }
 
