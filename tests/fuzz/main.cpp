@@ -7,8 +7,11 @@
 //     tavro-fuzz --seed N [--keep DIRECTORY] [--shrink]
 //         Tries one session. --keep stores it in the form of tests/sessions; --shrink makes it
 //         smaller before, as long as what was found stays.
+//     tavro-fuzz --torture [STRIDE]
+//         Lets every call of one session fail (torture.h), of allocations every STRIDEth.
 //
 // Ends with 0 when nothing was found, with 1 when something was, with 2 when it is misused.
+#include <algorithm>
 #include <chrono>
 #include <cstdio>
 #include <cstdlib>
@@ -19,6 +22,7 @@
 #include "fuzz/runner.h"
 #include "fuzz/session_directory.h"
 #include "fuzz/shrink.h"
+#include "fuzz/torture.h"
 
 // A finding of a sanitizer has a status of its own.
 extern "C" char const* __asan_default_options() {
@@ -123,15 +127,18 @@ bool readArguments(int argc, char** argv, Wanted& wanted) {
 }  // namespace
 
 int main(int argc, char** argv) {
+    // What the executives would read of a user's own.
+    setenv("TERM", "dumb", 1);
+    setenv("INPUTRC", "/dev/null", 1);
+    if (argc > 1 && std::strcmp(argv[1], "--torture") == 0)
+        return torture(std::max(argc > 2 ? std::atol(argv[2]) : 1, 1L)) == 0 ? 0 : 1;
     Wanted wanted;
     if (!readArguments(argc, argv, wanted)) {
         std::fprintf(stderr,
                      "usage: tavro-fuzz --seeds A..B [--programs BUILD] [--digest]\n"
-                     "       tavro-fuzz --seed N [--keep DIRECTORY] [--shrink]\n");
+                     "       tavro-fuzz --seed N [--keep DIRECTORY] [--shrink]\n"
+                     "       tavro-fuzz --torture [STRIDE]\n");
         return 2;
     }
-    // What the executives would read of a user's own.
-    setenv("TERM", "dumb", 1);
-    setenv("INPUTRC", "/dev/null", 1);
     return trySeeds(wanted);
 }

@@ -13,7 +13,7 @@ struct PlantFacts {
     std::string program;  // name of the executive
     bool discrete;
     int inputs, measures, displays;
-    double Ts;  // 0 in a discrete plant
+    double Ts;                                   // 0 in a discrete plant
     std::vector<std::string> atoms, components;  // at least one each
     std::vector<std::string> commands, measureNames;
 };
