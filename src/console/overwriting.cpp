@@ -41,12 +41,13 @@ bool leadToOneFile(std::string const& one, std::string const& other) {
     std::error_code error;
     if (isSameFile(one, other))
         return true;
-    fs::path const path = fs::weakly_canonical(one, error);
-    return !fs::exists(path, error) && path == fs::weakly_canonical(other, error) && !error;
+    fs::path const path = fs::weakly_canonical(fs::absolute(one, error), error);
+    fs::path const otherPath = fs::weakly_canonical(fs::absolute(other, error), error);
+    return !error && path == otherPath && !fs::exists(path, error);
 }
 
 bool refusesWritten(std::string const& output, char const* what, std::string const& written) {
-    bool const same = !written.empty() && leadToOneFile(output, written);
+    bool const same = !output.empty() && !written.empty() && leadToOneFile(output, written);
     if (same)
         tellRefused(output, what, written);
     return same;
