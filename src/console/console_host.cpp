@@ -83,7 +83,7 @@ std::unique_ptr<std::istream> ConsoleHost::open(std::string const& path) {
 }
 
 bool ConsoleHost::write(std::string const& path, std::string const& text) {
-    if (wouldOverwriteInput(path))
+    if (wouldOverwriteInput(path) || wouldOverwriteOutput(path))
         return false;
     OutputFile file(path);
     file.write(text.data(), text.size());
@@ -104,7 +104,8 @@ void ConsoleHost::optimiserOptions(Nelder_options& options) {
 std::shared_ptr<std::ostream> ConsoleHost::optimiserTrace(Nelder_options const& options) {
     if (!options.traceToFile)
         return borrowed(std::cout);
-    traceLost = traceLost || wouldOverwriteInput(options.traceFile);
+    traceLost = traceLost || wouldOverwriteInput(options.traceFile) ||
+                wouldOverwriteOutput(options.traceFile);
     if (traceLost)
         return nullptr;
     auto file = std::make_unique<OutputStream>(options.traceFile);

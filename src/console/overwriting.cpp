@@ -1,8 +1,9 @@
-// Comparing the files that a run writes with those that it reads.
+// Comparing the files that a run writes with those that it reads, and with each other.
 #include "console/overwriting.h"
 
 #include <sys/stat.h>
 
+#include <filesystem>
 #include <string>
 
 #include "console/console.h"
@@ -10,6 +11,8 @@
 #include "console/losses.h"
 
 namespace {
+
+namespace fs = std::filesystem;
 
 // Regular files alone can be overwritten: a device or a pipe may be at both ends.
 bool isSameFile(std::string const& one, std::string const& other) {
@@ -33,6 +36,30 @@ bool refuses(std::string const& output, char const* what, std::string const& inp
     return same;
 }
 
+// What is to be written need not be there yet: then the paths tell.
+bool leadToOneFile(std::string const& one, std::string const& other) {
+    std::error_code error;
+    if (isSameFile(one, other))
+        return true;
+    fs::path const path = fs::weakly_canonical(fs::absolute(one, error), error);
+    fs::path const otherPath = fs::weakly_canonical(fs::absolute(other, error), error);
+    return !error && path == otherPath && !fs::exists(path, error);
+}
+
+bool refusesWritten(std::string const& output, char const* what, std::string const& written) {
+    bool const same = !output.empty() && !written.empty() && leadToOneFile(output, written);
+    if (same)
+        tellRefused(output, what, written);
+    return same;
+}
+
+bool wouldOverwriteLog(std::string const& output) {
+    bool found = refusesWritten(output, "log of cycles", cycleBenchmark);
+    found |= refusesWritten(output, "log of steps", stepBenchmark);
+    found |= refusesWritten(output, "log of propagations", propagationBenchmark);
+    return found;
+}
+
 }  // namespace
 
 bool wouldOverwriteInput(std::string const& output) {
@@ -46,10 +73,20 @@ bool wouldOverwriteInput(std::string const& output) {
     return found;
 }
 
-bool wouldOverwriteInputs() {
+bool wouldOverwriteOutput(std::string const& output) {
+    bool found = refusesWritten(output, "display file", displayFile);
+    found |= refusesWritten(output, "mode file", modesFile);
+    found |= wouldOverwriteLog(output);
+    return found;
+}
+
+bool wouldOverwriteFiles() {
     bool found = false;
     for (std::string const& output : {displayFile, modesFile, std::string(cycleBenchmark)})
         found |= wouldOverwriteInput(output);
+    found |= refusesWritten(displayFile, "mode file", modesFile);
+    for (std::string const& output : {displayFile, modesFile})
+        found |= wouldOverwriteLog(output);
     return found;
 }
 

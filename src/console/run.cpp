@@ -117,7 +117,7 @@ bool stoppedAtStart() {
 }
 
 void initHybrid(int global) {
-    if (wouldOverwriteInputs())
+    if (wouldOverwriteFiles())
         return;
     if (!prepareEI() || !prepareMS() || !prepareDO() || !prepareMO())
         return;
