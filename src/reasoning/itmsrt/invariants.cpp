@@ -1,4 +1,10 @@
 // The invariants of the truth maintenance, told broken in sentences.
+//
+// The links between supports and consequences are not among them, since they hold in neither
+// direction. Required: what unit propagation labels, and what a conflict leaves unknown, has a
+// support and is no consequence of it. A support may also name elements of an earlier state, which
+// record only what depends on them there. And the first sets of a start-up append a consequence at
+// each call, also when the support is set anew.
 #include <algorithm>
 
 #include "reasoning/itmsrt.h"
