@@ -203,9 +203,11 @@ bool Parser::fileStatement(Body& into, Token const& keyword) {
         add(IncludeNode{{std::string(path.text), path.range}});
     } else if (word == "constant") {
         take();
-        NameNode const constant = name("the name of the constant");
-        expect(TokenKind::equal, "= and a number");
-        add(ConstantNode{constant, expression()});
+        do {
+            NameNode const constant = name("the name of the constant");
+            expect(TokenKind::equal, "= and a number");
+            add(ConstantNode{constant, expression()});
+        } while (takeIf(TokenKind::comma));
     } else if (word == "type") {
         take();
         type(into, keyword.range);
@@ -356,6 +358,16 @@ CountNode Parser::count(TokenKind close, bool mayLackIndex) {
     return node;
 }
 
+namespace {
+
+// What may stand behind the type of an instance, and not behind the variable of an equation.
+bool endsType(Token const& next) {
+    return next.kind == TokenKind::parenOpen || next.kind == TokenKind::statementEnd ||
+           next.kind == TokenKind::end || (next.kind == TokenKind::name && next.text == "symbol");
+}
+
+}  // namespace
+
 // An equation, maybe behind a label, or an instance: that has a type behind its colon, and no
 // equation can begin so.
 void Parser::labelledOrInstance(Body& into, bool inType) {
@@ -364,8 +376,7 @@ void Parser::labelledOrInstance(Body& into, bool inType) {
                         : "a statement, such as plant, type, an instance or an equation");
     TextRange const begin = current().range;
     bool const colon = ahead().kind == TokenKind::colon;
-    if (colon && is(TokenKind::name) && ahead(2).kind == TokenKind::name &&
-        ahead(3).kind == TokenKind::parenOpen) {
+    if (colon && is(TokenKind::name) && ahead(2).kind == TokenKind::name && endsType(ahead(3))) {
         instance(into);
         return;
     }
@@ -400,7 +411,8 @@ void Parser::instance(Body& into) {
         node.count = count(TokenKind::bracketClose, true);
     expect(TokenKind::colon, ": and a type");
     node.type = name("a type");
-    node.arguments = arguments();
+    if (is(TokenKind::parenOpen))
+        node.arguments = arguments();
     if (takeWord("symbol"))
         node.symbol = name("the symbol");
     into.push_back({std::move(node), from(begin)});
@@ -408,7 +420,7 @@ void Parser::instance(Body& into) {
 
 std::vector<ArgumentNode> Parser::arguments() {
     std::vector<ArgumentNode> found;
-    expect(TokenKind::parenOpen, "( and what the instance gives, or ()");
+    take();
     while (!is(TokenKind::parenClose)) {
         ArgumentNode argument{name("the name of something that the type asks for"), {}};
         expect(TokenKind::equal, "= and what it is");

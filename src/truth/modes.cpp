@@ -30,6 +30,12 @@ bool followsFromClauses(StateVar const& variable) {
            (links == nullptr || links->empty());
 }
 
+bool comesFromOutside(StateVar const& variable) {
+    auto const& all = variable.getComp()->getStateVariables();
+    return std::none_of(all.begin(), all.end(),
+                        [](auto const& other) { return other->getType() == typeMode; });
+}
+
 // The value of *variable* that the move leads to, or null.
 Atom const* effectOn(Transition const& move, StateVar const& variable) {
     if (move.post == nullptr)
@@ -123,11 +129,7 @@ bool Modes::deduceOnly(StateVar const& variable) {
            settle(**std::find_if(atoms.begin(), atoms.end(), isOpen), true);
 }
 
-void Modes::deduce() {
-    excluded.clear();
-    for (StateVar const* variable : plant.stateVars)
-        if (followsFromClauses(*variable))
-            values[variable] = nullptr;
+void Modes::propagate() {
     bool changed = true;
     while (changed) {
         changed = false;
@@ -136,6 +138,21 @@ void Modes::deduce() {
         for (StateVar const* variable : plant.stateVars)
             changed = deduceOnly(*variable) || changed;
     }
+}
+
+// What a component without modes holds and nothing determines comes from outside the plant, and
+// stays as it was at first.
+void Modes::deduce() {
+    excluded.clear();
+    for (StateVar const* variable : plant.stateVars)
+        if (followsFromClauses(*variable))
+            values[variable] = nullptr;
+    propagate();
+    for (StateVar const* variable : plant.stateVars)
+        if (valueOf(*variable) == nullptr && comesFromOutside(*variable)) {
+            values[variable] = firstValue(*variable);
+            propagate();
+        }
 }
 
 // ---- Moves ----

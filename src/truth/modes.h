@@ -45,6 +45,7 @@ private:
     void takeConditions(Holds const& holds);
     void takeCommands(int time);
     void deduce();
+    void propagate();
     bool deduceFrom(Clause const& clause);
     bool deduceOnly(StateVar const& variable);
     bool isFalse(Atom const& atom) const;

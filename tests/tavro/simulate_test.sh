@@ -1,0 +1,97 @@
+#!/bin/sh
+# `tavro simulate`, and the way from it to an answer: what it makes is what a run of the plant can be
+# given, a healthy day of a shipped plant is not reported, and a fault in it is found.
+#   simulate_test.sh PROGRAM SOURCE-DIRECTORY
+set -u
+tavro=$1
+plants=$2/plants
+work=$(mktemp -d)
+trap 'rm -rf "$work"' EXIT
+cd "$work" || exit 1
+mkdir inp obs disp
+failed=0
+
+fail() {
+  echo "$1"
+  failed=1
+}
+
+# refused STATUS WORDS ARGUMENT...: the status, and what the error stream must hold.
+refused() {
+  status=$1 words=$2
+  shift 2
+  got=0
+  "$tavro" simulate "$@" >out 2>err </dev/null || got=$?
+  [ "$got" = "$status" ] || fail "$*: status $got, expected $status"
+  grep -qF -- "$words" err || { fail "$*: not told: $words"; cat err; }
+  [ -s out ] && fail "$*: something was written"
+}
+
+room=$plants/room/room.plant
+motor=$plants/motor/motor.plant
+refused 2 "required" "$room"
+refused 2 "did you mean thermostat.mode=stuck_on?" "$room" --steps 5 --fault thermostat.mod=stuck_on@2
+refused 2 "say at which step, as in thermostat.mode=stuck_on@22" \
+  "$room" --steps 5 --fault thermostat.mode=stuck_on
+refused 2 "behind @ stands a step" "$room" --steps 5 --fault thermostat.mode=stuck_on@x
+refused 2 "there is no command room.cmdin=shut" "$room" --steps 5 --command room.cmdin=shut@2
+refused 2 "give each one as --input NAME=VALUE" "$motor" --steps 5
+refused 2 "did you mean driver.volt?" "$motor" --steps 5 --input driver.vlt=3
+refused 2 "write NAME=VALUE, with a number" "$motor" --steps 5 --input driver.volt=x
+refused 4 "can't read file inp/none" "$motor" --steps 5 --inputs inp/none
+echo two >inp/words
+refused 4 "inp/words:1: 1 numbers are expected" "$motor" --steps 5 --inputs inp/words
+refused 1 "cannot be read" none.plant --steps 5
+refused 5 "can't write none/out" "$room" --steps 5 -o none/out
+
+# The room in the middle of its intervals: 0.05 (20 - 4) + 0.15 = 0.95, then 4 + 0.95.
+"$tavro" simulate "$room" --steps 1 --uncertainty middle --csv >table
+cat >wanted <<'TABLE'
+step,time,room.xd,true room.xd,true room.x,true room.xdq,thermostat.mode,room.cmdin,room.c1,room.mode
+0,0,0.9500000000000001,0.9500000000000001,4,16,on,none,c10,closed
+1,1,0.9500000000000001,0.9500000000000001,4.95,16,on,none,c10,closed
+TABLE
+diff wanted table || fail "the table of the room"
+
+for seed in 1 2; do
+  "$tavro" simulate "$room" --steps 40 --seed $seed --noise 0.01 >"obs/seed$seed"
+done
+"$tavro" simulate "$room" --steps 40 --seed 1 --noise 0.01 | cmp -s - obs/seed1 || fail "one seed, two runs"
+cmp -s obs/seed1 obs/seed2 && fail "two seeds, one run"
+
+# answers PLANT THRESHOLD-TIME ARGUMENT...: the answers of a detection with the sharp rules.
+answers() {
+  plant=$1 end=$2
+  shift 2
+  printf 'init\ndetect %s fault1 3\nquit\n' "$end" |
+    "$tavro" console "$plant" --rules=sharp "$@" 2>&1 >/dev/null | grep -aE "^answer|all trajs|rror|[Cc]an't"
+}
+
+# A motor that turns at 10 V from the start; no mode ever moves before it fails, at step 150: 3 s.
+yes 10 | head -301 >inp/volt
+"$tavro" simulate "$motor" --steps 300 --input driver.volt=10 --seed 5 -o obs/healthy
+answers "$motor" 6 volt healthy d >told && { fail "a healthy motor"; cat told; }
+"$tavro" simulate "$motor" --steps 300 --inputs inp/volt --seed 5 --fault motor.mode=worn@150 \
+  -o obs/worn 2>err
+grep -qxF 'tavro simulate: motor.mode=worn from step 150' err || fail "the strike of the fault is told"
+[ "$(head -150 obs/worn)" = "$(head -150 obs/healthy)" ] || fail "before the fault the day is another"
+answers "$motor" 6 volt worn d >told
+grep -qE '^answer: motor ok -> worn (at 3|between .* and (3|3\..*)) ' told || { fail "worn brushes"; cat told; }
+
+# The tanks follow their own differential equations (make-days): the plant encloses these. A pump that
+# stops at 200 s changes a level from 201 s on.
+cp "$plants/tanks/inp/flows.inp" inp/ && cp "$plants/tanks/obs/healthy.obs" "$plants/tanks/obs/pump1.obs" \
+  "$plants/tanks/obs/pump2.obs" obs/
+answers "$plants/tanks/tanks.plant" 400 flows.inp healthy.obs d >told && { fail "healthy tanks"; cat told; }
+for pump in 1 2; do
+  answers "$plants/tanks/tanks.plant" 230 flows.inp pump$pump.obs d >told
+  grep -qE "^answer: pump$pump ok -> off (at (199|200)|between .* and (199|200)) " told ||
+    { fail "pump $pump"; cat told; }
+done
+
+# Of the circuit what is seen follows from what is given; a gate that is stuck is seen in it.
+"$tavro" simulate "$plants/circuits/c17.plant" --steps 1 >scenario
+grep -q '^Observation .*g22.out=low g23.out=low' scenario || { fail "the circuit at rest"; cat scenario; }
+"$tavro" simulate "$plants/circuits/c17.plant" --steps 1 --fault g22.mode=stuck_high@1 >scenario 2>err
+grep -q 'g22.out=high g23.out=low' scenario || { fail "a stuck gate"; cat scenario; }
+exit $failed
