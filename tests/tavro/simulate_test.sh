@@ -78,6 +78,28 @@ grep -qxF 'tavro simulate: motor.mode=worn from step 150' err || fail "the strik
 answers "$motor" 6 volt worn d >told
 grep -qE '^answer: motor ok -> worn (at 3|between .* and (3|3\..*)) ' told || { fail "worn brushes"; cat told; }
 
+# What the pages for newcomers show: their plants are sound, and lead to the answers that stand there.
+block() { # PAGE FROM: the indented text from the line FROM on to the next that is not indented
+  awk -v from="    $2" '$0 == from { on = 1 } on && /^[^ ]/ { exit } on' "$1" | sed 's/^    //'
+}
+{
+  printf 'plant tank\nsample 10 s\n'
+  awk '/^## 2/ { on = 1 } on' "$2/docs/tutorial.md" >second && block second 'type pump {'
+  printf 'pump: pump\ntank: tank(pump = pump)\n'
+} >tank.plant
+"$tavro" check tank.plant || fail "the plant of the tutorial"
+yes 2 | head -101 >inp/two
+"$tavro" simulate tank.plant --steps 100 --input pump.ordered=2 -o obs/healthy
+answers tank.plant 1000 two healthy d >told && { fail "the healthy day of the tutorial"; cat told; }
+"$tavro" simulate tank.plant --steps 100 --input pump.ordered=2 --fault pump.mode=off@60 -o obs/off 2>err
+answers tank.plant 1000 two off d >told
+grep '^    answer' "$2/docs/tutorial.md" | sed 's/^    //' | diff - told || fail "the fault of the tutorial"
+block "$2/README.md" 'plant boiler' >boiler.plant
+"$tavro" check boiler.plant || fail "the plant of README"
+"$tavro" simulate boiler.plant --steps 60 --input boiler.inflow=2 --fault boiler.mode=leaking@40 -o obs/day 2>err
+answers boiler.plant 60 two day d >told
+grep '^    answer: boiler' "$2/README.md" | sed 's/^    //' | diff - told || fail "the fault of README"
+
 # The tanks follow their own differential equations (make-days): the plant encloses these. A pump that
 # stops at 200 s changes a level from 201 s on.
 cp "$plants/tanks/inp/flows.inp" inp/ && cp "$plants/tanks/obs/healthy.obs" "$plants/tanks/obs/pump1.obs" \
