@@ -3,10 +3,10 @@
 
 #include <algorithm>
 
-#include "quality/dice.h"
 #include "quality/grouping.h"
 #include "quality/in_parallel.h"
 #include "quality/rules.h"
+#include "support/dice.h"
 
 namespace quality {
 

@@ -4,7 +4,7 @@
 #include <algorithm>
 #include <set>
 
-#include "quality/dice.h"
+#include "support/dice.h"
 
 namespace quality {
 

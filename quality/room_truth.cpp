@@ -1,7 +1,7 @@
 // A day of the room, step by step.
 #include "quality/room_truth.h"
 
-#include "quality/dice.h"
+#include "support/dice.h"
 
 namespace quality {
 

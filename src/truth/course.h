@@ -18,7 +18,7 @@
 #include "continuous/engine.h"
 #include "continuous/records.h"
 #include "model/Transitionrt.h"
-#include "truth/dice.h"
+#include "support/dice.h"
 #include "truth/setting.h"
 
 namespace truth {

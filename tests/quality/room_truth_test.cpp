@@ -6,7 +6,7 @@
 
 #include <cmath>
 
-#include "quality/dice.h"
+#include "support/dice.h"
 #include "tavro/tavro.hpp"
 
 using namespace quality;

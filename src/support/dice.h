@@ -1,12 +1,11 @@
-// The random numbers of the truths: for one seed the same on every machine. The generator is fixed
-// by the standard, the distributions of the standard library are not, so the conversion is our own.
+// The random numbers of truths, of tests and of data that is made: for one seed the same on every
+// machine. The generator is fixed by the standard, the distributions of the standard library are
+// not, so the conversion is our own.
 #pragma once
 
 #include <cstddef>
 #include <cstdint>
 #include <random>
-
-namespace quality {
 
 class Dice {
 public:
@@ -36,5 +35,3 @@ private:
 
     std::mt19937_64 engine;
 };
-
-}  // namespace quality
