@@ -17,4 +17,5 @@ enum Status {
 
 void addCheck(CLI::App& program, int& status);
 void addConsole(CLI::App& program, int& status);
+void addShow(CLI::App& program, int& status);
 void addSimulate(CLI::App& program, int& status);

@@ -12,6 +12,7 @@ int main(int argc, char** argv) {
     program.require_subcommand(1);
     int status = succeeded;
     addCheck(program, status);
+    addShow(program, status);
     addConsole(program, status);
     addSimulate(program, status);
     try {

@@ -78,4 +78,55 @@ expect "version" 0 "tavro $version
 expect "a console without a plant" 2 "" - console
 expect "a console on a wrong plant" 1 "" "${wrong%
 wrong.plant: *}" console wrong.plant
+
+# A plant in words: all of the lamp, which has one of each kind of statement that it can have.
+cat >lit.plant <<'PLANT'
+plant lit
+sample 2 s
+type lamp {
+  parameter gain = 0.5
+  variable heat = 3 in [0, 40]
+  input power
+  mode off, on, broken
+  command switch: none, press
+  region warmth: cold when heat < 10, warm when 10 <= heat <= 20, hot when heat > 20
+  heat integrates [0.1, 0.2] * power @ 1  when mode = on
+  move from off to on when switch = press with 0.9
+  fail from on to broken when warmth != cold with 0.1
+  idle others
+  measure heat
+  display heat
+}
+l: lamp() symbol L
+PLANT
+shown='plant lit: 1 component, a step is 2 s
+
+l (lamp, L)
+  parameter gain = 0.5
+  variable heat = 3 in [0, 40], measured, displayed
+  variable power, an input
+  mode variable mode: off, on, broken; starts in off
+  command switch: none, press; starts in none
+  region warmth of heat: cold below 10, warm from 10 up to 20, hot above 20; starts in cold
+  L.i1: heat integrates [0.1, 0.2] * power @ 1  when mode = on
+  off -> on when switch = press with 0.9
+  failure on -> broken when warmth != cold with 0.1
+'
+"$tavro" show lit.plant >out 2>err || { echo "show: status $?"; cat err; failed=1; }
+printf '%s' "$shown" >wanted
+grep -v '^  stays' out | diff wanted - || { echo "show: another text"; failed=1; }
+grep -q '^  stays broken' out || { echo "show: no idle move"; failed=1; }
+expect "show: a wrong plant" 1 "" - show wrong.plant
+expect "show: nothing" 2 "" - show
+expect "show: a picture where there is no place" 5 "" - show lit.plant --svg /dev/null/x
+if command -v dot >/dev/null; then
+  "$tavro" show lit.plant --svg pictures >out || { echo "show: no pictures"; failed=1; }
+  printf 'pictures/causal.svg\npictures/l.mode.svg\n' | diff - out || failed=1
+  for text in 'l.power&#45;&gt;l.heat' 'L.i1'; do
+    grep -qF -- "$text" pictures/causal.svg || { echo "show: no $text in the graph"; failed=1; }
+  done
+  for text in 'on&#45;&gt;broken' 'switch = press 0.9'; do
+    grep -qF -- "$text" pictures/l.mode.svg || { echo "show: no $text in the modes"; failed=1; }
+  done
+fi
 exit $failed
