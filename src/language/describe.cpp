@@ -6,6 +6,7 @@
 #include <limits>
 
 #include "language/describe_parts.h"
+#include "support/numbers.h"
 
 namespace {
 
@@ -47,7 +48,7 @@ void Description::heading() {
     std::string words = "plant ";
     words.append(plant.name).append(": ").append(counted(plant.components.size(), "component"));
     if (plant.isContinuous())
-        words.append(", a step is ").append(shortNumber(plant.period)).append(" s");
+        words.append(", a step is ").append(shortText(plant.period)).append(" s");
     line(words);
 }
 
@@ -94,9 +95,9 @@ bool isOpenEnd(double end) {
 std::string spaceOf(FlatSpace const& space) {
     std::string text;
     if (!isOpenEnd(space.low))
-        text.append(space.lowBelongs ? " from " : " above ").append(shortNumber(space.low));
+        text.append(space.lowBelongs ? " from " : " above ").append(shortText(space.low));
     if (!isOpenEnd(space.high))
-        text.append(space.highBelongs ? " up to " : " below ").append(shortNumber(space.high));
+        text.append(space.highBelongs ? " up to " : " below ").append(shortText(space.high));
     return text;
 }
 
@@ -159,7 +160,7 @@ void Description::moves(ComponentRef component) {
         std::string const guard = guardOf(plant, move);
         if (!guard.empty())
             words.append(" when ").append(guard);
-        line(words.append(" with ").append(shortNumber(move.probability)));
+        line(words.append(" with ").append(shortText(move.probability)));
     }
 }
 

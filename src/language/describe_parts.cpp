@@ -1,18 +1,12 @@
 #include "language/describe_parts.h"
 
-#include <cstdio>
-
-std::string shortNumber(double number) {
-    char buffer[32];
-    std::snprintf(buffer, sizeof buffer, "%.6g", number);
-    return buffer;
-}
+#include "support/numbers.h"
 
 std::string textOf(Value const& value) {
     if (!value.isInterval)
-        return shortNumber(value.low);
+        return shortText(value.low);
     std::string text = "[";
-    text.append(shortNumber(value.low)).append(", ").append(shortNumber(value.high)).append("]");
+    text.append(shortText(value.low)).append(", ").append(shortText(value.high)).append("]");
     return text;
 }
 

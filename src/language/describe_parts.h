@@ -5,8 +5,6 @@
 
 #include "language/flat.h"
 
-// Six digits, for reading.
-std::string shortNumber(double number);
 std::string textOf(Value const& value);
 // From inside *component* a name of its own needs no component before it.
 std::string nameIn(FlatPlant const& plant, ComponentRef component, QuantityRef quantity);

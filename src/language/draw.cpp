@@ -3,6 +3,7 @@
 
 #include "language/describe.h"
 #include "language/describe_parts.h"
+#include "support/numbers.h"
 
 namespace {
 
@@ -63,7 +64,7 @@ Picture modesOf(FlatPlant const& plant, ChoiceRef choice) {
     for (FlatMove const& move : plant.moves)
         if (move.to.choice == choice && move.kind != MoveKind::idle)
             edge(dot, valueName(plant, move.from), valueName(plant, move.to),
-                 guardOf(plant, move).append(" ").append(shortNumber(move.probability)),
+                 guardOf(plant, move).append(" ").append(shortText(move.probability)),
                  move.kind == MoveKind::fault ? ", color=red, style=dashed" : "");
     return {name, dot.append("}\n")};
 }
