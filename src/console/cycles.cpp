@@ -113,7 +113,7 @@ void Cycles::end(Graphs graphs) {
     clearMultiTrajs(*consoleRun);
     kept = {};
     tryTo("events may be unmet that are not told",
-          [this] { consoleRun->sMM->reportUnmetEvents(std::min(simTime, totalTime)); });
+          [] { consoleRun->sMM->reportUnmetEvents(std::min(simTime, totalTime)); });
     closeRunFiles();
     closeStream(cycleLog);
     consoleHost().flushLogs();
