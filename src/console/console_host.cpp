@@ -135,6 +135,11 @@ void ConsoleHost::flushLogs() {
     propagations.flush();
 }
 
+void ConsoleHost::closeLogs() {
+    steps.close();
+    propagations.close();
+}
+
 ConsoleHost& consoleHost() {
     static ConsoleHost host;
     return host;

@@ -39,6 +39,8 @@ public:
 
     // Writes what waits for the logs.
     void flushLogs();
+    // Nothing comes to the logs from here on: what cannot be written of them is told now.
+    void closeLogs();
 
 private:
     OutputStream steps;         // bench1.bmk

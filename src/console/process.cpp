@@ -17,6 +17,14 @@ namespace {
 
 constexpr int statusOfLoss = 3;
 
+// A host that memory is too short to make has no logs.
+void closeLogs() {
+    try {
+        consoleHost().closeLogs();
+    } catch (std::bad_alloc const&) {
+    }
+}
+
 }  // namespace
 
 bool strictSession = false;
@@ -33,6 +41,7 @@ void flushAll() {
 void endSession(int status) {
     closeRunFiles();
     flushAll();
+    closeLogs();  // a full disk may be told at the close alone
     if (std::fflush(stderr) != 0 || std::ferror(stderr) != 0)
         countLoss();
     leaveProcess(status == 0 && strictSession && losses() > 0 ? statusOfLoss : status);
