@@ -9,7 +9,7 @@ include(GNUInstallDirs)
 include(CMakePackageConfigHelpers)
 
 set(tavro_objects)
-foreach(part api run hybrid reasoning plant continuous trajectory model support therm line)
+foreach(part api language run hybrid reasoning plant continuous trajectory model support therm line)
   list(APPEND tavro_objects $<TARGET_OBJECTS:tavro_${part}>)
 endforeach()
 

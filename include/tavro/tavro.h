@@ -49,7 +49,8 @@ typedef enum tavro_code {
     TAVRO_NO_DIAGNOSIS = 8,
     TAVRO_OUTSIDE_WINDOW = 9,
     TAVRO_MEMORY = 10,
-    TAVRO_INTERNAL = 11 /* a defect of the library: no call is known to lead here */
+    TAVRO_INTERNAL = 11, /* a defect of the library: no call is known to lead here */
+    TAVRO_GIVEN_UP = 12  /* within a step, since give_up of the options said so */
 } tavro_code;
 
 TAVRO_C_API char const* tavro_version(void);
@@ -72,6 +73,8 @@ typedef enum tavro_names {
 TAVRO_C_API size_t tavro_builtin_count(void);
 TAVRO_C_API char const* tavro_builtin_name(size_t place);
 TAVRO_C_API tavro_code tavro_plant_builtin(char const* name, tavro_plant** plant);
+/* A plant as text. The error tells every message of its check, or as many as have room. */
+TAVRO_C_API tavro_code tavro_plant_load(char const* path, tavro_plant** plant);
 TAVRO_C_API void tavro_plant_free(tavro_plant* plant);
 /* The name of the plant itself. */
 TAVRO_C_API char const* tavro_plant_own_name(tavro_plant const* plant);
@@ -107,12 +110,14 @@ typedef struct tavro_options {
     void (*trace)(void* context, char const* line);
     void (*messages)(void* context, char const* line);
     void* context;
+    /* Null, or asked within a step with *context*: not 0 gives the step up. */
+    int (*give_up)(void* context);
 } tavro_options;
 
 #define tavro_options_init(options) tavro_options_init_sized((options), sizeof(tavro_options))
 TAVRO_C_API void tavro_options_init_sized(tavro_options* options, size_t size);
 
-/* What is known at one step; all zero for nothing. */
+/* What is known at one step; all zero for nothing. A measure that is missing is NaN. */
 typedef struct tavro_line {
     double const* inputs;
     size_t input_count;

@@ -35,8 +35,9 @@
 // std::bad_alloc where no run is the cause. An error of kind `options`, `data` or `state` is a
 // wrong call: it changed nothing, and the run goes on. Every other kind stops the run.
 //
-// The library prints nothing, opens no file unless Options::watchMemory asks for what the system
-// tells of its memory, installs no handler and never ends the process. Who wants to see the
+// The library prints nothing, opens no file but those that Plant::load names and, if
+// Options::watchMemory asks for it, what the system tells of its memory; it installs no handler
+// and never ends the process. Who wants to see the
 // reasoning gives Options::trace or Options::messages a place to write to.
 #pragma once
 
@@ -59,7 +60,7 @@ TAVRO_API char const* version();
 // ---- Errors ----
 
 enum class ErrorKind {
-    plant,            // there is no such plant, or its check has refused it
+    plant,            // there is no such plant, its text is wrong, or its check has refused it
     options,          // an option is out of its range, or does not fit the plant
     data,             // a wrong count of values, a value that is no finite number, an unknown name
     state,            // a call that is not legal in the state of the run
@@ -70,7 +71,8 @@ enum class ErrorKind {
     memory,           // memory ran short within a step
     // A defect of the library, or of a plant compiled into it: no call is known to lead here, and
     // this is what becomes of an exception that nobody foresaw.
-    internal
+    internal,
+    givenUp  // within a step, since Options::giveUp said so
 };
 
 class TAVRO_API Error : public std::runtime_error {
@@ -84,6 +86,14 @@ private:
 
 // ---- What is followed ----
 
+// A causal link between two variables.
+struct Influence {
+    std::string name;  // "R1.i1"; empty for one without a name
+    std::string cause, effect;
+    std::string kind;       // "static", "integral", "first order", "second order", "coupling"
+    std::string condition;  // under which it acts, as in Suspect
+};
+
 struct PlantData;
 
 // A handle on a constant plant: a copy costs a counter, and every copy is the same plant.
@@ -93,6 +103,9 @@ public:
     // takes about a millisecond. Error: plant, internal.
     static Plant builtin(std::string_view name);
     static std::vector<std::string> builtins();
+    // A plant as text, read from the file with all that it includes. Error: plant, with every
+    // message of the check, each with its place, the line and a caret; internal.
+    static Plant load(std::string const& path);
 
     Plant(Plant const&);
     Plant& operator=(Plant const&);
@@ -115,6 +128,11 @@ public:
     std::vector<std::string> const& commands() const;    // what may stand in Line::commands
     // What may stand in Line::observations; empty unless the plant is discrete.
     std::vector<std::string> const& observations() const;
+    // The modes that a variable of modes() can be in; empty for any other name.
+    std::vector<std::string> values(std::string const& mode) const;
+    // The causal graph, in the plant's order. What is in neither variables() nor inputs() is a
+    // parameter, which is a cause alone.
+    std::vector<Influence> influences() const;
 
 private:
     friend class Run;
@@ -160,6 +178,11 @@ struct Options {
     // library reads what the system tells of its memory, at most once a millisecond.
     bool watchMemory = false;
 
+    // Asked often within a start or a step; true gives it up (Error: givenUp), which stops the run.
+    // For a program that is to end and cannot wait for a search. It must be cheap, must not throw
+    // and must not call the run.
+    std::function<bool()> giveUp = nullptr;
+
     // Where the reasoning is told, line by line, and where messages are; none is told without a
     // place. Both are called from within start and step, and from nowhere else. They must not throw
     // and must not call the run.
@@ -168,9 +191,11 @@ struct Options {
 };
 
 // What is known at one step. Values stand in the order of the plant's lists, all of them, each a
-// finite number; the start takes inputs and measures too. Only a step of a simulation may leave the
-// measures out. Commands and observations are "variable=value", as the plant lists them. A start
-// takes neither; a step of a discrete plant takes one of the two.
+// finite number; the start takes inputs and measures too. A measure that is missing is given as
+// NaN: it is compared with nothing and narrows nothing. Where no influence leads to its variable,
+// the last measure stays, and the first one may not be missing. Only a step of a simulation may
+// leave the measures out. Commands and observations are "variable=value", as the plant lists them.
+// A start takes neither; a step of a discrete plant takes one of the two.
 struct Line {
     std::vector<double> inputs{};
     std::vector<double> measures{};
@@ -184,16 +209,6 @@ struct Line {
 struct Bounds {
     double lower;
     double upper;
-};
-
-// One history of the plant that is being followed.
-struct Candidate {
-    std::map<std::string, std::string> modes;  // "thermostat.mode" is "on"
-    std::map<std::string, Bounds> bounds;      // "room.x" lies in [4, 4]
-    double rank = 0.0;                         // how many failures it takes
-    // Its share among the histories that the last discrete step or search weighed; 0 before any.
-    double probability = 0.0;
-    bool agrees = true;  // with the measures; always true in a simulation and in a discrete plant
 };
 
 enum class Side { low, high };
@@ -219,11 +234,11 @@ using SuspectSet = std::vector<Suspect>;
 
 // A transition that a candidate took to explain what was seen.
 struct Explanation {
-    std::size_t candidate = 0;  // index in Step::candidates
+    std::size_t candidate = 0;  // index in Step::candidates; 0 of a candidate's own moves
     std::string component;      // "thermostat"
     std::string from, to;       // modes: "on", "stuck_on"
     int step = 0;               // of the candidate's discrete history
-    double time = 0.0;          // of that step
+    double time = 0.0;          // of that step; -1: before the steps that are kept
     // The range of times at which it may have been taken: by the rule "dates", those that agree
     // with what was measured; otherwise both are the time.
     double earliest = 0.0, latest = 0.0;
@@ -231,6 +246,21 @@ struct Explanation {
     bool failure = false;  // false: an ordinary transition that was assumed beside a failure
     bool unknown = false;  // into a mode of which the plant tells nothing
     std::string summary;   // "thermostat on -> stuck_on at 24"
+};
+
+// One history of the plant that is being followed.
+struct Candidate {
+    // Of one prediction as long as it is followed: one that splits or is replaced by explanations
+    // ends, and others begin. 0 in a discrete plant.
+    int id = 0;
+    std::map<std::string, std::string> modes;  // "thermostat.mode" is "on"
+    std::map<std::string, Bounds> bounds;      // "room.x" lies in [4, 4]
+    double rank = 0.0;                         // how many failures it takes
+    // Its share among the histories that the last discrete step or search weighed; 0 before any.
+    double probability = 0.0;
+    // What diagnoses have put into its history, in the order of the steps.
+    std::vector<Explanation> moves;
+    bool agrees = true;  // with the measures; always true in a simulation and in a discrete plant
 };
 
 struct Step {
@@ -249,6 +279,29 @@ struct Step {
     // Of a diagnosis: what the candidates took to explain it, candidate by candidate. Empty for one
     // that explains it without a transition.
     std::vector<Explanation> explanations;
+    // So many of the least likely candidates were dropped, by the limit of the options.
+    std::size_t dropped = 0;
+    // Of a diagnosis by the rule "dates": not every date was tried, failures may be older.
+    bool datesCut = false;
+    // A measure whose bounds have just grown past use: they contain all that it ever was. Told once
+    // in a run; "" otherwise.
+    std::string pastUse;
+};
+
+// A move of a component in a candidate's history.
+struct Move {
+    std::string component;
+    std::string from, to;  // modes
+    bool failure = false;
+    bool unknown = false;  // into a mode of which the plant tells nothing
+};
+
+// A discrete step of a candidate's history, which has steps only where something changes.
+struct HistoryStep {
+    int step = 0;
+    double time = 0.0;  // -1: before the steps that are kept
+    std::map<std::string, std::string> modes;  // of the components that the step is about
+    std::vector<Move> moves;                   // from here on to later steps, idle ones left out
 };
 
 // ---- The following ----
@@ -269,6 +322,12 @@ public:
     // One period later: every candidate goes on, and stays if it agrees. Costs some ten
     // microseconds a candidate, and a diagnosis a search. Error: state, data, and what stops.
     Step step(Line const& line = {});
+
+    // The history of a candidate of the last step, as far back as the window reaches, and the same
+    // as a graph in the language of Graphviz. Error: state, before the start, after a stop or
+    // for a place that the last step does not have.
+    std::vector<HistoryStep> history(std::size_t candidate) const;
+    std::string graph(std::size_t candidate, std::string const& name) const;
 
     Plant const& plant() const;
     double time() const;  // of the last step that ended well

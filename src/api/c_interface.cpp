@@ -136,6 +136,10 @@ tavro::Options optionsOf(tavro_options const* given) {
     options.watchMemory = given->watch_memory != 0;
     options.trace = sinkOf(given->trace, given->context);
     options.messages = sinkOf(given->messages, given->context);
+    if (given->give_up != nullptr)
+        options.giveUp = [ask = given->give_up, context = given->context] {
+            return ask(context) != 0;
+        };
     return options;
 }
 
@@ -223,6 +227,15 @@ tavro_code tavro_plant_builtin(char const* name, tavro_plant** plant) {
     if (name == nullptr)
         return missing("name");
     return guarded([&] { *plant = new tavro_plant{tavro::Plant::builtin(name)}; });
+}
+
+tavro_code tavro_plant_load(char const* path, tavro_plant** plant) {
+    if (plant == nullptr)
+        return missing("place for the plant");
+    *plant = nullptr;
+    if (path == nullptr)
+        return missing("path");
+    return guarded([&] { *plant = new tavro_plant{tavro::Plant::load(path)}; });
 }
 
 void tavro_plant_free(tavro_plant* plant) {

@@ -5,16 +5,18 @@
 #include "api/builtin_models.h"
 #include "api/plant_data.h"
 #include "continuous/records.h"
+#include "language/file_reader.h"
+#include "language/language.h"
 #include "run/build_plant.h"
 
 namespace tavro {
 
 namespace {
 
-std::unique_ptr<::Plant> build(CompiledModel const& model) {
+std::unique_ptr<::Plant> build(PlantSource const& source) {
     Host silent;
     try {
-        return buildPlant(model, silent);
+        return buildPlant(source, silent);
     } catch (PlantRefused const& refused) {
         throw Error(ErrorKind::plant, refused.what());
     } catch (std::bad_alloc const&) {
@@ -39,6 +41,14 @@ Plant Plant::builtin(std::string_view name) {
     if (found == models.end())
         throw Error(ErrorKind::plant, "no plant is named " + std::string(name));
     return Plant(std::make_shared<PlantData const>(build(**found)));
+}
+
+Plant Plant::load(std::string const& path) {
+    FileReader reader;
+    PlantFile const file(path, reader);
+    if (!file.isSound())
+        throw Error(ErrorKind::plant, rendered(file.messages(), file.sources()));
+    return Plant(std::make_shared<PlantData const>(build(file.source())));
 }
 
 std::vector<std::string> Plant::builtins() {
@@ -86,6 +96,15 @@ std::vector<std::string> const& Plant::commands() const {
 
 std::vector<std::string> const& Plant::observations() const {
     return data->names.observations;
+}
+
+std::vector<std::string> Plant::values(std::string const& mode) const {
+    auto const found = data->names.values.find(mode);
+    return found != data->names.values.end() ? found->second : std::vector<std::string>();
+}
+
+std::vector<Influence> Plant::influences() const {
+    return data->names.influences;
 }
 
 }  // namespace tavro

@@ -33,6 +33,14 @@ Step Run::step(Line const& line) {
     return data->steps.step(line);
 }
 
+std::vector<HistoryStep> Run::history(std::size_t candidate) const {
+    return data->steps.history(candidate);
+}
+
+std::string Run::graph(std::size_t candidate, std::string const& name) const {
+    return data->steps.graph(candidate, name);
+}
+
 Plant const& Run::plant() const {
     return followed;
 }

@@ -134,6 +134,7 @@ void printHSTree(s_runtime* rt, std::vector<Leaf> const& leaves);
 void printConflict(s_runtime* rt, Conflict const* conflict);
 // Under which the suspect acts, as "((thermostat.mode=on))"; "()" for always.
 std::string conditionText(Conflict const& conflict);
+std::string conditionText(s_Condition const* condition);
 // Digits of a number, one for 0: the width of a leaf's number in the headings that the text had
 // once.
 int numLength(int number);

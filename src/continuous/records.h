@@ -47,7 +47,7 @@ struct s_Variable {
     int defined = 0;                // `old` and `new_` hold a value
     s_Objet old;                    // end of the previous cycle; type 0 until there is a value
     s_Objet new_;                   // computed in this cycle; meaningless for a parameter
-    s_Objet mes;                    // last measure; meaningless unless measured
+    s_Objet mes;                    // last measure; of type 0 when it is missing, or none is made
     int lowalarm = 0;               // consecutive measures below the prediction; not 0: not trusted
     int highalarm = 0;              // consecutive measures above the prediction
     int meslowmisb = 0;             // a low alarm is established

@@ -123,6 +123,9 @@ struct AgesRead {
 
 // What a measure tells of its variable: the number shown, and the noise on both sides.
 s_Objet sn_observed(s_Variable const* variable);
+// A number that was measured, or no value for one that is missing (not a number); and back.
+s_Objet sn_measured(double number);
+double sn_numberOf(s_Objet const& measured);
 // Has causes, which tell its value.
 bool sn_isPredicted(s_Variable const* variable);
 AgesRead sn_agesRead(s_Influence const& influence);

@@ -26,9 +26,10 @@ s_Variable const& measureOf(hybTrajectory const& candidate, std::size_t measure)
 
 bool BoundsWatch::isBlind(Watched& watched, std::size_t measure, HybMap const& candidates,
                           int step) {
-    double const measured = sn_infOf(measureOf(*candidates.begin()->second, measure).mes);
-    watched.least = std::min(watched.least, measured);
-    watched.greatest = std::max(watched.greatest, measured);
+    if (s_Objet const& mes = measureOf(*candidates.begin()->second, measure).mes; isValue(mes)) {
+        watched.least = std::min(watched.least, sn_infOf(mes));
+        watched.greatest = std::max(watched.greatest, sn_infOf(mes));
+    }
     double lower = INFINITY;
     double upper = -INFINITY;
     for (auto const& entry : candidates) {
@@ -49,10 +50,7 @@ std::string BoundsWatch::look(HybMap const& candidates) {
         return "";
     hybTrajectory const& first = *candidates.begin()->second;
     ++steps;
-    while (measures.size() < first.rt->measure.size()) {
-        double const measured = sn_infOf(measureOf(first, measures.size()).mes);
-        measures.push_back({measured, measured, 0.0, 0});
-    }
+    measures.resize(first.rt->measure.size());
     for (std::size_t i = 0; i < measures.size(); ++i) {
         bool const blind = isBlind(measures[i], i, candidates, steps);
         measures[i].blindSteps = blind ? measures[i].blindSteps + 1 : 0;

@@ -9,6 +9,7 @@
 // run; bounds that shrink again do not take it back.
 #pragma once
 
+#include <cmath>
 #include <string>
 #include <vector>
 
@@ -23,7 +24,8 @@ public:
 
 private:
     struct Watched {
-        double least, greatest;   // of the values measured
+        double least = INFINITY;  // of the values measured
+        double greatest = -INFINITY;
         double firstWidth = 0.0;  // the widest bounds of the first steps
         int blindSteps = 0;       // in a row
     };

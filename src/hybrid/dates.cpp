@@ -191,8 +191,8 @@ bool areTheSame(Case const& a, Case const& b) {
 
 double valueBack(s_Objet const& present, History<s_Objet> const& history, int cycles) {
     if (cycles == 0 || history.size() == 0)
-        return sn_infOf(present);
-    return sn_infOf(history[std::min(cycles, history.size()) - 1]);
+        return sn_numberOf(present);
+    return sn_numberOf(history[std::min(cycles, history.size()) - 1]);
 }
 
 // The line that was current *cycles* ago becomes so again.

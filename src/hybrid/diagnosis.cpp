@@ -104,6 +104,7 @@ HybMap dateEach(RunState& run, std::vector<Explained> const& all, int threshold,
     for (Explained const& one : all)
         if (!dateExplanations(run, *one.candidate, one.explanations, threshold, time, share, dated))
             whole = false;
+    run.remarks.datesCut = run.remarks.datesCut || !whole;
     if (!whole)
         run.err << "answer: the dates were searched for " << share
                 << " cycles of each candidate and no further: failures may have begun earlier\n";

@@ -108,9 +108,11 @@ bool walkCandidates(RunState& run, RunOptions const& options, double time) {
 
 void watchBounds(RunState& run, double time) {
     std::string const measure = run.bounds.look(run.tracked_trajs);
-    if (!measure.empty())
-        run.err << "answer: the bounds of " << measure << " have grown past use at "
-                << shortText(time) << ": little will be noticed from here on\n";
+    if (measure.empty())
+        return;
+    run.remarks.pastUse = measure;
+    run.err << "answer: the bounds of " << measure << " have grown past use at " << shortText(time)
+            << ": little will be noticed from here on\n";
 }
 
 }  // namespace

@@ -64,6 +64,7 @@ void limitCandidates(RunState& run, double time, bool nominal) {
     Chosen const chosen = chooseLikeliest(run, run.tracked_trajs, limit);
     std::erase_if(run.tracked_trajs,
                   [&chosen](auto const& entry) { return chosen.count(entry.second.get()) == 0; });
+    run.remarks.dropped += before - limit;
     run.err << "The limit of " << limit << " candidates is met: " << before - limit
             << " of the least likely are dropped.\n";
 }

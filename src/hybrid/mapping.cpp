@@ -75,7 +75,7 @@ void takeMeasure(s_runtime* rt, s_Variable* variable) {
     auto const found = std::find(rt->measure.begin(), rt->measure.end(), variable);
     assert(rt->mesval != nullptr || found == rt->measure.end());
     if (found != rt->measure.end())
-        variable->mes = makeReal(rt->mesval[found - rt->measure.begin()]);
+        variable->mes = sn_measured(rt->mesval[found - rt->measure.begin()]);
 }
 
 void becomeNumber(s_Objet* value) {

@@ -31,8 +31,8 @@ std::optional<int> faultStepOf(Trajectory const& traj) {
 double pastValue(s_Objet const& present, History<s_Objet> const& history, double from, double now) {
     int const index = truncateToInt(now) - truncateToInt(from) - 1;
     if (index < 0 || history.size() == 0)
-        return sn_infOf(present);
-    return sn_infOf(history[std::min(index, history.size() - 1)]);
+        return sn_numberOf(present);
+    return sn_numberOf(history[std::min(index, history.size() - 1)]);
 }
 
 // What the candidate becomes when it is replayed from its fault; into *result*, by rank.

@@ -67,4 +67,12 @@ public:
     bool lost = false;                  // no candidate has agreed since the last diagnosis
     bool limitAdvised = false;          // the user knows how to bound the number of candidates
     BoundsWatch bounds;                 // whether the bounds can still tell anything
+
+    // What the user has been told of the last step besides its candidates.
+    struct Remarks {
+        std::size_t dropped = 0;  // by the rule `limit`
+        bool datesCut = false;    // a diagnosis did not try every date
+        std::string pastUse;      // a measure whose bounds tell nothing any more
+    };
+    Remarks remarks;
 };

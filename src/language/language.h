@@ -4,8 +4,8 @@
 //   show rendered(file.messages(), file.sources())
 //   if (file.isSound()) ... buildPlant(file.source(), host)
 //
-// Nothing here prints, exits or opens a file. A PlantFile is constant once it is made; what
-// source() gives lives on its own.
+// Nothing here prints or exits, and no file is opened but by the reader (file_reader.h). A
+// PlantFile is constant once it is made; what source() gives lives on its own.
 #pragma once
 
 #include <memory>

@@ -31,8 +31,11 @@ void LineStream::Buffer::put(char c) {
     line.clear();
 }
 
-LibraryHost::LibraryHost(LineStream::Sink trace, LineStream::Sink messages, bool watchesMemory)
-    : trace(std::move(trace)), told(std::move(messages)), watchesMemory(watchesMemory) {}
+LibraryHost::LibraryHost(tavro::Options const& options)
+    : trace(options.trace),
+      told(options.messages),
+      watchesMemory(options.watchMemory),
+      giveUp(options.giveUp) {}
 
 void LibraryHost::inputs(int count, double* values) {
     std::copy_n(firstInputs.begin(), std::min<std::size_t>(firstInputs.size(), count), values);

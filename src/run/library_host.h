@@ -38,7 +38,7 @@ private:
 
 class LibraryHost : public Host {
 public:
-    LibraryHost(LineStream::Sink trace, LineStream::Sink messages, bool watchesMemory);
+    explicit LibraryHost(tavro::Options const& options);
 
     std::ostream& out() override { return trace; }
     std::ostream& err() override { return told; }
@@ -47,6 +47,8 @@ public:
     void isolated(Isolation const& found) override;
     void diagnosis(std::string const& text) override;
     bool memoryRunsShort() override { return watchesMemory && memory.runsShort(); }
+
+    char const* stopOverdue() override { return giveUp && giveUp() ? "given up" : nullptr; }
 
     std::vector<double> firstInputs, firstMeasures;  // given to the run's start
     // Of the current step: the texts of its diagnoses, none of them empty, and the same as data,
@@ -58,5 +60,6 @@ private:
     LineStream trace;
     LineStream told;
     bool const watchesMemory;
+    std::function<bool()> const giveUp;
     SystemMemoryWatch memory;
 };

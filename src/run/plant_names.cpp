@@ -3,6 +3,7 @@
 
 #include <algorithm>
 
+#include "continuous/isolation.h"
 #include "continuous/records.h"
 #include "model/labels.h"
 
@@ -20,6 +21,28 @@ void addAtoms(StateVar const& variable, std::vector<std::string>& ids) {
         ids.emplace_back(atom->getId());
 }
 
+std::string kindOf(influType type) {
+    switch (type) {
+        case INF_DYNAMIC:
+            return "first order";
+        case INF_DYNAMIC2:
+            return "second order";
+        case INF_INTEGRAL:
+            return "integral";
+        case INF_COUPLING:
+            return "coupling";
+        default:
+            return "static";
+    }
+}
+
+void addInfluences(s_runtime const& rt, std::vector<tavro::Influence>& influences) {
+    for (auto const& influence : rt.influ)
+        if (influence->cause != nullptr)
+            influences.push_back({influence->nom, influence->cause->nom, influence->effect->nom,
+                                  kindOf(influence->type), conditionText(influence->cond)});
+}
+
 }  // namespace
 
 PlantNames::PlantNames(Plant const& plant) {
@@ -28,8 +51,11 @@ PlantNames::PlantNames(Plant const& plant) {
             components.emplace_back(entry.second->getName());
     std::sort(components.begin(), components.end());
     for (StateVar const* variable : plant.stateVars) {
-        if (variable->type == typeMode)
+        if (variable->type == typeMode) {
             modes.push_back(variable->name);
+            for (Atom const* atom : variable->getAtomLinks())
+                values[variable->name].push_back(atom->value);
+        }
         if (variable->type == typeCommand)
             addAtoms(*variable, commands);
     }
@@ -39,6 +65,7 @@ PlantNames::PlantNames(Plant const& plant) {
         for (auto const& variable : rt->dico)
             if (!variable->isParam)
                 variables.push_back(variable->nom);
+        addInfluences(*rt, influences);
         return;
     }
     // A hybrid run reads no observations.

@@ -50,7 +50,7 @@ tavro::Explanation explain(Trajectory const& history, Transition& transition, in
     if (transition.postMode != nullptr)
         e.to = transition.postMode->value;
     e.step = step;
-    e.time = e.earliest = e.latest = time;
+    e.time = e.earliest = e.latest = time == Trajectory::noTime ? -1.0 : time;
     if (auto const dated = history.dated.find(transition.id); dated != history.dated.end()) {
         e.earliest = dated->second.from;
         e.latest = dated->second.to;
@@ -61,7 +61,56 @@ tavro::Explanation explain(Trajectory const& history, Transition& transition, in
     return e;
 }
 
+// The explanations of one history, as its own.
+std::vector<tavro::Explanation> explain(Trajectory const& history, TimeOfStep const& timeOfStep) {
+    std::vector<tavro::Explanation> explanations;
+    for (auto const& [transition, step] : movesOf(history)) {
+        explanations.push_back(explain(history, *transition, step, timeOfStep(history, step)));
+        explanations.back().rank = history.rank;
+    }
+    return explanations;
+}
+
+bool holdsAt(Trajectory const& history, Atom const& atom, int step) {
+    TrajEl const* element = history.getElt(step, atom.getId());
+    return element != nullptr && element->evalTrajEl();
+}
+
+// What leaves the mode and has reached another one by the next step that is about the component.
+void addMoves(Trajectory const& history, TrajEl const& mode, int step,
+              std::vector<tavro::Move>& moves) {
+    int const next = history.getNext(mode.getStateVar(), step);
+    if (next == 0)
+        return;
+    for (auto const& [id, transition] : mode.nextTrans)
+        if (transition != nullptr && !transition->idle && transition->postMode != nullptr &&
+            holdsAt(history, *transition->postMode, next))
+            moves.push_back({mode.atom->getVarComp()->getName(), mode.atom->value,
+                             transition->postMode->value, transition->type == transFail,
+                             transition->unknownPost});
+}
+
 }  // namespace
+
+std::vector<tavro::HistoryStep> stepsOf(Trajectory const& history, TimeOfStep const& timeOfStep) {
+    std::vector<tavro::HistoryStep> steps;
+    for (auto const& [number, state] : history.states) {
+        tavro::HistoryStep told;
+        told.step = number;
+        double const time = timeOfStep(history, number);
+        told.time = time == Trajectory::noTime ? -1.0 : time;
+        for (auto const& [id, element] : state->elts) {
+            if (element == nullptr || element->getVarType() != typeMode || !element->evalTrajEl())
+                continue;
+            told.modes[element->getStateVar()->getName()] = element->atom->value;
+            addMoves(history, *element, number, told.moves);
+        }
+        steps.push_back(std::move(told));
+    }
+    std::sort(steps.begin(), steps.end(),
+              [](auto const& a, auto const& b) { return a.step < b.step; });
+    return steps;
+}
 
 std::vector<CandidateView> candidatesOf(RunState const& run) {
     std::vector<CandidateView> candidates;
@@ -79,8 +128,10 @@ std::vector<CandidateView> candidatesOf(RunState const& run) {
     return candidates;
 }
 
-tavro::Candidate describe(Plant const& plant, CandidateView const& candidate, bool detecting) {
+tavro::Candidate describe(Plant const& plant, CandidateView const& candidate, bool detecting,
+                          TimeOfStep const& timeOfStep) {
     tavro::Candidate described;
+    described.moves = explain(*candidate.history, timeOfStep);
     for (StateVar const* variable : plant.stateVars)
         if (variable->type == typeMode)
             described.modes[variable->name] = textOf(valueOf(*candidate.history, *variable));
@@ -88,6 +139,7 @@ tavro::Candidate describe(Plant const& plant, CandidateView const& candidate, bo
     described.probability = candidate.history->proba;
     if (candidate.runtime == nullptr)
         return described;
+    described.id = candidate.runtime->num;
     for (auto const& variable : candidate.runtime->dico)
         if (!variable->isParam)
             described.bounds[variable->nom] = boundsOf(*variable);
@@ -117,14 +169,10 @@ std::vector<tavro::Alarm> alarmsOf(std::vector<CandidateView> const& candidates)
 std::vector<tavro::Explanation> explanationsOf(std::vector<CandidateView> const& candidates,
                                                TimeOfStep const& timeOfStep) {
     std::vector<tavro::Explanation> explanations;
-    for (std::size_t i = 0; i < candidates.size(); ++i) {
-        Trajectory const& history = *candidates[i].history;
-        for (auto const& [transition, step] : movesOf(history)) {
-            tavro::Explanation e = explain(history, *transition, step, timeOfStep(history, step));
+    for (std::size_t i = 0; i < candidates.size(); ++i)
+        for (tavro::Explanation& e : explain(*candidates[i].history, timeOfStep)) {
             e.candidate = i;
-            e.rank = history.rank;
             explanations.push_back(std::move(e));
         }
-    }
     return explanations;
 }

@@ -20,7 +20,8 @@ using TimeOfStep = std::function<double(Trajectory const& history, int step)>;
 // of the run; of a discrete one in its order, which is that of probability.
 std::vector<CandidateView> candidatesOf(RunState const& run);
 
-tavro::Candidate describe(Plant const& plant, CandidateView const& candidate, bool detecting);
+tavro::Candidate describe(Plant const& plant, CandidateView const& candidate, bool detecting,
+                          TimeOfStep const& timeOfStep);
 
 // What the candidates misbehave in: each measure and side once, in the order of the measures.
 std::vector<tavro::Alarm> alarmsOf(std::vector<CandidateView> const& candidates);
@@ -28,3 +29,6 @@ std::vector<tavro::Alarm> alarmsOf(std::vector<CandidateView> const& candidates)
 // The transitions that a search put into the histories, candidate by candidate.
 std::vector<tavro::Explanation> explanationsOf(std::vector<CandidateView> const& candidates,
                                                TimeOfStep const& timeOfStep);
+
+// The steps of a history that its window still holds.
+std::vector<tavro::HistoryStep> stepsOf(Trajectory const& history, TimeOfStep const& timeOfStep);

@@ -4,11 +4,13 @@
 #include <algorithm>
 #include <cassert>
 #include <cmath>
+#include <iterator>
 
 #include "continuous/isolation.h"
 #include "continuous/sorn-runt.h"
 #include "support/memory_watch.h"
 #include "support/run_stopped.h"
+#include "trajectory/model_tools.h"
 
 using tavro::Error;
 using tavro::ErrorKind;
@@ -98,6 +100,8 @@ ErrorKind kindOf(RunStopped::Reason reason) {
             return ErrorKind::eventImpossible;
         case RunStopped::noDiagnosis:
             return ErrorKind::noDiagnosis;
+        case RunStopped::overdue:
+            return ErrorKind::givenUp;
         default:
             return ErrorKind::internal;
     }
@@ -108,7 +112,7 @@ ErrorKind kindOf(RunStopped::Reason reason) {
 StepwiseRun::StepwiseRun(Plant const& plant, PlantNames const& names, tavro::Options const& options)
     : names(names),
       options((checkOptions(plant, options), options)),
-      host(options.trace, options.messages, options.watchMemory),
+      host(options),
       run(plant, host, settingsOf(options)),
       asked(engineOptions(options)),
       memoryShort(ErrorKind::memory, "memory ran short, the run stopped") {}
@@ -130,15 +134,39 @@ void StepwiseRun::checkValues(std::vector<double> const& values,
         throw Error(ErrorKind::data, std::to_string(values.size()) + " " + what +
                                          " given, the plant has " +
                                          std::to_string(expected.size()));
+    bool const mayMiss = &expected == &names.measures;
     for (std::size_t i = 0; i < values.size(); ++i)
-        if (!std::isfinite(values[i]))
+        if (!std::isfinite(values[i]) && !(mayMiss && std::isnan(values[i])))
             throw Error(ErrorKind::data, "the value of " + expected[i] + " is no finite number");
+}
+
+// Nothing could take the place of the first one.
+void StepwiseRun::checkFirstMeasures(std::vector<double> const& measures) const {
+    for (std::size_t i = 0; i < measures.size(); ++i)
+        if (std::isnan(measures[i]) && !sn_isPredicted(run.tavro_rt->measure[i]))
+            throw Error(ErrorKind::data, "the first measure of " + names.measures[i] +
+                                             " is missing, and nothing predicts it");
+}
+
+// A missing measure of what nothing predicts is the last one, for there is nothing else to know it
+// by; any other stays missing.
+std::vector<double> StepwiseRun::measured(std::vector<double> const& given) {
+    std::vector<double> measures = given;
+    lastMeasures.resize(measures.size());
+    for (std::size_t i = 0; i < measures.size(); ++i)
+        if (!std::isnan(measures[i]))
+            lastMeasures[i] = measures[i];
+        else if (!sn_isPredicted(run.tavro_rt->measure[i]))
+            measures[i] = lastMeasures[i];
+    return measures;
 }
 
 void StepwiseRun::checkLine(tavro::Line const& line, bool starting) const {
     checkValues(line.inputs, names.inputs, "inputs");
     if (starting || detecting() || !line.measures.empty())
         checkValues(line.measures, names.measures, "measures");
+    if (starting)
+        checkFirstMeasures(line.measures);
     require(!starting || (line.commands.empty() && line.observations.empty()), ErrorKind::data,
             "a start takes no commands and no observations");
     require(line.commands.empty() || line.observations.empty(), ErrorKind::data,
@@ -214,7 +242,7 @@ void StepwiseRun::discreteStart() {
 
 void StepwiseRun::hybridStart(tavro::Line const& line) {
     host.firstInputs = line.inputs;
-    host.firstMeasures = line.measures;
+    host.firstMeasures = measured(line.measures);
     tavro_initialize(run, options.globalConstraints ? 1 : 0, options.precision, "",
                      options.accumulation);
     countdown = asked.period;
@@ -261,8 +289,10 @@ tavro::Step StepwiseRun::hybridStep(tavro::Line const& line) {
     giveCommands(commands, when);
     host.diagnoses.clear();
     host.suspects.clear();
+    run.remarks = {};
+    std::vector<double> const measures = measured(line.measures);
     std::copy(line.inputs.begin(), line.inputs.end(), run.engine.inps.begin());
-    std::copy(line.measures.begin(), line.measures.end(), run.engine.meas.begin());
+    std::copy(measures.begin(), measures.end(), run.engine.meas.begin());
     countdown -= run.tavro_rt->Ts;
     bool nominal = false;
     tavro_doCycle(run, asked, countdown, when, nominal);
@@ -278,6 +308,7 @@ tavro::Step StepwiseRun::hybridStep(tavro::Line const& line) {
             diagnose(told);
     }
     describeCandidates(told);
+    describeRemarks(told);
     now = when;
     return told;
 }
@@ -300,9 +331,7 @@ void StepwiseRun::diagnose(tavro::Step& told) {
     for (std::string const& text : host.diagnoses)
         told.diagnosis += (told.diagnosis.empty() ? "" : "\n") + text;
     told.suspects = std::move(host.suspects);
-    told.explanations = explanationsOf(candidatesOf(run), [](Trajectory const& history, int step) {
-        return history.getTimeCorr(step);
-    });
+    told.explanations = explanationsOf(candidatesOf(run), timeOfStep());
 }
 
 // A line without anything is one of commands, too. The event stands in its place of the scenario:
@@ -324,15 +353,46 @@ tavro::Step StepwiseRun::discreteStep(tavro::Line const& line) {
     if (commanding)
         timesOfHistory[scheduler.tracked_traj.begin()->second->getCurrentTime()] = told.time;
     if (told.diagnosed)
-        told.explanations = explanationsOf(candidatesOf(run), [this](Trajectory const&, int step) {
-            return timesOfHistory.at(step);
-        });
+        told.explanations = explanationsOf(candidatesOf(run), timeOfStep());
     describeCandidates(told);
     now = told.time;
     return told;
 }
 
+TimeOfStep StepwiseRun::timeOfStep() const {
+    if (discrete())
+        return [this](Trajectory const&, int step) {
+            // A step that a search has put in is dated by the line before it.
+            auto const next = timesOfHistory.upper_bound(step);
+            return next == timesOfHistory.begin() ? 0.0 : std::prev(next)->second;
+        };
+    return [](Trajectory const& history, int step) { return history.getTimeCorr(step); };
+}
+
 void StepwiseRun::describeCandidates(tavro::Step& told) const {
     for (CandidateView const& candidate : candidatesOf(run))
-        told.candidates.push_back(describe(run.plant, candidate, detecting()));
+        told.candidates.push_back(describe(run.plant, candidate, detecting(), timeOfStep()));
+}
+
+void StepwiseRun::describeRemarks(tavro::Step& told) {
+    told.dropped = run.remarks.dropped;
+    told.datesCut = run.remarks.datesCut;
+    told.pastUse = std::move(run.remarks.pastUse);
+}
+
+// ---- Histories ----
+
+Trajectory const& StepwiseRun::historyOf(std::size_t candidate) const {
+    mustBe(true);
+    std::vector<CandidateView> const candidates = candidatesOf(run);
+    require(candidate < candidates.size(), ErrorKind::state, "there is no such candidate");
+    return *candidates[candidate].history;
+}
+
+std::vector<tavro::HistoryStep> StepwiseRun::history(std::size_t candidate) const {
+    return stepsOf(historyOf(candidate), timeOfStep());
+}
+
+std::string StepwiseRun::graph(std::size_t candidate, std::string const& name) const {
+    return graphOf(historyOf(candidate), name);
 }

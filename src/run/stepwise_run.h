@@ -25,6 +25,10 @@ public:
     tavro::Step start(tavro::Line const& line);
     tavro::Step step(tavro::Line const& line);
 
+    // Of a candidate of the last step.
+    std::vector<tavro::HistoryStep> history(std::size_t candidate) const;
+    std::string graph(std::size_t candidate, std::string const& name) const;
+
     double time() const { return now; }
 
 private:
@@ -35,6 +39,7 @@ private:
     void checkLine(tavro::Line const& line, bool starting) const;
     void checkValues(std::vector<double> const& values, std::vector<std::string> const& names,
                      char const* what) const;
+    void checkFirstMeasures(std::vector<double> const& measures) const;
     std::vector<Atom*> atomsOf(std::vector<std::string> const& ids,
                                std::vector<std::string> const& known, char const* what) const;
 
@@ -51,6 +56,10 @@ private:
     void forgetCommands(double when);
     void diagnose(tavro::Step& told);
     void describeCandidates(tavro::Step& told) const;
+    void describeRemarks(tavro::Step& told);
+    TimeOfStep timeOfStep() const;
+    std::vector<double> measured(std::vector<double> const& given);
+    Trajectory const& historyOf(std::size_t candidate) const;
 
     PlantNames const& names;
     tavro::Options const options;
@@ -59,6 +68,7 @@ private:
     RunOptions asked;
     double countdown = 0.0;                // to the reset of a simulation
     std::map<int, double> timesOfHistory;  // of a discrete run: the line that made a history's step
+    std::vector<double> lastMeasures;      // of each measure the last one that was not missing
     double now = 0.0;
     bool hasStarted = false;
     std::optional<tavro::Error> stopped;

@@ -3,9 +3,9 @@
 #include <cstdio>
 #include <memory>
 
+#include "language/file_reader.h"
 #include "language/language.h"
 #include "tavro/commands.h"
-#include "tavro/file_reader.h"
 
 namespace {
 

@@ -17,5 +17,6 @@ enum Status {
 
 void addCheck(CLI::App& program, int& status);
 void addConsole(CLI::App& program, int& status);
+void addRun(CLI::App& program, int& status);
 void addShow(CLI::App& program, int& status);
 void addSimulate(CLI::App& program, int& status);

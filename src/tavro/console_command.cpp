@@ -4,9 +4,9 @@
 
 #include "console/console.h"
 #include "console/process.h"
+#include "language/file_reader.h"
 #include "language/language.h"
 #include "tavro/commands.h"
-#include "tavro/file_reader.h"
 
 namespace {
 

@@ -13,6 +13,7 @@ int main(int argc, char** argv) {
     int status = succeeded;
     addCheck(program, status);
     addShow(program, status);
+    addRun(program, status);
     addConsole(program, status);
     addSimulate(program, status);
     try {

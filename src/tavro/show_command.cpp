@@ -5,9 +5,9 @@
 #include <memory>
 
 #include "language/describe.h"
+#include "language/file_reader.h"
 #include "language/language.h"
 #include "tavro/commands.h"
-#include "tavro/file_reader.h"
 
 namespace {
 

@@ -9,12 +9,12 @@
 #include <optional>
 #include <sstream>
 
+#include "language/file_reader.h"
 #include "language/language.h"
 #include "model/Comprt.h"
 #include "model/labels.h"
 #include "run/build_plant.h"
 #include "tavro/commands.h"
-#include "tavro/file_reader.h"
 #include "tavro/truth_file.h"
 
 namespace {

@@ -162,12 +162,16 @@ void toDot(Host& host, Comp const* comp) {
     writeFile(host, comp->getName(), text);
 }
 
-void toDot(Host& host, Trajectory const* trajectory, std::string const& name) {
-    trajectory->showTrajectoryTransitions(host.out());
+std::string graphOf(Trajectory const& trajectory, std::string const& name) {
     std::string text;
     append(text, {"digraph ", name,
                   " {\n\trankdir=LR;\n\tranksep=1;\n\tsize=\"10,5\"\n\torientation=land;\n\t",
-                  componentColumn(*trajectory), timeLine(*trajectory), ranks(*trajectory),
-                  edges(*trajectory), "}\n"});
-    writeFile(host, name, text);
+                  componentColumn(trajectory), timeLine(trajectory), ranks(trajectory),
+                  edges(trajectory), "}\n"});
+    return text;
+}
+
+void toDot(Host& host, Trajectory const* trajectory, std::string const& name) {
+    trajectory->showTrajectoryTransitions(host.out());
+    writeFile(host, name, graphOf(*trajectory, name));
 }

@@ -19,6 +19,8 @@ std::string makeNodeNameWithLabel(Atom const* atom, std::string const& suffix);
 // Writes <component name>.dot: an edge per transition, from the mode before to the one after, with
 // the command that triggers it and its probability.
 void toDot(Host& host, Comp const* comp);
-// Writes <name>.dot: a time line across the page, the modes of each component at each step, and the
-// transitions between them.
+// A time line across the page, the modes of each component at each step, and the transitions
+// between them.
+std::string graphOf(Trajectory const& trajectory, std::string const& name);
+// Writes that as <name>.dot.
 void toDot(Host& host, Trajectory const* trajectory, std::string const& name);

@@ -115,7 +115,7 @@ TEST(C, NamesThePlantsThatItHolds) {
 TEST(C, TellsTheTimeOfARun) {
     PlantHandle const plant = builtin("therm");
     RunHandle const run = runOf(plant);
-    double const first = 0.93835, none = NAN;
+    double const first = 0.93835, none = INFINITY;
     tavro_line line = measured(first);
     ASSERT_EQ(tavro_run_start(run.get(), &line, nullptr), TAVRO_OK);
     EXPECT_EQ(tavro_run_time(run.get()), 0.0);
@@ -160,7 +160,7 @@ TEST(C, TellsWhatFailed) {
     EXPECT_EQ(tavro_run_new(plant.get(), &options, &noRun), TAVRO_OPTIONS);
 
     RunHandle const run = runOf(plant);
-    double const notANumber = NAN;
+    double const notANumber = INFINITY;
     tavro_line line = measured(notANumber);
     EXPECT_EQ(tavro_run_step(run.get(), &line, nullptr), TAVRO_STATE);
     EXPECT_EQ(tavro_run_start(run.get(), &line, nullptr), TAVRO_DATA);

@@ -286,15 +286,29 @@ TEST_F(CycleModes, AnIsolationAloneTakesNoStep) {
     EXPECT_EQ(v->lowalarm, 0);
 }
 
-TEST_F(CycleModes, AMeasureThatIsNoNumberRunsThrough) {
-    step(CYCLE_DETECT, std::nan(""));
-    EXPECT_EQ(text(v->old), "41");
+// The integral grows by 1 a cycle, from the measure before where there is one.
+TEST_F(CycleModes, WhileAMeasureIsMissingThePredictionGoesOnAlone) {
+    double const missing = std::nan("");
+    EXPECT_EQ(step(CYCLE_DETECT, missing), "41 shown 41");
+    EXPECT_FALSE(isValue(v->mes));
+    EXPECT_EQ(step(CYCLE_DETECT, 60), "42 shown 42");
+    EXPECT_FALSE(isValue(v->mesHisto[0]));
+    EXPECT_EQ(step(CYCLE_DETECT, missing), "61 shown 61");
+    EXPECT_EQ(step(CYCLE_RESET, missing), "62 shown 62");
+}
+
+// Two measures in a row, of which one is missing in between: an alarm at the second.
+TEST_F(CycleModes, AMissingMeasureIsComparedWithNothing) {
     step(CYCLE_DETECT, 60);
-    EXPECT_TRUE(std::isnan(v->old.real));
-    EXPECT_TRUE(std::isnan(v->mesHisto[0].real));
     sn_checkMs(&plant.rt, 2);
-    EXPECT_EQ(v->lowalarm, 1);  // neither near nor above
-    EXPECT_EQ(step(CYCLE_RESET, 7), "7 shown nan");
+    EXPECT_EQ(v->highalarm, 1);
+    step(CYCLE_DETECT, std::nan(""));
+    sn_checkMs(&plant.rt, 2);
+    EXPECT_EQ(v->highalarm, 1);
+    EXPECT_EQ(v->meshighmisb, 0);
+    step(CYCLE_DETECT, 60);
+    sn_checkMs(&plant.rt, 2);
+    EXPECT_EQ(v->meshighmisb, 1);
 }
 
 // ---- The start ----

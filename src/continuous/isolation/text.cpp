@@ -164,10 +164,14 @@ void printConflict(s_runtime* rt, Conflict const* conflict) {
 }
 
 std::string conditionText(Conflict const& conflict) {
-    if (conflict.influence->cond == nullptr)
+    return conditionText(conflict.influence->cond);
+}
+
+std::string conditionText(s_Condition const* condition) {
+    if (condition == nullptr)
         return "()";
     std::string text;
-    writeCondition(text, conflict.influence->cond);
+    writeCondition(text, condition);
     return text;
 }
 

@@ -1,5 +1,6 @@
 // Detection: each measure is compared with the prediction for the same instant, and measures that
-// stay outside become alarms.
+// stay outside become alarms. A measure that is missing is compared with nothing: what was counted
+// stands until the next one.
 //
 // Per measure there is a counter for each side. Required: it goes back to 0 only with a measure
 // that is inside, not with one on the other side, so that a value that swings around its prediction
@@ -91,6 +92,8 @@ void clearAlarms(s_Variable* variable) {
 }
 
 void check(s_Variable* variable, Rules const& rules, double precision, int threshold) {
+    if (!isValue(variable->mes))
+        return;
     Verdict const verdict = classify(*variable, rules, precision);
     if (verdict == Verdict::INSIDE)
         return clearAlarms(variable);
@@ -111,7 +114,8 @@ void sn_setAlarms(s_runtime* rt) {
 
 void sn_resetMs(s_runtime* rt) {
     for (s_Variable* measure : rt->measure)
-        measure->old = sn_observed(measure);
+        if (isValue(measure->mes))
+            measure->old = sn_observed(measure);
 }
 
 int sn_checkMs(s_runtime* rt, int threshold) {

@@ -32,8 +32,11 @@ Previous previousIn(s_Objet* value, History<s_Objet>* history) {
 
 Previous previousOf(s_runtime const* rt, s_Variable* effect) {
     // By the rule `narrow` the measure is in `old` already.
-    if (!rt->engine->rules.narrow && sn_isTrusted(rt, effect))
-        return previousIn(&effect->mes, &effect->mesHisto);
+    if (!rt->engine->rules.narrow && sn_isTrusted(rt, effect)) {
+        Previous const measured = previousIn(&effect->mes, &effect->mesHisto);
+        if (isValue(measured.second))
+            return measured;
+    }
     return previousIn(&effect->old, &effect->histo);
 }
 

@@ -1,5 +1,7 @@
 // What enters a runtime from outside, and what it yields.
 #include <cassert>
+#include <cmath>
+#include <limits>
 
 #include "continuous/sorn-runt.h"
 
@@ -25,7 +27,7 @@ int enterMeasuresInto(s_runtime* rt, s_Objet s_Variable::*field) {
     rt->mesval = rt->engine->meas.data();
     for (std::size_t i = 0; i < rt->measure.size(); ++i) {
         sn_pushHistoMes(rt->measure[i]);
-        rt->measure[i]->*field = makeReal(rt->mesval[i]);
+        rt->measure[i]->*field = sn_measured(rt->mesval[i]);
     }
     return 1;
 }
@@ -53,6 +55,14 @@ bool yieldCondsOf(s_runtime* rt, bool allFalse) {
 }
 
 }  // namespace
+
+s_Objet sn_measured(double number) {
+    return std::isnan(number) ? s_Objet{} : makeReal(number);
+}
+
+double sn_numberOf(s_Objet const& measured) {
+    return isValue(measured) ? sn_infOf(measured) : std::numeric_limits<double>::quiet_NaN();
+}
 
 int sn_enterMeasures(s_runtime* rt) {
     return enterMeasuresInto(rt, &s_Variable::mes);

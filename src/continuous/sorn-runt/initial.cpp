@@ -27,7 +27,7 @@ void defineCause(s_runtime* rt, s_Variable* cause) {
         rt->engine->err << "The first value of " << cause->nom << " depends on itself !\n";
     if (cause->defined)
         return;
-    if (sn_isMeasure(rt, cause)) {
+    if (sn_isMeasure(rt, cause) && isValue(cause->mes)) {
         cause->old = sn_observed(cause);
         cause->defined = 1;
     } else {
@@ -102,7 +102,7 @@ void sn_initVars(s_runtime* rt) {
     for (s_InitVar const& initial : rt->init)
         setFirstValue(initial.var, initial.value);
     for (s_Variable* measure : rt->measure)
-        if (!measure->defined)
+        if (!measure->defined && isValue(measure->mes))
             setFirstValue(measure, sn_observed(measure));
     defineFromCauses(rt, rt->temporal);
     defineFromCauses(rt, rt->untemporal);

@@ -36,13 +36,19 @@ bool flagAt(History<int> const& history, int i) {
     return history.size() > 0 && history[std::min(i, history.size() - 1)] != 0;
 }
 
+// A second-order influence reads the value before, too: of the measures only if neither is missing.
+bool isWhole(s_Influence const* influence, History<s_Objet> const& history, int before,
+             s_Objet const& without) {
+    return influence->type != INF_DYNAMIC2 || isValue(entryAt(history, before, without));
+}
+
 // At a delay of *hi* cycles the measure was trusted. Without a history only today's alarms are
 // known.
 bool wasTrusted(s_runtime const* rt, s_Variable const* cause, int hi) {
     if (cause->mesHisto.size() == 0)
         return sn_isTrusted(rt, cause);
-    return sn_isMeasure(rt, cause) && !flagAt(cause->lowHisto, hi - 1) &&
-           !flagAt(cause->highHisto, hi - 1);
+    return sn_isMeasure(rt, cause) && isValue(entryAt(cause->mesHisto, hi - 1, cause->mes)) &&
+           !flagAt(cause->lowHisto, hi - 1) && !flagAt(cause->highHisto, hi - 1);
 }
 
 // A delay of at least one cycle. Required: over a range of delays, the hull is always taken from
@@ -50,7 +56,8 @@ bool wasTrusted(s_runtime const* rt, s_Variable const* cause, int hi) {
 void loadDelayed(s_runtime const* rt, s_Influence const* influence, int lo, int hi) {
     s_engine& engine = *rt->engine;
     s_Variable const* cause = influence->cause;
-    bool const measured = wasTrusted(rt, cause, hi);
+    bool const measured =
+        wasTrusted(rt, cause, hi) && isWhole(influence, cause->mesHisto, hi, cause->mes);
     History<s_Objet> const& history = measured ? cause->mesHisto : cause->histo;
     s_Objet const& without = measured ? cause->mes : cause->old;
     sn_putObjet(&entryAt(history, hi - 1, without), &engine.TMP2);
@@ -63,7 +70,8 @@ void loadDelayed(s_runtime const* rt, s_Influence const* influence, int lo, int 
 void loadPreviousCycle(s_runtime const* rt, s_Influence const* influence) {
     s_engine& engine = *rt->engine;
     s_Variable const* cause = influence->cause;
-    bool const measured = sn_isTrusted(rt, cause);
+    bool const measured =
+        sn_isTrusted(rt, cause) && isWhole(influence, cause->mesHisto, 0, cause->mes);
     sn_putObjet(measured ? &cause->mes : &cause->old, &engine.TMP2);
     if (influence->type != INF_DYNAMIC2)
         return;
@@ -158,7 +166,8 @@ void updateSecondOrder(s_runtime* rt, s_Variable* variable) {
 }  // namespace
 
 bool sn_isTrusted(s_runtime const* rt, s_Variable const* variable) {
-    return variable->lowalarm == 0 && variable->highalarm == 0 && sn_isMeasure(rt, variable);
+    return variable->lowalarm == 0 && variable->highalarm == 0 && isValue(variable->mes) &&
+           sn_isMeasure(rt, variable);
 }
 
 int sn_pushCond(s_Influence* influence, s_runtime* rt) {

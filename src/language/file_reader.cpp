@@ -1,5 +1,5 @@
 // Reading a file whole.
-#include "tavro/file_reader.h"
+#include "language/file_reader.h"
 
 #include <fstream>
 #include <iterator>
