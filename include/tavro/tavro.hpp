@@ -255,7 +255,10 @@ struct Candidate {
     int id = 0;
     std::map<std::string, std::string> modes;  // "thermostat.mode" is "on"
     std::map<std::string, Bounds> bounds;      // "room.x" lies in [4, 4]
-    double rank = 0.0;                         // how many failures it takes
+    // Of each measure what was predicted before the measures of this step narrowed anything. What
+    // could have been measured without being noticed is mostly this.
+    std::map<std::string, Bounds> foretold;
+    double rank = 0.0;  // how many failures it takes
     // Its share among the histories that the last discrete step or search weighed; 0 before any.
     double probability = 0.0;
     // What diagnoses have put into its history, in the order of the steps.
@@ -299,7 +302,7 @@ struct Move {
 // A discrete step of a candidate's history, which has steps only where something changes.
 struct HistoryStep {
     int step = 0;
-    double time = 0.0;  // -1: before the steps that are kept
+    double time = 0.0;                         // -1: before the steps that are kept
     std::map<std::string, std::string> modes;  // of the components that the step is about
     std::vector<Move> moves;                   // from here on to later steps, idle ones left out
 };

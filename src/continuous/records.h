@@ -48,11 +48,15 @@ struct s_Variable {
     s_Objet old;                    // end of the previous cycle; type 0 until there is a value
     s_Objet new_;                   // computed in this cycle; meaningless for a parameter
     s_Objet mes;                    // last measure; of type 0 when it is missing, or none is made
-    int lowalarm = 0;               // consecutive measures below the prediction; not 0: not trusted
-    int highalarm = 0;              // consecutive measures above the prediction
-    int meslowmisb = 0;             // a low alarm is established
-    int meshighmisb = 0;            // a high alarm is established
-    int mesmisb = 0;                // the measure misbehaves, in either direction
+    // Of a measured variable: the prediction of this cycle before its measures narrowed anything.
+    // What is told of it to who asks how far a measure could have strayed; nothing reads it.
+    // Of type 0 until there is one.
+    s_Objet foretold;
+    int lowalarm = 0;     // consecutive measures below the prediction; not 0: not trusted
+    int highalarm = 0;    // consecutive measures above the prediction
+    int meslowmisb = 0;   // a low alarm is established
+    int meshighmisb = 0;  // a high alarm is established
+    int mesmisb = 0;      // the measure misbehaves, in either direction
     // How far a measure may be from the truth. Not 0 only by the rule `narrow`, in a run that was
     // told so.
     double noise = 0.0;

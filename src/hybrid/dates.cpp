@@ -615,7 +615,8 @@ bool dateExplanations(RunState& run, hybTrajectory const& candidate, HybMap cons
         for (RunState::Dropped const& dropped : run.dropped)
             tryOn(lastStep(dropped));
         for (auto& entry : agreeing) {
-            entry.second->traj->proba = cases[i].proba;
+            // Its dates and the ways that it went from them have the case in common.
+            entry.second->traj->proba = cases[i].proba / static_cast<double>(agreeing.size());
             nameAlike(cases[i], *entry.second->traj);
             out.emplace(entry.first, std::move(entry.second));
         }

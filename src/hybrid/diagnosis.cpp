@@ -6,12 +6,14 @@
 // time up to now. By the classic rules only the first loss of a run is diagnosed.
 #include <algorithm>
 #include <cassert>
+#include <cmath>
 #include <ctime>
 
 #include "continuous/isolation.h"
 #include "continuous/sorn-runt.h"
 #include "hybrid/answer.h"
 #include "hybrid/dates.h"
+#include "hybrid/merging.h"
 #include "hybrid/tavro-runt.h"
 #include "reasoning/Scheduler.h"
 #include "support/run_stopped.h"
@@ -41,6 +43,32 @@ Observations allFalse(std::vector<Atom*> const& atoms) {
     return observations;
 }
 
+// By the rule `likelihood` the answers of all searches of a diagnosis are weighed together: one
+// that a first search found alone may be less probable than each of a second one's. Each gets back
+// what it weighed in its search.
+void weighBack(RunState& run, TrajectoryMap const& results) {
+    if (!run.rules.likelihood)
+        return;
+    for (auto const& result : results) {
+        result.second->scaleProbas(run.scheduler.answersWeight);
+        result.second->proba = result.second->weight();
+    }
+}
+
+// What is left of the answers, each by its share; equal ones where no weight tells them apart.
+void shareOut(RunState& run) {
+    if (!run.rules.likelihood || run.tracked_trajs.empty())
+        return;
+    double sum = 0.0;
+    for (auto const& entry : run.tracked_trajs)
+        sum += entry.second->traj->proba;
+    bool const known = std::isnormal(sum);
+    for (auto const& entry : run.tracked_trajs) {
+        double& proba = entry.second->traj->proba;
+        proba = known ? proba / sum : 1.0 / static_cast<double>(run.tracked_trajs.size());
+    }
+}
+
 // By the rule `histories` a failure may also have come since the last step of the history.
 TrajectoryMap explain(RunState& run, Trajectory& history, Observations const& observations) {
     TrajectoryMap found = run.scheduler.Diagnose(&history, observations);
@@ -62,6 +90,7 @@ void insertDiagnosis(RunState& run, std::unique_ptr<hybTrajectory> candidate, Hy
         if (run.rules.again)
             settleMoves(*copy.traj);
         TrajectoryMap const results = explain(run, *copy.traj, allFalse(set));
+        weighBack(run, results);
         for (auto const& result : results)
             out.emplace(result.first, std::make_unique<hybTrajectory>(
                                           result.second.get(), sn_copyRuntime(copy.rt.get())));
@@ -149,7 +178,8 @@ bool handleDated(RunState& run, int isolation, int threshold, double time) {
     }
     run.tracked_trajs = followDated(run, std::move(all), threshold, time);
     if (run.tracked_trajs.size() > 1)
-        sn_reduxTrajs(run.tracked_trajs, time);
+        mergeAnswers(run.tracked_trajs, time);
+    shareOut(run);
     tellAnswers(run, run.tracked_trajs);
     return areAllUnknown(run.tracked_trajs);
 }
@@ -171,6 +201,7 @@ bool handleMisbTrajs(RunState& run, int isolation, int threshold, double time) {
         tellNothingFound(run);
         return false;
     }
+    shareOut(run);
     tellAnswers(run, run.tracked_trajs);
     return verifyAndUpdateTrajs(run, time, threshold);
 }

@@ -93,6 +93,8 @@ bool intersectObsRt(s_runtime* a, s_runtime const* b) {
 void mergeRuntimes(s_runtime* a, s_runtime const* b, double time) {
     for (auto const& variable : a->dico)
         sn_uniObjet(&variable->old, &sameVariable(b, variable.get())->old);
+    for (s_Variable* measure : a->measure)
+        sn_coverBoth(&measure->foretold, sameVariable(b, measure)->foretold);
     sn_yieldDisplays(a);
     // Required: the time counts rows, without a division by the period.
     double const values = 2.0 * time * static_cast<double>(a->display.size());
@@ -101,7 +103,7 @@ void mergeRuntimes(s_runtime* a, s_runtime const* b, double time) {
 
 namespace {
 
-void mergeEqual(HybMap& trajectories, double time, bool past) {
+void mergeEqual(HybMap& trajectories, double time, bool past, bool answers = false) {
     for (auto i = trajectories.begin(); i != trajectories.end(); ++i)
         for (auto j = std::next(i); j != trajectories.end();) {
             if (!areTheSame(*i->second, *j->second)) {
@@ -109,6 +111,8 @@ void mergeEqual(HybMap& trajectories, double time, bool past) {
                 continue;
             }
             mergeRuntimes(i->second->rt.get(), j->second->rt.get(), time);
+            if (answers && i->second->rt->engine->rules.likelihood)
+                i->second->traj->proba += j->second->traj->proba;
             if (i->second->rt->engine->rules.dates) {
                 if (past)
                     coverPast(i->second->rt.get(), j->second->rt.get());
@@ -122,6 +126,10 @@ void mergeEqual(HybMap& trajectories, double time, bool past) {
 
 void sn_reduxTrajs(HybMap& trajectories, double time) {
     mergeEqual(trajectories, time, true);
+}
+
+void mergeAnswers(HybMap& trajectories, double time) {
+    mergeEqual(trajectories, time, true, true);
 }
 
 void mergeReplayed(HybMap& trajectories, double time) {

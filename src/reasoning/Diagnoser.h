@@ -87,6 +87,10 @@ public:
     // Makes the weights of the histories sum to 1, tells each of them as its probability, and puts
     // the likeliest first (rule `likelihood`, likelihood.cpp).
     static void normalize(TrajectoryMap& histories);
+    static double weightOf(TrajectoryMap const& histories);
+    // Of the last search by the rule `likelihood`: what its answers weighed together before their
+    // weights were made to sum to 1, so that answers of several searches can be weighed again.
+    double answersWeight = 0.0;
     // Marks a state that a transition into an unknown mode leads to (rule `unknown`,
     // unknown_modes.cpp).
     void noteUnknown(State* state) const;

@@ -17,6 +17,10 @@ Json numberOrNull(double value) {
     return std::isfinite(value) ? Json(value) : Json();
 }
 
+Json pairOf(tavro::Bounds const& bounds) {
+    return Json::array({numberOrNull(bounds.lower), numberOrNull(bounds.upper)});
+}
+
 // A list of values, which may hold what is no number.
 Json listOf(std::vector<double> const& values) {
     Json list = Json::array();
@@ -259,14 +263,18 @@ Json stepDocument(std::size_t number, tavro::Line const& line, tavro::Step const
         tavro::Candidate const& candidate = step.candidates[i];
         Json bounds = Json::object();
         for (auto const& [name, between] : candidate.bounds)
-            bounds[name] = {numberOrNull(between.lower), numberOrNull(between.upper)};
+            bounds[name] = pairOf(between);
+        Json foretold = Json::object();
+        for (auto const& [name, between] : candidate.foretold)
+            foretold[name] = pairOf(between);
         candidates.push_back({{"id", numbers[i]},
                               {"agrees", candidate.agrees},
                               {"rank", candidate.rank},
                               {"probability", candidate.probability},
                               {"moves", movesOf(candidate.moves)},
                               {"modes", candidate.modes},
-                              {"bounds", std::move(bounds)}});
+                              {"bounds", std::move(bounds)},
+                              {"foretold", std::move(foretold)}});
     }
     Json document = {{"step", number},
                      {"time", step.time},

@@ -94,7 +94,7 @@ void Recorder::addWidths(tavro::Line const& line, tavro::Step const& step) {
         }
         double lower = INFINITY, upper = -INFINITY;
         for (tavro::Candidate const& candidate : step.candidates) {
-            tavro::Bounds const& bounds = candidate.bounds.at(plant.measures()[i]);
+            tavro::Bounds const& bounds = candidate.foretold.at(plant.measures()[i]);
             lower = std::min(lower, bounds.lower);
             upper = std::max(upper, bounds.upper);
         }
@@ -145,22 +145,23 @@ void Recorder::addCandidates(tavro::Step const& step) {
         if (candidate.modes.empty() || candidate.modes.back().values != told.modes)
             candidate.modes.push_back({candidate.last, told.modes});
         if (keepsBounds)
-            for (auto const& [name, bounds] : told.bounds) {
+            for (auto const& [name, known] : told.bounds) {
+                auto const foretold = told.foretold.find(name);
+                tavro::Bounds const& bounds =
+                    foretold != told.foretold.end() ? foretold->second : known;
                 candidate.bounds[name].lower.push_back(bounds.lower);
                 candidate.bounds[name].upper.push_back(bounds.upper);
             }
     }
     followed = std::move(now);
+    updateStories(step);
     weighStories(step);
 }
 
 // The candidates come with the best first, which speaks for its story.
-void Recorder::weighStories(tavro::Step const& step) {
-    double sum = 0.0;
-    for (RunRecord::Story& story : kept.stories) {
+void Recorder::updateStories(tavro::Step const& step) {
+    for (RunRecord::Story& story : kept.stories)
         story.alive = story.agrees = false;
-        story.probability = 0.0;
-    }
     for (std::size_t i = 0; i < step.candidates.size(); ++i) {
         tavro::Candidate const& told = step.candidates[i];
         RunRecord::Story& story = kept.stories[kept.candidates[kept.last[i]].story];
@@ -177,14 +178,25 @@ void Recorder::weighStories(tavro::Step const& step) {
             story.moves[m].latest = std::max(story.moves[m].latest, told.moves[m].latest);
         }
         story.agrees = story.agrees || told.agrees;
-        story.probability += told.probability;
-        sum += told.probability;
-    }
-    for (RunRecord::Story& story : kept.stories) {
         story.summary = summaryOf(story.moves);
-        if (sum > 0.0)
-            story.probability /= sum;
     }
+}
+
+// Candidates split and merge as a run goes on, and take their probability with them: so stories are
+// weighed where a search has found them, and from there on only by what is left of them.
+void Recorder::weighStories(tavro::Step const& step) {
+    if (step.diagnosed || plant.discrete()) {
+        for (RunRecord::Story& story : kept.stories)
+            story.weight = 0.0;
+        for (std::size_t i = 0; i < step.candidates.size(); ++i)
+            kept.stories[kept.candidates[kept.last[i]].story].weight +=
+                step.candidates[i].probability;
+    }
+    double sum = 0.0;
+    for (RunRecord::Story const& story : kept.stories)
+        sum += story.alive ? story.weight : 0.0;
+    for (RunRecord::Story& story : kept.stories)
+        story.probability = story.alive && sum > 0.0 ? story.weight / sum : 0.0;
 }
 
 void Recorder::addDiagnosis(tavro::Step const& step) {

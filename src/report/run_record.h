@@ -35,7 +35,8 @@ struct RunRecord {
         std::string summary;
         std::vector<tavro::Explanation> moves;  // as the likeliest candidate told them last
         double rank = 0.0;
-        double probability = 0.0;  // the share of its candidates in the last step; 0 when not alive
+        double weight = 0.0;       // the probability of its candidates at the last diagnosis
+        double probability = 0.0;  // its share of that of all stories alive; 0 when not alive
         std::size_t first = 0, last = 0;
         bool alive = false;    // followed in the last step
         bool agrees = false;   // with the measures, in the last step
@@ -48,7 +49,8 @@ struct RunRecord {
         bool alive = false;
         double rank = 0.0, probability = 0.0;  // in its last step
         std::vector<Modes> modes;              // where something changes
-        std::map<std::string, Series> bounds;  // empty when they are not kept
+        // Of a measure what was foretold. Empty when they are not kept.
+        std::map<std::string, Series> bounds;
     };
     struct Alarm {
         std::size_t step;
@@ -113,6 +115,7 @@ private:
     std::size_t candidateOf(tavro::Candidate const& told, std::size_t story, std::size_t nth);
     std::size_t storyOf(tavro::Candidate const& told);
     void addDiagnosis(tavro::Step const& step);
+    void updateStories(tavro::Step const& step);
     void weighStories(tavro::Step const& step);
 
     tavro::Plant const& plant;

@@ -55,8 +55,8 @@ std::string tableHeading(tavro::Plant const& plant) {
     Row row;
     row << "step"
         << "time"
+        << "place"
         << "candidate"
-        << "id"
         << "agrees"
         << "rank"
         << "probability"

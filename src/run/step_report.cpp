@@ -28,12 +28,16 @@ double toOutside(double bound) {
     return bound;
 }
 
-tavro::Bounds boundsOf(s_Variable const& variable) {
-    if (!variable.defined || !isValue(variable.old)) {
+tavro::Bounds boundsOf(s_Objet const& value) {
+    if (!isValue(value)) {
         constexpr double infinity = std::numeric_limits<double>::infinity();
         return {-infinity, infinity};
     }
-    return {toOutside(sn_infOf(variable.old)), toOutside(sn_supOf(variable.old))};
+    return {toOutside(sn_infOf(value)), toOutside(sn_supOf(value))};
+}
+
+tavro::Bounds boundsOf(s_Variable const& variable) {
+    return boundsOf(variable.defined ? variable.old : s_Objet{});
 }
 
 std::string textOf(Atom const* atom) {
@@ -143,6 +147,9 @@ tavro::Candidate describe(Plant const& plant, CandidateView const& candidate, bo
     for (auto const& variable : candidate.runtime->dico)
         if (!variable->isParam)
             described.bounds[variable->nom] = boundsOf(*variable);
+    for (s_Variable const* measure : candidate.runtime->measure)
+        described.foretold[measure->nom] =
+            isValue(measure->foretold) ? boundsOf(measure->foretold) : boundsOf(*measure);
     described.agrees = !detecting || !misbehaves(*candidate.runtime);
     return described;
 }

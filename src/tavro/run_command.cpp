@@ -159,10 +159,10 @@ private:
 
 void checkFiles(Request const& request, tavro::Plant const& plant) {
     if (plant.discrete() && request.scenario.empty())
-        throw DataRefused("this plant has no measures: give its events with --scenario FILE");
+        throw UsageRefused("this plant has no measures: give its events with --scenario FILE");
     if (!plant.discrete() && request.measures.empty())
-        throw DataRefused("give the measures of " + oneOf(plant.measures()) +
-                          " with --measures FILE");
+        throw UsageRefused("give the measures of " + oneOf(plant.measures()) +
+                           " with --measures FILE");
 }
 
 int runIt(Request& request) {
@@ -172,6 +172,10 @@ int runIt(Request& request) {
         Day day = readDay(plant, request.measures, request.inputs);
         if (!request.scenario.empty())
             readScenario(plant, request.scenario, day);
+        std::size_t const last = day.lines.size() - 1;
+        if (request.steps > 0 && static_cast<std::size_t>(request.steps) > last)
+            day.notes.push_back("the data end at step " + std::to_string(last) +
+                                ", and the run with them");
         for (std::string const& note : day.notes)
             std::fprintf(stderr, "tavro run: %s\n", note.c_str());
         if (request.trace)
@@ -183,7 +187,7 @@ int runIt(Request& request) {
     } catch (DataRefused const& refused) {
         std::fprintf(stderr, "tavro run: %s\n", refused.what());
         return dataRefused;
-    } catch (OutputRefused const& refused) {
+    } catch (UsageRefused const& refused) {
         std::fprintf(stderr, "tavro run: %s\n", refused.what());
         return usage;
     } catch (tavro::Error const& error) {

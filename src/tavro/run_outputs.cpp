@@ -40,11 +40,11 @@ void refuseClashes(RunOutputs const& outputs, std::vector<std::string> const& re
         for (std::string const& other : seen)
             if (*path == standardOutput ? other == standardOutput
                                         : other != standardOutput && isSameFile(*path, other))
-                throw OutputRefused("two results are to be written to " +
-                                    (*path == standardOutput ? "standard output" : *path));
+                throw UsageRefused("two results are to be written to " +
+                                   (*path == standardOutput ? "standard output" : *path));
         for (std::string const& input : read)
             if (*path != standardOutput && isSameFile(*path, input))
-                throw OutputRefused("can't write file " + *path + ": it is read by this run");
+                throw UsageRefused("can't write file " + *path + ": it is read by this run");
         seen.push_back(*path);
     }
 }
@@ -70,7 +70,7 @@ RunWriter::RunWriter(RunOutputs const& outputs, std::vector<std::string> const& 
     std::error_code error;
     std::filesystem::create_directories(outputs.graphs, error);
     if (error)
-        throw OutputRefused("can't make directory " + outputs.graphs + ": " + error.message());
+        throw UsageRefused("can't make directory " + outputs.graphs + ": " + error.message());
 }
 
 std::unique_ptr<std::ostream> RunWriter::opened(std::string const& path) {

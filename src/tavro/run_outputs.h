@@ -23,15 +23,15 @@ struct RunOutputs {
     bool needsBounds() const { return !document.empty() || !page.empty(); }
 };
 
-// A wish that cannot be met, before anything is written.
-class OutputRefused : public std::runtime_error {
+// A request that cannot be met, before anything is written.
+class UsageRefused : public std::runtime_error {
 public:
     using std::runtime_error::runtime_error;
 };
 
 class RunWriter {
 public:
-    // Throws OutputRefused when two share standard output, or one of *read* would be overwritten.
+    // Throws UsageRefused when two share standard output, or one of *read* would be overwritten.
     RunWriter(RunOutputs const& outputs, std::vector<std::string> const& read);
 
     // A step as it comes; *numbers* are those of its candidates in the record.

@@ -27,6 +27,9 @@ int step(s_runtime* rt, bool narrows, bool& invalid) {
     failures += sn_enterInputs(rt) == 0;
     failures += sn_enterMeasures(rt) == 0;
     sn_doStepUntemp(rt);
+    for (s_Variable* measure : rt->measure)
+        if (sn_isPredicted(measure))
+            measure->foretold = measure->new_;
     if (narrows)
         sn_narrowCycle(rt);
     sn_moveAllOld(rt);

@@ -65,9 +65,10 @@ bool Diagnoser::exploreRound(Round& round, TrajectoryMap& results) {
 }
 
 void Diagnoser::reportResults(TrajectoryMap& results, double coverSum) {
-    if (rules.likelihood)
+    if (rules.likelihood) {
+        answersWeight = weightOf(results);
         normalize(results);
-    else
+    } else
         for (auto const& result : results)
             result.second->proba = result.second->weight() / coverSum;
     err << "res's size : " << results.size() << "\n";

@@ -27,17 +27,17 @@ void makeEqual(TrajectoryMap const& histories) {
     }
 }
 
-double sumOfWeights(TrajectoryMap const& histories) {
+}  // namespace
+
+double Diagnoser::weightOf(TrajectoryMap const& histories) {
     double sum = 0.0;
     for (auto const& entry : histories)
         sum += entry.second->weight();
     return sum;
 }
 
-}  // namespace
-
 void Diagnoser::normalize(TrajectoryMap& histories) {
-    double const factor = 1.0 / sumOfWeights(histories);
+    double const factor = 1.0 / weightOf(histories);
     if (!std::isnormal(factor))
         makeEqual(histories);
     else
