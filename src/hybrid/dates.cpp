@@ -615,8 +615,9 @@ bool dateExplanations(RunState& run, hybTrajectory const& candidate, HybMap cons
         for (RunState::Dropped const& dropped : run.dropped)
             tryOn(lastStep(dropped));
         for (auto& entry : agreeing) {
-            // Its dates and the ways that it went from them have the case in common.
-            entry.second->traj->proba = cases[i].proba / static_cast<double>(agreeing.size());
+            // Its dates and the ways that it went from them have the weight of the case in common.
+            double const ways = run.rules.likelihood ? static_cast<double>(agreeing.size()) : 1.0;
+            entry.second->traj->proba = cases[i].proba / ways;
             nameAlike(cases[i], *entry.second->traj);
             out.emplace(entry.first, std::move(entry.second));
         }
