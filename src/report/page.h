@@ -1,7 +1,0 @@
-// The page of a run.
-#pragma once
-
-#include <string>
-#include <string_view>
-
-std::string reportOf(std::string_view json);

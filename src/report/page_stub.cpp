@@ -1,5 +1,0 @@
-#include "report/page.h"
-
-std::string reportOf(std::string_view json) {
-    return std::string(json);
-}
