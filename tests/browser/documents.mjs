@@ -136,7 +136,7 @@ export function healthy(steps = 240) {
 
 /** The thermostat sticks on at 24; at 27 no candidate is left, and two explanations are found. */
 export function explained(steps = 120, { missing = false } = {}) {
-  const stuck = 24;
+  const stuck = 20;
   const noticed = 27;
   const day = trueRoom(steps, stuck, 2);
   const healthyDay = trueRoom(steps, Infinity, 2);
@@ -247,7 +247,7 @@ export function discrete() {
 export function crowd(steps = 300, alive = 100, short = 3000) {
   const base = explained(steps);
   const last = steps - 1;
-  const day = trueRoom(steps, 24, 2);
+  const day = trueRoom(steps, 20, 2);
   const roll = dice(7);
   const hypotheses = [base.hypotheses[0]];
   const candidates = [...base.candidates.filter((c) => c.hypothesis === 0)];

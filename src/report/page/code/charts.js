@@ -19,7 +19,7 @@ export function chartSections(run, store) {
   const others = run.plant.variables.filter((name) => !measured.includes(name) && !inputs.includes(name) && run.candidates.some((c) => c.bounds[name]));
   return [
     measured.length && section('measures', 'Measures', el('p', { class: 'hint' }, 'What was measured, within the bounds that each hypothesis predicts.'),
-      measured.map((name) => chart(run, store, name, run.measures[name], 'measured', 200))),
+      measured.map((name) => chart(run, store, name, run.measures[name], 'measured', 220))),
     others.length && variablesSection(run, store, others),
     inputs.length && section('inputs', 'Inputs', inputs.map((name) => chart(run, store, name, run.inputs[name], 'given', 120))),
   ];

@@ -19,6 +19,21 @@ export function percent(part) {
 /** Transitions are told with `->`; an arrow reads better. */
 export const arrows = (text) => text.replaceAll(' -> ', ' → ');
 
+/** A condition without the brackets that hold all of it. */
+export function bare(condition) {
+  const inner = condition.slice(1, -1);
+  if (condition[0] !== '(' || condition.at(-1) !== ')') return condition;
+  let depth = 0;
+  for (const c of inner) {
+    if (c === '(') depth++;
+    if (c === ')' && --depth < 0) return condition;
+  }
+  return bare(inner);
+}
+
+/** A summary without the dates at its end, for where these stand beside it. */
+export const undated = (summary) => summary.replace(/ (at \S+|between \S+ and \S+)$/, '');
+
 export const plural = (count, one, many = `${one}s`) => `${count.toLocaleString('en')} ${count === 1 ? one : many}`;
 
 /** How the times of this run are told. */

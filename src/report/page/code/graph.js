@@ -3,7 +3,7 @@
 // what stands near the suspects.
 import dagre from '@dagrejs/dagre';
 import { el, freshId, section, svg } from './dom.js';
-import { plural } from './format.js';
+import { bare, plural } from './format.js';
 
 const smallUpTo = 40; // so many variables are drawn whole
 const reach = 2; // steps from a suspect that still belong to its neighbourhood
@@ -103,7 +103,7 @@ function picture(run, diagnosis, shown) {
   const alarms = new Map((diagnosis?.alarms ?? []).map((a) => [a.measure, a.side]));
   const graph = laidOut(run, shown, edgesAmong(run, shown), suspected);
   const { width, height } = graph.graph();
-  const arrow = (id) => svg('marker', { id, viewBox: '0 0 10 10', refX: 9, refY: 5, markerWidth: 7, markerHeight: 7, orient: 'auto-start-reverse' }, svg('path', { d: 'M0 0L10 5L0 10z', class: id }));
+  const arrow = (id) => svg('marker', { id, viewBox: '0 0 10 10', refX: 9, refY: 5, markerWidth: id === 'tip' ? 8 : 12, markerHeight: id === 'tip' ? 8 : 12, markerUnits: 'userSpaceOnUse', orient: 'auto-start-reverse' }, svg('path', { d: 'M0 0L10 5L0 10z', class: id }));
   const drawn = graph.edges().map((e) => drawnEdge(graph.edge(e), suspected));
   return svg('svg', { class: 'graph', viewBox: `0 0 ${width} ${height}`, width, height, style: `min-width: ${Math.min(width, width * 0.62)}px`, role: 'img', 'aria-label': described(run, shown, suspected, alarms) },
     svg('defs', null, arrow('tip'), arrow('tip-lit')),
@@ -118,12 +118,19 @@ const described = (run, shown, suspected, alarms) =>
 function drawnEdge({ edge, points, x, y }, suspected) {
   const lit = edge.influences.some((i) => suspected.has(i.name));
   const d = smooth(points);
-  const title = svg('title', null, edge.influences.map((i) => `${i.name}: ${i.kind}${i.condition ? ` when ${i.condition}` : ''}`).join('\n'));
+  const title = svg('title', null, edge.influences.map((i) => `${i.name}: ${i.kind}${i.condition ? ` when ${bare(i.condition)}` : ''}`).join('\n'));
   return {
     lit,
     path: svg('path', { class: lit ? 'edge lit' : 'edge', d, 'marker-end': `url(#${lit ? 'tip-lit' : 'tip'})` }, title),
-    text: svg('text', { class: lit ? 'edge-name lit' : 'edge-name', x, y: y + 4 }, edgeText(edge, suspected), title.cloneNode(true)),
+    text: name(edgeText(edge, suspected), lit, x, y, title),
   };
+}
+
+/** On a ground of its own, so that no arrow runs through it. */
+function name(text, lit, x, y, title) {
+  const width = text.length * letter;
+  return svg('g', { class: lit ? 'edge-name lit' : 'edge-name' }, title.cloneNode(true),
+    svg('rect', { x: x - width / 2 - 2, y: y - 9, width: width + 4, height: 18 }), svg('text', { x, y: y + 4 }, text));
 }
 
 /** A curve through the points of a layout. */
@@ -154,7 +161,7 @@ function legend() {
   const item = (shape, words) => el('li', null, svg('svg', { viewBox: '0 0 34 18', width: 34, height: 18, 'aria-hidden': 'true', class: 'graph' }, shape), words);
   const box = (kind, inner) => svg('g', { class: `node ${kind}` }, svg('rect', { x: 1, y: 1, width: 32, height: 16, rx: kind === 'input' ? 3 : 8 }), inner && svg('rect', { x: 3.5, y: 3.5, width: 27, height: 11, rx: 6 }));
   return el('ul', { class: 'legend' }, item(box('measured', true), 'measured'), item(box('input'), 'input'),
-    item([box('alarm measured', true), svg('path', { class: 'side', d: triangle(26, 8, -1) })], 'in alarm, on that side'),
+    item([box('alarm measured', true), svg('path', { class: 'side', d: triangle(26, 8, -1) })], 'in alarm: ▲ too high, ▼ too low'),
     item(svg('path', { class: 'edge lit', d: 'M1 9H32' }), 'suspected'));
 }
 
@@ -163,7 +170,7 @@ const suspectsUpTo = 40;
 function suspectsList(diagnosis) {
   if (!diagnosis) return [];
   if (!diagnosis.suspects.length) return [el('p', { class: 'hint' }, 'This diagnosis names no influences.')];
-  const one = ({ influence, delay, condition }) => el('span', null, el('b', null, influence), delay ? ` ${plural(delay, 'step')} before` : '', condition ? el('span', { class: 'sub' }, ` when ${condition}`) : '');
+  const one = ({ influence, delay, condition }) => el('span', null, el('b', null, influence), delay ? ` ${plural(delay, 'step')} before` : '', condition ? el('span', { class: 'sub' }, ` when ${bare(condition)}`) : '');
   const rest = diagnosis.suspects.length - suspectsUpTo;
   return [
     el('h3', null, 'Suspects'), el('p', { class: 'hint' }, 'Each line is a diagnosis of its own: what it names may not be acting, all of it together.'),

@@ -3,11 +3,11 @@
 // are left out; failures are marked.
 import { el, section, svg } from './dom.js';
 import { arrows, plural } from './format.js';
-import { lookOf } from './look.js';
+import { canvasFont, lookOf } from './look.js';
 import { label } from './badge.js';
 
 const shownAtFirst = 12;
-const box = { width: 188, line: 16, gapX: 46, gapY: 14, pad: 9 };
+const box = { least: 110, most: 270, line: 17, gapX: 46, gapY: 14, pad: 10 };
 const columnsUpTo = 60; // what a history has beyond that is told, not drawn
 
 export function historiesSection(run) {
@@ -65,14 +65,38 @@ function textOf(run, event) {
   return lines;
 }
 
+const ruler = document.createElement('canvas').getContext('2d');
+function widthOf(text) {
+  ruler.font = canvasFont(12.5, 600);
+  return ruler.measureText(text).width;
+}
+
+/** Writes the lines of every node, and makes each column as wide as the longest of its lines. */
+function columnsOf(run, root) {
+  const columns = [];
+  const visit = (node) => {
+    node.lines = textOf(run, node.event).map(shortened);
+    const width = Math.min(box.most, Math.max(box.least, ...node.lines.map((line) => widthOf(line) + 2 * box.pad)));
+    columns[node.depth] = { width: Math.max(columns[node.depth]?.width ?? 0, width) };
+    node.children.forEach(visit);
+  };
+  root.children.forEach(visit);
+  let x = 4;
+  for (const column of columns) {
+    column.x = x;
+    x += column.width + box.gapX;
+  }
+  return columns;
+}
+
 /** Gives every node its place: its column by depth, its row beside its first child. */
-function place(run, node, top) {
+function place(node, columns, top) {
   let y = top;
-  for (const next of node.children) y = place(run, next, y);
+  for (const next of node.children) y = place(next, columns, y);
   if (node.depth < 0) return y;
-  node.lines = textOf(run, node.event);
   node.height = node.lines.length * box.line + 2 * box.pad;
-  node.x = 8 + node.depth * (box.width + box.gapX);
+  node.width = columns[node.depth].width;
+  node.x = columns[node.depth].x;
   node.y = top;
   const ends = (node.ends?.length ?? 0) * 20;
   return Math.max(y, top + Math.max(node.height, ends && !node.children.length ? ends : 0) + box.gapY);
@@ -80,7 +104,7 @@ function place(run, node, top) {
 
 function picture(run, histories) {
   const root = treeOf(run, histories);
-  const height = Math.max(60, place(run, root, 8));
+  const height = Math.max(60, place(root, columnsOf(run, root), 4));
   const parts = [];
   let width = 0;
   const visit = (node) => {
@@ -89,8 +113,9 @@ function picture(run, histories) {
       visit(next);
     }
     if (node.depth < 0) return;
-    width = Math.max(width, node.x + box.width + (node.ends ? 130 : 10));
-    parts.push(drawn(node), endsOf(node));
+    const ends = endsOf(node);
+    width = Math.max(width, node.x + node.width + 10, ...ends.map((end) => end.right));
+    parts.push(drawn(node), ends.map((end) => end.sign));
   };
   visit(root);
   return svg('svg', { class: 'graph', viewBox: `0 0 ${width} ${height}`, width, height, style: `min-width: ${width * 0.8}px`, role: 'img', 'aria-label': spoken(run, histories) }, parts);
@@ -99,7 +124,7 @@ function picture(run, histories) {
 const spoken = (run, histories) => `Histories. ${histories.slice(0, 5).map((h) => eventsOf(h).slice(-5).map((e) => textOf(run, e).join(', ')).join('; then ')).join('. ')}`;
 
 function link(from, to) {
-  const x1 = from.x + box.width;
+  const x1 = from.x + from.width;
   const y1 = from.y + 16;
   const y2 = to.y + 16;
   const middle = x1 + box.gapX / 2;
@@ -111,19 +136,23 @@ function drawn(node) {
   const fails = node.event.moves.some((m) => m.failure);
   return svg('g', { class: `node history${fails ? ' failure' : ''}`, 'data-step': node.event.step },
     svg('title', null, node.lines.join('\n')),
-    svg('rect', { x: node.x, y: node.y, width: box.width, height: node.height, rx: 8 }),
-    node.lines.map((line, i) => svg('text', { class: i ? '' : 'time', x: node.x + box.pad, y: node.y + box.pad + 12 + i * box.line }, shortened(line))));
+    svg('rect', { x: node.x, y: node.y, width: node.width, height: node.height, rx: 8 }),
+    node.lines.map((line, i) => svg('text', { class: i ? '' : 'time', x: node.x + box.pad, y: node.y + box.pad + 12 + i * box.line }, line)));
 }
 
-const shortened = (text) => (text.length > 28 ? `${text.slice(0, 27)}…` : text);
+function shortened(text) {
+  while (text.length > 4 && widthOf(text) > box.most - 2 * box.pad) text = `${text.slice(0, -2)}…`;
+  return text;
+}
 
 /** Which hypotheses end here. */
 function endsOf(node) {
   return (node.ends ?? []).slice(0, 12).map(({ history, hypothesis, left }, i) => {
-    const x = node.x + box.width + 10;
+    const x = node.x + node.width + 10;
     const y = node.y + 20 + i * 20;
     const look = lookOf(hypothesis?.place ?? 0);
     const words = `${hypothesis ? `${label(hypothesis)} · ` : ''}candidate ${history.candidate}${left > 0 ? `, ${plural(left, 'change')} left out` : ''}`;
-    return svg('g', { class: 'end', style: `color: var(${look.colour})` }, svg('title', null, hypothesis?.summary ?? ''), svg('circle', { cx: x + 4, cy: y - 4, r: 4 }), svg('text', { x: x + 12, y }, words));
+    const sign = svg('g', { class: 'end', style: `color: var(${look.colour})` }, svg('title', null, hypothesis?.summary ?? ''), svg('circle', { cx: x + 4, cy: y - 4, r: 4 }), svg('text', { x: x + 12, y }, words));
+    return { sign, right: x + 20 + widthOf(words) };
   });
 }

@@ -130,7 +130,7 @@ const axis = () => ({
   stroke: () => colour('--muted'), font: canvasFont(12), grid: { stroke: () => colour('--grid'), width: 1 },
   ticks: { stroke: () => colour('--grid'), width: 1, size: 5 },
 });
-const timeAxis = (run) => ({ ...axis(), size: 30, space: 64, incrs: run.plant.discrete ? [1, 2, 5, 10, 20, 50, 100, 200, 500, 1000] : undefined, values: (_, splits) => splits.map((v) => short(v)) });
+const timeAxis = (run) => ({ ...axis(), size: 30, space: 64, incrs: run.plant.discrete ? [1, 2, 5, 10, 20, 50, 100, 200, 500, 1000] : undefined, values: (_, splits) => splits.map((v, i) => short(v) + (i === splits.length - 1 && !run.plant.discrete ? ' s' : '')) });
 const valueAxis = () => ({ ...axis(), size: gutter, space: 34, values: (_, splits) => splits.map((v) => short(v)) });
 const short = (value) => (value === null ? '' : Math.abs(value) >= 1e6 || (value !== 0 && Math.abs(value) < 1e-4) ? value.toExponential(1) : String(Number(value.toPrecision(7))));
 

@@ -1,7 +1,7 @@
 // What to read first: the verdict as a word, a picture and a colour; the answer; when something was
 // noticed; what explains it best, and what else would.
 import { el, svg } from './dom.js';
-import { arrows, number, percent, plural } from './format.js';
+import { arrows, number, percent, plural, undated } from './format.js';
 import { badge } from './badge.js';
 
 const verdicts = {
@@ -65,7 +65,7 @@ function story(run, store, hypothesis, best) {
     document.getElementById('timeline')?.scrollIntoView();
   };
   return el('div', { class: best ? 'story best' : 'story' },
-    el('div', { class: 'what' }, badge(hypothesis), el('span', { class: 'name' }, arrows(hypothesis.summary)), hypothesis.unknown && el('span', { class: 'tag' }, 'unknown mode')),
+    el('div', { class: 'what' }, badge(hypothesis), el('span', { class: 'name' }, arrows(dates ? undated(hypothesis.summary) : hypothesis.summary)), hypothesis.unknown && el('span', { class: 'tag' }, 'unknown mode')),
     el('div', { class: 'how' }, hypothesis.probability > 0 && likely(hypothesis.probability), dates && el('span', { class: 'dates' }, dates),
       el('span', null, plural(hypothesis.rank, 'failure')),
       el('button', { type: 'button', class: 'plain no-print', onclick: choose }, 'Show in the charts')));

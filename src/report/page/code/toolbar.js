@@ -4,7 +4,7 @@ import { el } from './dom.js';
 import { arrows, plural } from './format.js';
 import { badge } from './badge.js';
 
-const chipsUpTo = 8;
+const chipsUpTo = 6;
 
 export function toolbar(run, store) {
   const moment = el('output', { class: 'moment', 'aria-live': 'polite', id: 'moment' });
@@ -14,9 +14,19 @@ export function toolbar(run, store) {
   store.on('cursor', tell);
   tell(store.state);
   return el('div', { class: 'toolbar', role: 'group', 'aria-label': 'Time and hypotheses' },
-    el('div', { class: 'row' }, moment, zoomButtons(run, store)),
+    el('div', { class: 'row' }, el('div', { class: 'where-we-are' }, moment, sight(run, store)), zoomButtons(run, store)),
     chips(run, store),
     el('p', { id: 'plot-keys', class: 'unseen' }, 'Arrows pan, plus and minus zoom, 0 shows the whole run; comma and full stop move the cursor by a step, Home and End to the ends.'));
+}
+
+/** The range that all charts show. */
+function sight(run, store) {
+  const node = el('output', { class: 'hint', id: 'sight' });
+  const digits = (value) => String(Number(value.toPrecision(5)));
+  const tell = ({ range }) => (node.textContent = `${digits(range[0])} to ${digits(range[1])}${run.plant.discrete ? '' : ' s'} in sight`);
+  store.on('range', tell);
+  tell(store.state);
+  return node;
 }
 
 function zoomButtons(run, store) {
@@ -48,8 +58,8 @@ function chips(run, store) {
   store.on('choice', update);
   update(store.state);
   const many = run.hypotheses.length > offered.length;
-  return el('div', { class: 'chips', role: 'group', 'aria-label': 'Hypotheses shown' }, buttons.map(([, button]) => button),
-    many && el('button', { type: 'button', class: 'plain no-print', onclick: () => store.showOnly(run.hypotheses.map((h) => h.index)) }, 'Show all'),
-    many && el('button', { type: 'button', class: 'plain no-print', onclick: () => store.showOnly([store.state.focus]) }, 'Only the followed one'),
-    many && el('a', { href: '#hypotheses', class: 'no-print' }, 'All in a table'), many && count);
+  return [el('div', { class: 'chips', role: 'group', 'aria-label': 'Hypotheses shown' }, buttons.map(([, button]) => button)), many && el('div', { class: 'row more' }, el('span', { class: 'buttons' },
+    el('button', { type: 'button', class: 'plain no-print', onclick: () => store.showOnly(run.hypotheses.map((h) => h.index)) }, 'Show all'),
+    el('button', { type: 'button', class: 'plain no-print', onclick: () => store.showOnly([store.state.focus]) }, 'Only the followed one'),
+    el('a', { href: '#hypotheses', class: 'no-print' }, 'All in a table')), count)];
 }
