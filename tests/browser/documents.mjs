@@ -94,7 +94,9 @@ const historyOf = (candidate, day, last, failures = []) => {
     const now = failure ? failure.to : stuck ? mode : day.on[k] ? 'on' : 'off';
     const moves = mode !== null && now !== mode
       ? [{ component: 'thermostat', from: mode, to: now, failure: !!failure, unknown: now === 'unknown' }] : [];
-    if (k === 0 || moves.length) steps.push({ step: k, time: day.time[k], values: { 'room.mode': 'closed', 'thermostat.mode': now }, moves });
+    // As in real runs: a history counts its own steps, and moves stand one step before what they lead to.
+    if (moves.length) steps.push({ step: steps.length, time: day.time[k], values: { 'room.mode': 'closed', 'thermostat.mode': mode }, moves });
+    if (k === 0 || moves.length) steps.push({ step: steps.length, time: day.time[k], values: { 'thermostat.mode': now, ...(k === 0 && { 'room.mode': 'closed' }) }, moves: [] });
     mode = now;
   }
   return { candidate, steps };

@@ -18,13 +18,13 @@ for (const name of ['healthy', 'explained', 'unexplained', 'stopped'])
 
 pageTest('the reader chooses the colours, which are remembered', documents.explained(), async (page) => {
   const light = await ground(page);
-  await page.getByRole('radio', { name: 'Dark' }).check({ force: true });
+  await page.getByText('Dark', { exact: true }).click();
   const dark = await ground(page);
   assert.notEqual(dark, light);
   await readable(page);
   await page.reload();
   assert.equal(await ground(page), dark);
-  await page.getByRole('radio', { name: 'Light' }).check({ force: true });
+  await page.getByText('Light', { exact: true }).click();
   assert.equal(await ground(page), light);
 });
 

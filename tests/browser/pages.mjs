@@ -65,8 +65,14 @@ export async function press(page, ...keys) {
 /** By column of pixels of a canvas, the first and the last row with a colour near to `rgb`, or null. */
 export const inkByColumn = (plot, rgb, near = 60) =>
   plot.locator('canvas').evaluate((canvas, [[r, g, b], limit]) => {
+    // Of a copy: a browser warns of a canvas that is drawn on and read in turns.
+    const copied = (from) => {
+      const copy = Object.assign(document.createElement('canvas'), { width: from.width, height: from.height }).getContext('2d', { willReadFrequently: true });
+      copy.drawImage(from, 0, 0);
+      return copy;
+    };
     const { width, height } = canvas;
-    const { data } = canvas.getContext('2d').getImageData(0, 0, width, height);
+    const { data } = copied(canvas).getImageData(0, 0, width, height);
     const columns = new Array(width).fill(null);
     for (let x = 0; x < width; x++)
       for (let y = 0; y < height; y++) {

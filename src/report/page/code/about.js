@@ -8,7 +8,7 @@ export function aboutSection(run) {
   const rows = [
     ['Plant', `${plant.name}${plant.discrete ? ', discrete' : ''}`], ['File of the plant', plant.file], ['Sample period', plant.discrete ? null : `${number(plant.period)} s`],
     ['Components', plant.components.join(', ')], ['Measures from', own.measures], ['Inputs from', own.inputs], ['Scenario', own.scenario],
-    ['Rules', own.rules], ['Isolation', own.isolation], ['Alarm after', `${own.threshold} measures in a row`], ['Candidates at most', own.candidates],
+    ['Rules', own.rules], ['Isolation', own.isolation], ['Alarm after', `${own.threshold} measures in a row`], ['Candidates at most', own.candidates || 'as the rules say'],
     ['Noise', noise || 'none stated'], ['Exit status', run.outcome.status], ['Tavro', run.tavro],
   ].filter(([, value]) => value !== null && value !== undefined && value !== '');
   return section('about', 'What was run', el('dl', { class: 'about' }, rows.map(([name, value]) => el('div', null, el('dt', null, name), el('dd', null, String(value))))), keys(), licences());

@@ -1,7 +1,11 @@
 // Draws bands on a canvas. Where steps are denser than pixels, each column of pixels takes the least lower
 // and the greatest upper bound of its steps, so nothing that sticks out is lost; the numbers at the cursor
-// never come from here.
+// never come from here. Columns are drawn as upright bars: a line that went up and down at every pixel
+// would take a browser without a graphics card ten times as long.
 import { stepAt } from './run_document.js';
+
+/** Whether the steps in sight are denser than pixels. */
+export const isDense = (chart, from, to) => to - from > Math.max(1, Math.round(chart.bbox.width));
 
 /**
  * Which steps are drawn at which x, for the visible range of a chart: one group per step, or per column of
@@ -11,13 +15,10 @@ export function groupsInSight(chart, time) {
   const { min, max } = chart.scales.x;
   const from = Math.max(0, stepAt(time, min) - 1);
   const to = Math.min(time.length - 1, stepAt(time, max) + 1);
-  const columns = Math.max(1, Math.round(chart.bbox.width));
-  if (to - from <= columns) {
-    const groups = [];
-    for (let k = from; k <= to; k++) groups.push([chart.valToPos(time[k], 'x', true), k, k]);
-    return groups;
-  }
-  return columnsOf(chart, time, from, to);
+  if (isDense(chart, from, to)) return { dense: true, groups: columnsOf(chart, time, from, to) };
+  const groups = [];
+  for (let k = from; k <= to; k++) groups.push([chart.valToPos(time[k], 'x', true), k, k]);
+  return { dense: false, groups };
 }
 
 function columnsOf(chart, time, from, to) {
@@ -28,7 +29,7 @@ function columnsOf(chart, time, from, to) {
     const x = Math.round((time[k] - min) * scale);
     const first = k;
     while (k <= to && Math.round((time[k] - min) * scale) === x) k++;
-    groups.push([chart.bbox.left + x, first, k - 1]);
+    groups.push([Math.round(chart.bbox.left) + x, first, k - 1]);
   }
   return groups;
 }
@@ -58,7 +59,7 @@ function extremesOf(own, first, last) {
   let any = false;
   const end = Math.min(last - own.first, own.lower.length - 1);
   for (let k = Math.max(0, first - own.first); k <= end; k++) {
-    if (own.lower[k] !== own.lower[k]) continue;
+    if (own.lower[k] === null || Number.isNaN(own.lower[k])) continue;
     any = true;
     if (own.lower[k] < low) low = own.lower[k];
     if (own.upper[k] > high) high = own.upper[k];
@@ -66,19 +67,65 @@ function extremesOf(own, first, last) {
   return any ? [low, high] : null;
 }
 
-/** `look`: stroke, dash, width, fill (0 to 1). The end of the last run, for a label, or null. */
-export function drawBand(chart, own, groups, look) {
+/** `look`: stroke, dash, width, fill and alpha (0 to 1). */
+export function drawBand(chart, own, { dense, groups }, look) {
   const { ctx } = chart;
   const runs = runsOf(chart, own, groups);
-  const ratio = chart.pxRatio ?? devicePixelRatio;
+  const ratio = devicePixelRatio;
   ctx.save();
   clipToPlot(chart);
   ctx.strokeStyle = ctx.fillStyle = look.stroke;
   ctx.lineWidth = look.width * ratio;
   ctx.setLineDash(look.dash.map((d) => d * ratio));
-  for (const run of runs) drawRun(ctx, run, look, ratio);
+  for (const run of runs) (dense ? drawBars : drawRun)(ctx, run, look, ratio);
   ctx.restore();
-  return runs.at(-1)?.at(-1) ?? null;
+}
+
+/** A measured line where steps are denser than pixels: from the least to the greatest of each column. */
+export function drawColumns(chart, values, { groups }, stroke) {
+  const { ctx } = chart;
+  const { min, max } = chart.scales.y;
+  const { top, height } = chart.bbox;
+  const place = (value) => top + ((max - value) / (max - min)) * height;
+  ctx.save();
+  clipToPlot(chart);
+  ctx.fillStyle = stroke;
+  let before = null;
+  for (const [x, first, last] of groups) {
+    const found = extremesOf({ first: 0, lower: values, upper: values }, first, last);
+    // Columns that follow each other touch, as a line would.
+    const [low, high] = !found ? [] : !before ? found : [Math.min(found[0], before[1]), Math.max(found[1], before[0])];
+    before = found;
+    if (found) bar(ctx, x, place(high), place(low), Math.ceil(devicePixelRatio));
+  }
+  ctx.restore();
+}
+
+/** At whole pixels, which need no smoothing. */
+const bar = (ctx, x, top, bottom, least) => ctx.fillRect(x, Math.round(top), 1, Math.max(least, Math.round(bottom) - Math.round(top)));
+
+/** A run in columns of pixels. Line styles are those of a line along the run. */
+function drawBars(ctx, run, look, ratio) {
+  if (look.fill) {
+    ctx.globalAlpha = look.fill;
+    for (const [x, low, high] of run) bar(ctx, x, high, low, 1);
+  }
+  ctx.globalAlpha = look.alpha ?? 1;
+  const width = Math.max(1, Math.round(look.width * ratio));
+  for (const [x, low, high] of run) {
+    if (!inDash(x, look.dash, ratio)) continue;
+    bar(ctx, x, high, high + width, width);
+    bar(ctx, x, low - width, low, width);
+  }
+}
+
+function inDash(x, dash, ratio) {
+  let rest = (x / ratio) % dash.reduce((a, b) => a + b, 0);
+  for (let i = 0; i < dash.length; i++) {
+    if (rest < dash[i]) return i % 2 === 0;
+    rest -= dash[i];
+  }
+  return true;
 }
 
 export function clipToPlot(chart) {

@@ -1,7 +1,8 @@
 // A chart for each variable: what was measured, the bands of the hypotheses that are shown, the bounds of
 // the candidates that were picked, and the alarms. Over each chart stand the numbers at the cursor.
+import uPlot from 'uplot';
 import { band, boundsAt, finiteRange, ownBand } from './hulls.js';
-import { clipToPlot, drawBand, groupsInSight } from './bands_drawing.js';
+import { clipToPlot, drawBand, drawColumns, groupsInSight, isDense } from './bands_drawing.js';
 import { el, section } from './dom.js';
 import { interval, number, plural } from './format.js';
 import { canvasFont, colour, lookOf } from './look.js';
@@ -51,9 +52,9 @@ function chart(run, store, name, values, word, height) {
   const alarms = run.alarmsOf.get(name) ?? [];
   const what = {
     height, label: `${name} over time`, data: [values ?? new Array(run.time.length).fill(null)],
-    series: [{ stroke: () => colour('--ink'), width: 1.5, auto: false, points: { size: 4, fill: () => colour('--ink') } }],
+    series: [{ stroke: () => colour('--ink'), width: 1.5, auto: false, paths: sparse, points: { size: 4, fill: () => colour('--ink') } }],
     range: (sight) => rangeOf(run, store.state, name, values, sight),
-    under: (plot) => drawBands(run, store.state, name, plot),
+    under: (plot) => drawLines(run, store.state, name, values, plot),
     over: (plot) => drawMarks(run, plot, alarms),
     atCursor: (step) => readout.replaceChildren(...numbersAt(run, store.state, name, values, word, step)),
   };
@@ -62,13 +63,22 @@ function chart(run, store, name, values, word, height) {
     makePlot(run, store, what));
 }
 
+const linear = uPlot.paths.linear();
+/** A line from value to value, unless there are more of them than pixels: then columns are drawn. */
+const sparse = (plot, series, from, to) => (isDense(plot, from, to) ? null : linear(plot, series, from, to));
+
+function drawLines(run, state, name, values, plot) {
+  const groups = groupsInSight(plot, run.time);
+  drawBands(run, state, name, plot, groups);
+  if (values && groups.dense) drawColumns(plot, values, groups, colour('--ink'));
+}
+
 /** Shown hypotheses, the one that is followed on top. */
 function drawnIn(run, state) {
   return run.byInterest.filter((h) => state.shown.has(h.index)).sort((a, b) => Number(a.index === state.focus) - Number(b.index === state.focus));
 }
 
-function drawBands(run, state, name, plot) {
-  const groups = groupsInSight(plot, run.time);
+function drawBands(run, state, name, plot, groups) {
   const shown = drawnIn(run, state);
   const fill = Math.max(0.03, 0.22 / Math.sqrt(Math.max(1, shown.length)));
   for (const hypothesis of shown) {

@@ -147,11 +147,12 @@ function smooth(points) {
 function drawnNode(run, { name, x, y, width, height }, side) {
   const measured = run.plant.measures.includes(name);
   const input = run.plant.inputs.includes(name);
-  const kind = ['node', measured && 'measured', input && 'input', side && 'alarm'].filter(Boolean).join(' ');
+  const given = !input && !run.plant.variables.includes(name);
+  const kind = ['node', measured && 'measured', input && 'input', given && 'given', side && 'alarm'].filter(Boolean).join(' ');
   const box = (inset, round) => svg('rect', { x: x - width / 2 + inset, y: y - height / 2 + inset, width: width - 2 * inset, height: height - 2 * inset, rx: round });
   return svg('g', { class: kind, 'data-node': name },
-    svg('title', null, `${name}${measured ? ', measured' : ''}${input ? ', an input' : ''}${side ? `, too ${side}` : ''}`),
-    box(0, input ? 3 : 17), measured && box(3, 14), svg('text', { x, y: y + 4.5 }, name),
+    svg('title', null, `${name}${measured ? ', measured' : ''}${input ? ', an input' : ''}${given ? ', a parameter' : ''}${side ? `, too ${side}` : ''}`),
+    box(0, input || given ? 3 : 17), measured && box(3, 14), svg('text', { x, y: y + 4.5 }, name),
     side && svg('path', { class: 'side', d: triangle(x + width / 2 - 4, y - height / 2 + 2, side === 'high' ? -1 : 1) }));
 }
 
@@ -159,8 +160,8 @@ const triangle = (x, y, direction) => `M${x} ${y + 8 * direction}L${x - 8} ${y -
 
 function legend() {
   const item = (shape, words) => el('li', null, svg('svg', { viewBox: '0 0 34 18', width: 34, height: 18, 'aria-hidden': 'true', class: 'graph' }, shape), words);
-  const box = (kind, inner) => svg('g', { class: `node ${kind}` }, svg('rect', { x: 1, y: 1, width: 32, height: 16, rx: kind === 'input' ? 3 : 8 }), inner && svg('rect', { x: 3.5, y: 3.5, width: 27, height: 11, rx: 6 }));
-  return el('ul', { class: 'legend' }, item(box('measured', true), 'measured'), item(box('input'), 'input'),
+  const box = (kind, inner) => svg('g', { class: `node ${kind}` }, svg('rect', { x: 1, y: 1, width: 32, height: 16, rx: kind === 'input' || kind === 'given' ? 3 : 8 }), inner && svg('rect', { x: 3.5, y: 3.5, width: 27, height: 11, rx: 6 }));
+  return el('ul', { class: 'legend' }, item(box('measured', true), 'measured'), item(box('input'), 'input'), item(box('given'), 'parameter'),
     item([box('alarm measured', true), svg('path', { class: 'side', d: triangle(26, 8, -1) })], 'in alarm: ▲ too high, ▼ too low'),
     item(svg('path', { class: 'edge lit', d: 'M1 9H32' }), 'suspected'));
 }

@@ -23,16 +23,21 @@ export function historiesSection(run) {
 
 const placeOf = (run, history) => run.hypotheses[run.candidateById.get(history.candidate)?.hypothesis]?.place ?? Infinity;
 
-/** The steps at which something changed, with what changed. */
+/**
+ * The times at which something changed, with what changed. A history counts steps of its own: several may
+ * have one time, the first of them telling the moves and the next the modes that these lead to.
+ */
 function eventsOf(history) {
-  const events = [];
+  const byTime = new Map();
   let before = {};
-  for (const { step, time, values, moves } of history.steps) {
-    const changed = Object.entries(values).filter(([name, value]) => before[name] !== value);
+  for (const { time, values, moves } of history.steps) {
+    if (!byTime.has(time)) byTime.set(time, { time, changed: new Map(), moves: [] });
+    const event = byTime.get(time);
+    for (const [name, value] of Object.entries(values)) if (before[name] !== value) event.changed.set(name, value);
+    event.moves.push(...moves);
     before = { ...before, ...values };
-    if (changed.length || moves.length) events.push({ step, time, changed, moves, first: !events.length });
   }
-  return events;
+  return [...byTime.values()].map((event) => ({ ...event, changed: [...event.changed] })).filter((event) => event.changed.length || event.moves.length);
 }
 
 /** A tree of events: equal beginnings are shared. */
@@ -49,7 +54,7 @@ function treeOf(run, histories) {
 }
 
 function child(node, event) {
-  const key = JSON.stringify([event.step, event.changed, event.moves]);
+  const key = JSON.stringify([event.time, event.changed, event.moves]);
   let found = node.children.find((c) => c.key === key);
   if (!found) node.children.push((found = { key, event, children: [], depth: node.depth + 1 }));
   return found;
@@ -134,7 +139,7 @@ function link(from, to) {
 
 function drawn(node) {
   const fails = node.event.moves.some((m) => m.failure);
-  return svg('g', { class: `node history${fails ? ' failure' : ''}`, 'data-step': node.event.step },
+  return svg('g', { class: `node history${fails ? ' failure' : ''}`, 'data-time': node.event.time },
     svg('title', null, node.lines.join('\n')),
     svg('rect', { x: node.x, y: node.y, width: node.width, height: node.height, rx: 8 }),
     node.lines.map((line, i) => svg('text', { class: i ? '' : 'time', x: node.x + box.pad, y: node.y + box.pad + 12 + i * box.line }, line)));

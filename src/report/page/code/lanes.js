@@ -1,6 +1,9 @@
 // Modes over time, for one hypothesis: stretches of steps in which its candidates are in the same modes.
 // Where its candidates differ a stretch holds several values. Before the first of its candidates a
-// hypothesis has the modes of its history, which goes back to the start of the run.
+// hypothesis has the modes of its history, as far as that goes back, and before that those of the candidates
+// without a failure, from which it came.
+
+import { stepAt } from './run_document.js';
 
 const known = new Map();
 
@@ -13,7 +16,7 @@ export function lanesOf(run, index) {
 function computed(run, hypothesis) {
   const lanes = new Map();
   if (!hypothesis) return lanes;
-  const courses = [...hypothesis.candidates.flatMap(stretchesOf), ...before(run, hypothesis)];
+  const courses = [...hypothesis.candidates.flatMap(stretchesOf), ...before(run, hypothesis)].filter((c) => c.to >= c.from);
   for (const name of Object.keys(run.plant.modes)) lanes.set(name, overlaid(courses.filter((c) => c.name === name)));
   return lanes;
 }
@@ -32,12 +35,14 @@ function stretchesOf(candidate) {
 }
 
 function before(run, hypothesis) {
-  if (!hypothesis.candidates.length) return [];
-  const first = Math.min(...hypothesis.candidates.slice(0, 5000).map((c) => c.first));
+  const first = hypothesis.candidates.reduce((least, c) => Math.min(least, c.first), Infinity);
+  if (first === Infinity || first <= 0) return [];
   const history = hypothesis.candidates.map((c) => run.historyOf.get(c.id)).find(Boolean);
-  if (!history || first <= 0) return [];
-  const modes = history.steps.map(({ step, values }) => ({ step, values })).filter(({ step }) => step < first);
-  return stretchesOf({ modes, first: 0, last: first - 1 });
+  const modes = (history?.steps ?? []).map(({ time, values }) => ({ step: stepAt(run.time, time), values })).filter(({ step }) => step < first);
+  const begin = modes[0]?.step ?? first;
+  const origin = run.hypotheses.find((h) => h.rank === 0 && h !== hypothesis);
+  const earlier = (origin?.candidates ?? []).flatMap(stretchesOf).map((own) => ({ ...own, to: Math.min(own.to, begin - 1) }));
+  return [...earlier, ...stretchesOf({ modes, first: begin, last: first - 1 })];
 }
 
 /** Stretches that overlap become stretches beside each other, each with all values that hold there. */

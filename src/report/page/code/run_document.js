@@ -18,10 +18,11 @@ export function readRun(text) {
 
 function indexed(data) {
   const run = { ...data, words: timeWords(data.plant.discrete), lastStep: data.time.length - 1 };
-  run.hypotheses = data.hypotheses.map((own, index) => ({ ...own, index, candidates: [], explanations: [] }));
+  run.hypotheses = data.hypotheses.map((own, index) => ({ ...own, index, candidates: [], failures: [] }));
   for (const candidate of data.candidates) run.hypotheses[candidate.hypothesis]?.candidates.push(candidate);
   for (const diagnosis of data.diagnoses)
-    for (const explanation of diagnosis.explanations) run.hypotheses[explanation.hypothesis]?.explanations.push({ ...explanation, noticed: diagnosis.time });
+    for (const explanation of diagnosis.explanations) run.hypotheses[explanation.hypothesis]?.failures.push(explanation);
+  for (const hypothesis of run.hypotheses) hypothesis.failures = joined((hypothesis.moves ?? hypothesis.failures).filter((move) => move.failure));
   run.byInterest = [...run.hypotheses].sort(moreInteresting);
   run.byInterest.forEach((hypothesis, place) => (hypothesis.place = place));
   run.candidateById = new Map(data.candidates.map((candidate) => [candidate.id, candidate]));
@@ -29,6 +30,17 @@ function indexed(data) {
   run.alarmsOf = byMeasure(data.alarms);
   run.failing = failingModes(data);
   return run;
+}
+
+/** Each failure once, from the earliest to the latest of the dates that were found for it. */
+function joined(failures) {
+  const once = new Map();
+  for (const { component, from, to, earliest, latest } of failures) {
+    const key = JSON.stringify([component, from, to]);
+    const known = once.get(key) ?? { component, from, to, earliest, latest };
+    once.set(key, { ...known, earliest: Math.min(known.earliest, earliest), latest: Math.max(known.latest, latest) });
+  }
+  return [...once.values()];
 }
 
 function byMeasure(alarms) {

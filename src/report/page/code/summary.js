@@ -46,7 +46,7 @@ function facts(run) {
 const othersUpTo = 4;
 
 function explanations(run, store) {
-  const failed = run.byInterest.filter((h) => h.rank > 0 || h.unknown || h.explanations.length);
+  const failed = run.byInterest.filter((h) => h.rank > 0 || h.unknown || h.failures.length);
   const alive = failed.filter((h) => h.alive);
   const gone = failed.filter((h) => !h.alive);
   if (!failed.length) return null;
@@ -78,9 +78,9 @@ function likely(probability) {
 
 /** When its failures happened, as far as the diagnoses say. */
 function datesOf(run, hypothesis) {
-  const failures = hypothesis.explanations.filter((e) => e.failure);
-  if (!failures.length) return '';
-  return [...new Set(failures.map((e) => run.words.between(e.earliest, e.latest)))].slice(0, 3).join(', ');
+  const { failures } = hypothesis;
+  const named = failures.length > 1 ? (failure) => `${failure.component} ` : () => '';
+  return failures.slice(0, 4).map((failure) => named(failure) + run.words.between(failure.earliest, failure.latest)).join(', ');
 }
 
 function told(title, lines, more) {

@@ -219,6 +219,6 @@ function diagnosesList(run, store) {
   return el('div', { class: 'diagnoses' }, el('h3', null, 'Diagnoses'),
     el('ul', { class: 'plain-list' }, run.diagnoses.slice(0, diagnosesUpTo).map((d, index) => el('li', null,
       el('button', { type: 'button', class: 'plain', onclick: go(d, index) }, run.words.at(d.time)), ' ',
-      d.alarms.length ? `${d.alarms.map((a) => `${a.measure} too ${a.side}`).join(', ')}: ` : '', told(d)))),
+      d.alarms.length ? `${d.alarms.map((a) => `${a.measure} too ${a.side}`).join(', ')}: ` : '', told(d), d.datesCut ? '; earlier dates were not all tried' : ''))),
     rest > 0 && el('p', { class: 'hint' }, `and ${plural(rest, 'later one')}; all can be chosen at the causal graph.`));
 }
