@@ -36,7 +36,7 @@ export const weakTexts = (page) => page.evaluate(() => {
     if (!own || !node.checkVisibility({ visibilityProperty: true }) || node.closest('.unseen, option, :disabled, title, .skip, .arrow')) continue;
     const style = getComputedStyle(node);
     const isSvg = node instanceof SVGElement;
-    const box = isSvg && node.parentElement.querySelector(':scope > rect');
+    const box = isSvg && node.closest('g')?.querySelector(':scope > rect');
     const ground = box ? over(read(getComputedStyle(box).fill), groundOf(node)) : groundOf(node);
     const size = parseFloat(style.fontSize);
     const needed = size >= 24 || (size >= 18.66 && Number(style.fontWeight) >= 700) ? 3 : 4.5;

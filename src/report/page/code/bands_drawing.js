@@ -90,6 +90,7 @@ export function drawColumns(chart, values, { groups }, stroke) {
   ctx.save();
   clipToPlot(chart);
   ctx.fillStyle = stroke;
+  ctx.globalAlpha = 0.6; // a dense line is a slab; what lies behind it should be seen
   let before = null;
   for (const [x, first, last] of groups) {
     const found = extremesOf({ first: 0, lower: values, upper: values }, first, last);
@@ -112,10 +113,13 @@ function drawBars(ctx, run, look, ratio) {
   }
   ctx.globalAlpha = look.alpha ?? 1;
   const width = Math.max(1, Math.round(look.width * ratio));
-  for (const [x, low, high] of run) {
-    if (!inDash(x, look.dash, ratio)) continue;
-    bar(ctx, x, high, high + width, width);
-    bar(ctx, x, low - width, low, width);
+  for (let i = 0; i < run.length; i++) {
+    if (!inDash(run[i][0], look.dash, ratio)) continue;
+    for (const side of [1, 2]) {
+      const here = run[i][side];
+      const there = run[Math.max(0, i - 1)][side]; // columns that follow each other touch
+      bar(ctx, run[i][0], Math.min(here, there) - width / 2, Math.max(here, there) + width / 2, width);
+    }
   }
 }
 

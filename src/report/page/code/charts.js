@@ -59,9 +59,11 @@ function chart(run, store, name, values, word, height) {
     atCursor: (step) => readout.replaceChildren(...numbersAt(run, store.state, name, values, word, step)),
   };
   return el('figure', { class: 'chart', 'data-variable': name },
-    el('figcaption', null, el('h3', null, name), alarms.length ? el('span', { class: 'tag alarm' }, '▲ ', plural(alarms.length, 'alarm')) : null, readout),
+    el('figcaption', null, el('h3', null, name), alarms.length ? el('span', { class: 'tag alarm' }, sides(alarms), plural(alarms.length, 'alarm')) : null, readout),
     makePlot(run, store, what));
 }
+
+const sides = (alarms) => `${alarms.some((a) => a.side === 'high') ? '▲' : ''}${alarms.some((a) => a.side === 'low') ? '▼' : ''} `;
 
 const linear = uPlot.paths.linear();
 /** A line from value to value, unless there are more of them than pixels: then columns are drawn. */

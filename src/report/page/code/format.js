@@ -19,16 +19,26 @@ export function percent(part) {
 /** Transitions are told with `->`; an arrow reads better. */
 export const arrows = (text) => text.replaceAll(' -> ', ' → ');
 
-/** A condition without the brackets that hold all of it. */
+/** A condition without brackets around single atoms, or around all of it, and with its signs as words. */
 export function bare(condition) {
-  const inner = condition.slice(1, -1);
-  if (condition[0] !== '(' || condition.at(-1) !== ')') return condition;
+  let text = condition;
+  for (let before = null; before !== text; ) {
+    before = text;
+    text = text.replace(/\(([^()&|]*)\)/g, '$1');
+  }
+  return unwrapped(text).replaceAll(' | ', ' or ').replaceAll(' & ', ' and ');
+}
+
+/** Without the brackets that hold the whole text. */
+function unwrapped(text) {
+  if (text[0] !== '(' || text.at(-1) !== ')') return text;
+  const inner = text.slice(1, -1);
   let depth = 0;
   for (const c of inner) {
     if (c === '(') depth++;
-    if (c === ')' && --depth < 0) return condition;
+    if (c === ')' && --depth < 0) return text;
   }
-  return bare(inner);
+  return unwrapped(inner);
 }
 
 /** A summary without the dates at its end, for where these stand beside it. */

@@ -83,17 +83,20 @@ function edgesAmong(run, shown) {
   return [...edges.values()];
 }
 
-function edgeText({ influences }, suspected) {
-  const names = influences.map((i) => i.name).sort((a, b) => suspected.has(b) - suspected.has(a));
-  return names.length > 3 ? `${names.slice(0, 2).join(', ')} +${names.length - 2}` : names.join(', ');
+/** The names at an arrow, suspects first; of many only two. */
+function edgeNames({ influences }, suspected) {
+  const names = influences.map(({ name: text }) => ({ text, lit: suspected.has(text) })).sort((a, b) => b.lit - a.lit);
+  return names.length > 3 ? [...names.slice(0, 2), { text: `+${names.length - 2}`, lit: false }] : names;
 }
+
+const joined = (parts) => parts.map((part) => part.text).join(', ');
 
 function laidOut(run, shown, edges, suspected) {
   const graph = new dagre.graphlib.Graph({ multigraph: true });
   graph.setGraph({ rankdir: innerWidth < 700 ? 'TB' : 'LR', nodesep: 26, ranksep: 46, marginx: 12, marginy: 12 });
   graph.setDefaultEdgeLabel(() => ({}));
   for (const name of shown) graph.setNode(name, { name, width: Math.max(64, name.length * letter + 26), height: 34 });
-  edges.forEach((edge, i) => graph.setEdge(edge.cause, edge.effect, { edge, width: edgeText(edge, suspected).length * letter + 6, height: 16, labelpos: 'c' }, String(i)));
+  edges.forEach((edge, i) => graph.setEdge(edge.cause, edge.effect, { edge, width: joined(edgeNames(edge, suspected)).length * letter + 6, height: 16, labelpos: 'c' }, String(i)));
   dagre.layout(graph);
   return graph;
 }
@@ -122,15 +125,15 @@ function drawnEdge({ edge, points, x, y }, suspected) {
   return {
     lit,
     path: svg('path', { class: lit ? 'edge lit' : 'edge', d, 'marker-end': `url(#${lit ? 'tip-lit' : 'tip'})` }, title),
-    text: name(edgeText(edge, suspected), lit, x, y, title),
+    text: name(edgeNames(edge, suspected), x, y, title),
   };
 }
 
-/** On a ground of its own, so that no arrow runs through it. */
-function name(text, lit, x, y, title) {
-  const width = text.length * letter;
-  return svg('g', { class: lit ? 'edge-name lit' : 'edge-name' }, title.cloneNode(true),
-    svg('rect', { x: x - width / 2 - 2, y: y - 9, width: width + 4, height: 18 }), svg('text', { x, y: y + 4 }, text));
+/** On a ground of its own, so that no arrow runs through it; only the suspects of an arrow are lit. */
+function name(parts, x, y, title) {
+  const width = joined(parts).length * letter;
+  const texts = parts.map((part, i) => [i ? ', ' : '', svg('tspan', { class: part.lit && 'lit' }, part.text)]);
+  return svg('g', { class: 'edge-name' }, title.cloneNode(true), svg('rect', { x: x - width / 2 - 2, y: y - 9, width: width + 4, height: 18 }), svg('text', { x, y: y + 4 }, texts));
 }
 
 /** A curve through the points of a layout. */

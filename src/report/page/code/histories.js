@@ -24,20 +24,23 @@ export function historiesSection(run) {
 const placeOf = (run, history) => run.hypotheses[run.candidateById.get(history.candidate)?.hypothesis]?.place ?? Infinity;
 
 /**
- * The times at which something changed, with what changed. A history counts steps of its own: several may
- * have one time, the first of them telling the moves and the next the modes that these lead to.
+ * What changed and when. A history counts steps of its own: one tells moves, and the next the modes that they
+ * led to, which belong to the moves whatever time stands at them.
  */
 function eventsOf(history) {
-  const byTime = new Map();
+  const events = [];
   let before = {};
   for (const { time, values, moves } of history.steps) {
-    if (!byTime.has(time)) byTime.set(time, { time, changed: new Map(), moves: [] });
-    const event = byTime.get(time);
-    for (const [name, value] of Object.entries(values)) if (before[name] !== value) event.changed.set(name, value);
-    event.moves.push(...moves);
+    const changed = Object.entries(values).filter(([name, value]) => before[name] !== value);
     before = { ...before, ...values };
+    const last = events.at(-1);
+    const own = changed.filter(([name, value]) => !last?.moves.some((m) => name.startsWith(`${m.component}.`) && m.to === value));
+    if (last && last.time === time) {
+      last.changed.push(...own);
+      last.moves.push(...moves);
+    } else if (own.length || moves.length) events.push({ time, changed: own, moves: [...moves] });
   }
-  return [...byTime.values()].map((event) => ({ ...event, changed: [...event.changed] })).filter((event) => event.changed.length || event.moves.length);
+  return events;
 }
 
 /** A tree of events: equal beginnings are shared. */

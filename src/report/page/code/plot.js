@@ -7,7 +7,8 @@ import { el } from './dom.js';
 import { canvasFont, colour } from './look.js';
 import { nearestStep } from './run_document.js';
 
-const gutter = 58; // for the numbers of the vertical axis, the same in all plots so that times line up
+/** Room for the numbers of the vertical axis, the same in all plots so that times line up. */
+const gutter = () => (innerWidth < 500 ? 44 : 58);
 const paperWidth = 660;
 
 const plots = new Set();

@@ -127,9 +127,9 @@ function drawCounts(chart, run, most, top, height) {
     let count = 0;
     let end = k;
     while (end <= last && (end === k || Math.floor((run.time[end] - min) * scale) === x || run.followed[end] === count)) count = Math.max(count, run.followed[end++]);
-    const until = end <= run.lastStep ? (run.time[end] - min) * scale : bbox.width;
+    const until = end <= run.lastStep ? Math.floor((run.time[end] - min) * scale) : bbox.width;
     const tall = (height * count) / most;
-    ctx.fillRect(bbox.left + x, top + height - tall, Math.max(1, until - x), tall);
+    ctx.fillRect(Math.round(bbox.left) + x, Math.round(top + height - tall), Math.max(1, until - x), Math.round(tall));
     k = end;
   }
 }

@@ -39,7 +39,7 @@ function zoomButtons(run, store) {
   return el('div', { class: 'buttons no-print' },
     button('←', 'Earlier', () => store.pan(-0.3)), button('→', 'Later', () => store.pan(0.3)),
     button('−', 'Zoom out', () => store.zoom(2)), button('+', 'Zoom in', () => store.zoom(0.5)),
-    noticed && button('To the alarm', 'Zoom to where it was noticed', () => { around(noticed.time); store.setCursor(noticed.step); }),
+    noticed && button('Alarm', 'Zoom to where it was noticed', () => { around(noticed.time); store.setCursor(noticed.step); }),
     button('Whole run', 'Show the whole run', () => store.reset()));
 }
 
