@@ -147,11 +147,17 @@ void printHSTree(s_runtime* rt, std::vector<Leaf> const& leaves) {
         watchMemory(rt->engine->host);
         rt->diagBuf += "[";
         for (auto const& suspect : leaf.conflictSet) {
-            addBridgeConflict(rt, suspect->influence->cond, existingConflicts);
+            if (!suspect->absent)
+                addBridgeConflict(rt, suspect->influence->cond, existingConflicts);
             printConflict(rt, suspect.get());
         }
         rt->diagBuf += "]";
     }
+    if (!rt->engine->rules.suspects)
+        return;
+    for (Leaf const& leaf : leaves)
+        for (auto const& suspect : leaf.conflictSet)
+            addDoubtedModes(rt, *suspect);
 }
 
 void printConflict(s_runtime* rt, Conflict const* conflict) {
@@ -168,7 +174,7 @@ std::string conditionText(Conflict const& conflict) {
         return "()";
     std::string text;
     writeCondition(text, conflict.influence->cond);
-    return text;
+    return conflict.absent ? "(! " + text + ")" : text;
 }
 
 void sn_printDiagCond(s_runtime* rt, s_Condition const* condition) {
