@@ -1,8 +1,10 @@
 // Reading a file whole.
 #include "tavro/file_reader.h"
 
+#include <filesystem>
 #include <fstream>
 #include <iterator>
+#include <system_error>
 
 // A directory can be opened, but nothing can be read from it.
 std::optional<std::string> FileReader::read(std::string const& path) {
@@ -13,4 +15,12 @@ std::optional<std::string> FileReader::read(std::string const& path) {
     }
     std::string text{std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
     return file.bad() ? std::nullopt : std::optional<std::string>(std::move(text));
+}
+
+std::string FileReader::shipped(std::string const& name) {
+    std::error_code failed;
+    auto const program = std::filesystem::read_symlink("/proc/self/exe", failed);
+    if (failed || name.empty() || name.front() == '/')
+        return {};
+    return (program.parent_path() / TAVRO_LIBRARY_FROM_PROGRAM / name).lexically_normal();
 }

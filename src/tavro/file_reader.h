@@ -6,4 +6,7 @@
 class FileReader : public SourceReader {
 public:
     std::optional<std::string> read(std::string const& path) override;
+    // In the folder of the library of plants, which stands beside the program wherever it runs
+    // from.
+    std::string shipped(std::string const& name) override;
 };
