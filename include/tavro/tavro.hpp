@@ -223,8 +223,9 @@ struct Alarm {
 struct Suspect {
     std::string influence;  // "R1.i1"; empty for one without a name
     int delay = 0;          // steps between its action and the measure
-    std::string
-        condition;  // under which it acts, as "(((a.mode=on)) | ((a.mode=idle)))"; "()" always
+    // Under which it acts, as "(((a.mode=on)) | ((a.mode=idle)))"; "()" always. By the rule
+    // "suspects" also of one that rests and may be acting: under which it rests, as "(! (..))".
+    std::string condition;
 
     bool operator==(Suspect const&) const = default;
 };

@@ -24,6 +24,8 @@ struct Conflict {
     std::string name;  // of the influence; "" for an anonymous one
     s_Influence* influence = nullptr;
     int delay = 0;  // cycles between the influence's action and the measure
+    // Accused of acting although the candidate has it rest. Only by the rule `suspects`.
+    bool absent = false;
 };
 
 // Suspects in the order of their finding, each once. Copying the list shares them. That is what a
@@ -36,7 +38,8 @@ enum isolationLevel { LEVEL_PLAIN = 1, LEVEL_PREFERENCE = 2, LEVEL_EXONERATION =
 
 // ---- Suspects (isolation/suspects.cpp) ----
 
-// Same name and same condition. The second form also raises the lower of the two delays.
+// Same name, same condition, and accused of the same. The second form also raises the lower of the
+// two delays.
 bool compareConflicts(Conflict const& a, Conflict const& b);
 bool compareAndUpdateConflicts(Conflict& a, Conflict& b);
 bool compareConditions(s_Condition const* a, s_Condition const* b);
@@ -49,9 +52,19 @@ std::string createConflictName(s_Influence const* influence, char const* name);
 // Adds the influence as a suspect, unless an equal one is there, whose delay may rise.
 void makeUpConflict(s_Influence* influence, int delay, Suspects& conflicts);
 // Walks upstream from a variable: every influence that was active at its delay is a suspect. The
-// walk stops at measures and inputs, which are trusted, and visits a variable once.
+// walk stops at measures and inputs, which are trusted, and visits a variable once. The inactive
+// ones that it passes go into *resting*, if there is one.
 void findConflictsAux(s_runtime const* rt, s_Variable* variable, Suspects& conflicts,
-                      std::vector<s_Variable const*>& visited, int delay);
+                      std::vector<s_Variable const*>& visited, int delay,
+                      Suspects* resting = nullptr);
+
+// ---- Modes in doubt (isolation/doubted_modes.cpp; the rule `suspects`) ----
+
+// Adds those of the *resting* that could act in another mode, and that no suspect brings along.
+void addAbsentSuspects(s_runtime* rt, Suspects const& resting, Suspects& conflicts);
+// Hands to the bridge what the modes in the suspect's condition would have to leave, unless what
+// was handed over asks for it.
+void addDoubtedModes(s_runtime* rt, Conflict const& suspect);
 
 // ---- Soft conflicts (isolation/soft_conflicts.cpp) ----
 
@@ -132,7 +145,8 @@ void sn_prepareDiag(s_runtime* rt);
 // Appends the leaves to the text, and hands the conditions of their suspects to the bridge.
 void printHSTree(s_runtime* rt, std::vector<Leaf> const& leaves);
 void printConflict(s_runtime* rt, Conflict const* conflict);
-// Under which the suspect acts, as "((thermostat.mode=on))"; "()" for always.
+// Under which the suspect acts, as "((thermostat.mode=on))"; "()" for always. Of an absent one,
+// under which it rests, as "(! ((thermostat.mode=on)))".
 std::string conditionText(Conflict const& conflict);
 std::string conditionText(s_Condition const* condition);
 // Digits of a number, one for 0: the width of a leaf's number in the headings that the text had

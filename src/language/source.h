@@ -52,6 +52,8 @@ public:
     virtual ~SourceReader() = default;
     // Nothing when there is no such text, or it cannot be read.
     virtual std::optional<std::string> read(std::string const& path);
+    // Where a text of that name would be among those that come with the program; empty for nowhere.
+    virtual std::string shipped(std::string const& name);
 };
 
 class Sources {

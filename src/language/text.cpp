@@ -10,17 +10,26 @@ public:
     TextLoader(SourceReader& reader, Sources& sources, Messages& messages)
         : reader(reader), sources(sources), messages(messages) {}
 
-    // *place* is where the file is asked for; nowhere for the first one.
-    void load(std::string const& path, TextRange const& place) {
-        if (sources.find(path) != TextRange::noFile)
-            return;  // read once, however often it is included
-        std::optional<std::string> content = reader.read(path);
-        if (!content) {
-            messages.error(place, "the file " + path + " cannot be read",
-                           "see that it is there and may be read");
-            return;
+    // The first of the paths that can be read; the message names the first of all. *place* is where
+    // the file is asked for; nowhere for the first one.
+    void load(std::vector<std::string> const& paths, TextRange const& place) {
+        for (std::string const& path : paths) {
+            if (sources.find(path) != TextRange::noFile)
+                return;  // read once, however often it is included
+            if (std::optional<std::string> content = reader.read(path)) {
+                take(path, std::move(*content));
+                return;
+            }
         }
-        int const file = sources.add(path, std::move(*content));
+        messages.error(place, "the file " + paths.front() + " cannot be read",
+                       "see that it is there and may be read");
+    }
+
+    PlantText text;
+
+private:
+    void take(std::string const& path, std::string content) {
+        int const file = sources.add(path, std::move(content));
         text.files.push_back(std::make_unique<FileTree>(Parser(sources, file, messages).parse()));
         FileTree const& tree = *text.files.back();
         text.damaged.insert(tree.damaged.begin(), tree.damaged.end());
@@ -31,17 +40,21 @@ public:
                 text.statements.push_back(&statement);
     }
 
-    PlantText text;
-
-private:
     void follow(std::string const& path, IncludeNode const& include) {
         if (++depth > deepest)
             messages.error(include.path.range, "files include each other too deeply",
                            std::string("no more than ") + std::to_string(deepest) +
                                " may stand in each other");
         else
-            load(pathBeside(path, include.path.text), include.path.range);
+            load(pathsOf(path, include.path.text), include.path.range);
         --depth;
+    }
+
+    std::vector<std::string> pathsOf(std::string const& includer, std::string const& name) const {
+        std::vector<std::string> paths{pathBeside(includer, name)};
+        if (std::string shipped = reader.shipped(name); !shipped.empty())
+            paths.push_back(std::move(shipped));
+        return paths;
     }
 
     static constexpr int deepest = 100;
@@ -57,6 +70,6 @@ private:
 PlantText readPlantText(std::string const& path, SourceReader& reader, Sources& sources,
                         Messages& messages) {
     TextLoader loader(reader, sources, messages);
-    loader.load(path, {});
+    loader.load({path}, {});
     return std::move(loader.text);
 }

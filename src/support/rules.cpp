@@ -11,7 +11,7 @@ struct Named {
     bool Rules::*flag;
 };
 
-constexpr std::array<Named, 10> all{{{"continuity", &Rules::continuity},
+constexpr std::array<Named, 11> all{{{"continuity", &Rules::continuity},
                                      {"regions", &Rules::regions},
                                      {"narrow", &Rules::narrow},
                                      {"histories", &Rules::histories},
@@ -20,7 +20,8 @@ constexpr std::array<Named, 10> all{{{"continuity", &Rules::continuity},
                                      {"again", &Rules::again},
                                      {"dates", &Rules::dates},
                                      {"cover", &Rules::cover},
-                                     {"limit", &Rules::limit}}};
+                                     {"limit", &Rules::limit},
+                                     {"suspects", &Rules::suspects}}};
 
 // A word stands for a rule, or for a whole set, which it adds.
 bool addWord(std::string_view word, Rules& rules) {

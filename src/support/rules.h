@@ -20,6 +20,7 @@ struct Rules {
     bool dates = false;       // a failure is dated by a range of steps
     bool cover = false;       // a value that no condition covers ends its candidate, not the run
     bool limit = false;       // a bounded number of candidates is followed
+    bool suspects = false;    // what does not act, or asks for several modes, is accused, too
 
     bool operator==(Rules const&) const = default;
 

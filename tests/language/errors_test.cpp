@@ -384,6 +384,55 @@ TEST(ErrorsTest, AMistakeInAnIncludedFileIsToldThere) {
               "    expected is a value\n");
 }
 
+namespace includes {
+
+// One that knows a folder of shipped texts.
+class WithLibrary : public language_fixture::TextReader {
+public:
+    using TextReader::TextReader;
+    std::string shipped(std::string const& name) override { return "shipped/" + name; }
+};
+
+std::string const user = "plant p\ninclude \"t.plant\"\na: t()\n";
+std::string const good = "type t {\n  mode off\n}\n";
+std::string const bad = "type t {\n  mode off,\n}\n";
+
+std::string told(std::map<std::string, std::string> texts) {
+    WithLibrary reader(std::move(texts));
+    PlantFile const file("d/p.plant", reader);
+    return rendered(file.messages(), file.sources());
+}
+
+}  // namespace includes
+
+TEST(ErrorsTest, WhatIsNotBesideIsLookedForInTheLibrary) {
+    using namespace includes;
+    EXPECT_EQ(told({{"d/p.plant", user}, {"shipped/t.plant", good}}), "");
+    EXPECT_EQ(told({{"d/p.plant", user}, {"d/t.plant", good}, {"shipped/t.plant", bad}}), "");
+    EXPECT_EQ(told({{"d/p.plant", user}, {"shipped/t.plant", bad}}),
+              "shipped/t.plant:2:12: error: here stands the end of the line\n"
+              "  2 |   mode off,\n"
+              "    |            ^\n"
+              "    expected is a value\n");
+}
+
+// Neither place has it: the one beside the plant is where it is missed.
+TEST(ErrorsTest, WhatIsNowhereIsMissedBesideThePlant) {
+    std::string const message = includes::told({{"d/p.plant", includes::user}});
+    EXPECT_EQ(message.substr(0, message.find('\n')),
+              "d/p.plant:2:9: error: the file d/t.plant cannot be read");
+}
+
+// Also when two files that stand apart include it, and from within the library.
+TEST(ErrorsTest, AShippedTextIsReadOnce) {
+    EXPECT_EQ(includes::told(
+                  {{"d/p.plant", "plant p\ninclude \"e/q.plant\"\ninclude \"t.plant\"\na: t()\n"},
+                   {"d/e/q.plant", "include \"t.plant\"\n"},
+                   {"shipped/t.plant", "include \"u.plant\"\n" + includes::good},
+                   {"shipped/u.plant", "include \"t.plant\"\n"}}),
+              "");
+}
+
 TEST(ErrorsTest, FilesMayIncludeEachOther) {
     language_fixture::TextReader reader(
         {{"p.plant", "plant p\ninclude \"t.plant\"\na: t()\n"},

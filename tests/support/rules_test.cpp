@@ -20,7 +20,7 @@ TEST(RulesTest, ClassicIsNoRuleAtAll) {
 TEST(RulesTest, SharpIsEveryRule) {
     Rules every;
     every.continuity = every.regions = every.narrow = every.histories = every.likelihood = true;
-    every.unknown = every.again = every.dates = every.cover = every.limit = true;
+    every.unknown = every.again = every.dates = every.cover = every.limit = every.suspects = true;
     EXPECT_EQ(taken("sharp"), every);
     EXPECT_EQ(Rules::sharp(), every);
 }

@@ -40,10 +40,13 @@ Case sortMeasures(s_runtime* rt, bool incremental) {
     return sorted;
 }
 
-void findConflicts(s_runtime const* rt, std::vector<MeasureConflicts>& measures) {
+void findConflicts(s_runtime* rt, std::vector<MeasureConflicts>& measures) {
     for (MeasureConflicts& measure : measures) {
         std::vector<s_Variable const*> visited;
-        findConflictsAux(rt, measure.var, measure.conflicts, visited, 0);
+        Suspects resting;
+        Suspects* const asked = rt->engine->rules.suspects ? &resting : nullptr;
+        findConflictsAux(rt, measure.var, measure.conflicts, visited, 0, asked);
+        addAbsentSuspects(rt, resting, measure.conflicts);
     }
 }
 

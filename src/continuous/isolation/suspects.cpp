@@ -35,7 +35,8 @@ bool compareConditions(s_Condition const* a, s_Condition const* b) {
 }
 
 bool compareConflicts(Conflict const& a, Conflict const& b) {
-    return a.name == b.name && compareConditions(a.influence->cond, b.influence->cond);
+    return a.name == b.name && a.absent == b.absent &&
+           compareConditions(a.influence->cond, b.influence->cond);
 }
 
 bool compareAndUpdateConflicts(Conflict& a, Conflict& b) {
@@ -94,17 +95,21 @@ int delayThrough(s_Influence const* influence, int delay) {
 }  // namespace
 
 void findConflictsAux(s_runtime const* rt, s_Variable* variable, Suspects& conflicts,
-                      std::vector<s_Variable const*>& visited, int delay) {
+                      std::vector<s_Variable const*>& visited, int delay, Suspects* resting) {
     if (variable->graph == nullptr)
         return;
     visited.push_back(variable);
     for (s_Influence* influence : variable->graph->causes) {
-        if (!wasActive(influence, delay))
+        if (!wasActive(influence, delay)) {
+            if (resting != nullptr)
+                makeUpConflict(influence, delay, *resting);
             continue;
+        }
         makeUpConflict(influence, delay, conflicts);
         s_Variable* cause = influence->cause;
         bool const seen = std::find(visited.begin(), visited.end(), cause) != visited.end();
         if (!sn_isMeasure(rt, cause) && !sn_isInput(rt, cause) && !seen)
-            findConflictsAux(rt, cause, conflicts, visited, delayThrough(influence, delay));
+            findConflictsAux(rt, cause, conflicts, visited, delayThrough(influence, delay),
+                             resting);
     }
 }

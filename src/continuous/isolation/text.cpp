@@ -147,11 +147,17 @@ void printHSTree(s_runtime* rt, std::vector<Leaf> const& leaves) {
         watchMemory(rt->engine->host);
         rt->diagBuf += "[";
         for (auto const& suspect : leaf.conflictSet) {
-            addBridgeConflict(rt, suspect->influence->cond, existingConflicts);
+            if (!suspect->absent)
+                addBridgeConflict(rt, suspect->influence->cond, existingConflicts);
             printConflict(rt, suspect.get());
         }
         rt->diagBuf += "]";
     }
+    if (!rt->engine->rules.suspects)
+        return;
+    for (Leaf const& leaf : leaves)
+        for (auto const& suspect : leaf.conflictSet)
+            addDoubtedModes(rt, *suspect);
 }
 
 void printConflict(s_runtime* rt, Conflict const* conflict) {
@@ -164,7 +170,8 @@ void printConflict(s_runtime* rt, Conflict const* conflict) {
 }
 
 std::string conditionText(Conflict const& conflict) {
-    return conditionText(conflict.influence->cond);
+    std::string const text = conditionText(conflict.influence->cond);
+    return conflict.absent ? "(! " + text + ")" : text;
 }
 
 std::string conditionText(s_Condition const* condition) {
