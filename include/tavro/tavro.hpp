@@ -305,7 +305,7 @@ struct HistoryStep {
     int step = 0;
     double time = 0.0;                         // -1: before the steps that are kept
     std::map<std::string, std::string> modes;  // of the components that the step is about
-    std::vector<Move> moves;                   // from here on to later steps, idle ones left out
+    std::vector<Move> moves;                   // that led to it, idle ones left out
 };
 
 // ---- The following ----

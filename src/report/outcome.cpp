@@ -113,8 +113,24 @@ private:
     void say(std::string sentence) { outcome.answer.push_back(std::move(sentence)); }
 
     std::string at(std::size_t step) const {
-        std::string const number = shortText(record.time[step]);
-        return plant.discrete() ? "step " + number : number + " s";
+        if (plant.discrete())
+            return "step " + shortText(record.time[step]);
+        return seconds(record.time[step]);
+    }
+    // Hours are no number of seconds to a reader: "6180 s (1:43:00)".
+    static std::string seconds(double time) {
+        std::string text = shortText(time).append(" s");
+        long const whole = std::lround(time);
+        if (whole < 3600)
+            return text;
+        auto const two = [](long value) {
+            return std::string(value < 10 ? ":0" : ":").append(std::to_string(value));
+        };
+        return text.append(" (")
+            .append(std::to_string(whole / 3600))
+            .append(two(whole / 60 % 60))
+            .append(two(whole % 60))
+            .append(")");
     }
     std::string dates(tavro::Explanation const& move) const {
         std::string const unit = plant.discrete() ? "" : " s";

@@ -5,6 +5,7 @@
 #include <cfloat>
 #include <cmath>
 #include <limits>
+#include <map>
 #include <utility>
 
 #include "continuous/records.h"
@@ -82,22 +83,23 @@ bool holdsAt(Trajectory const& history, Atom const& atom, int step) {
 
 // What leaves the mode and has reached another one by the next step that is about the component.
 void addMoves(Trajectory const& history, TrajEl const& mode, int step,
-              std::vector<tavro::Move>& moves) {
+              std::map<int, std::vector<tavro::Move>>& moves) {
     int const next = history.getNext(mode.getStateVar(), step);
     if (next == 0)
         return;
     for (auto const& [id, transition] : mode.nextTrans)
         if (transition != nullptr && !transition->idle && transition->postMode != nullptr &&
             holdsAt(history, *transition->postMode, next))
-            moves.push_back({mode.atom->getVarComp()->getName(), mode.atom->value,
-                             transition->postMode->value, transition->type == transFail,
-                             transition->unknownPost});
+            moves[next].push_back({mode.atom->getVarComp()->getName(), mode.atom->value,
+                                   transition->postMode->value, transition->type == transFail,
+                                   transition->unknownPost});
 }
 
 }  // namespace
 
 std::vector<tavro::HistoryStep> stepsOf(Trajectory const& history, TimeOfStep const& timeOfStep) {
     std::vector<tavro::HistoryStep> steps;
+    std::map<int, std::vector<tavro::Move>> moves;
     for (auto const& [number, state] : history.states) {
         tavro::HistoryStep told;
         told.step = number;
@@ -107,12 +109,14 @@ std::vector<tavro::HistoryStep> stepsOf(Trajectory const& history, TimeOfStep co
             if (element == nullptr || element->getVarType() != typeMode || !element->evalTrajEl())
                 continue;
             told.modes[element->getStateVar()->getName()] = element->atom->value;
-            addMoves(history, *element, number, told.moves);
+            addMoves(history, *element, number, moves);
         }
         steps.push_back(std::move(told));
     }
     std::sort(steps.begin(), steps.end(),
               [](auto const& a, auto const& b) { return a.step < b.step; });
+    for (tavro::HistoryStep& step : steps)
+        step.moves = std::move(moves[step.step]);
     return steps;
 }
 

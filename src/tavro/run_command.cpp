@@ -235,6 +235,7 @@ void addOptions(CLI::App& command, Request& request) {
     command
         .add_option("--noise", request.noise,
                     "How far measures may be from the truth: NUMBER, or MEASURE=NUMBER")
+        ->delimiter(',')
         ->allow_extra_args(false);
 }
 

@@ -116,6 +116,12 @@ TEST_F(Ending, ARunThatStoppedSaysWhy) {
     EXPECT_TRUE(says(o, "The run stopped after 0 s: nothing explains the misbehaviour."));
 }
 
+// 6180 s = 3600 + 43 * 60
+TEST_F(Ending, LongTimesAreToldInHours) {
+    recorder.add(measured(9), diagnosis(6180, {candidate(2, 1, 2, {move("stuck_on", 4, 6)}, 1.0)}));
+    EXPECT_TRUE(says(outcome(), "Noticed at 6180 s (1:43:00): measured"));
+}
+
 TEST_F(Ending, WithoutAStepThereIsNothingToTell) {
     Outcome const o = outcome({EarlyEnd::memory, "memory ran short"});
     EXPECT_TRUE(says(o, "The run stopped: memory ran short."));

@@ -121,7 +121,7 @@ const described = (run, shown, suspected, alarms) =>
 function drawnEdge({ edge, points, x, y }, suspected) {
   const lit = edge.influences.some((i) => suspected.has(i.name));
   const d = smooth(points);
-  const title = svg('title', null, edge.influences.map((i) => `${i.name}: ${i.kind}${i.condition ? ` when ${bare(i.condition)}` : ''}`).join('\n'));
+  const title = svg('title', null, edge.influences.map((i) => `${i.name}: ${i.kind}${bare(i.condition) ? ` when ${bare(i.condition)}` : ''}`).join('\n'));
   return {
     lit,
     path: svg('path', { class: lit ? 'edge lit' : 'edge', d, 'marker-end': `url(#${lit ? 'tip-lit' : 'tip'})` }, title),
@@ -174,7 +174,7 @@ const suspectsUpTo = 40;
 function suspectsList(diagnosis) {
   if (!diagnosis) return [];
   if (!diagnosis.suspects.length) return [el('p', { class: 'hint' }, 'This diagnosis names no influences.')];
-  const one = ({ influence, delay, condition }) => el('span', null, el('b', null, influence), delay ? ` ${plural(delay, 'step')} before` : '', condition ? el('span', { class: 'sub' }, ` when ${bare(condition)}`) : '');
+  const one = ({ influence, delay, condition }) => el('span', null, el('b', null, influence), delay ? ` ${plural(delay, 'step')} before` : '', bare(condition) ? el('span', { class: 'sub' }, ` when ${bare(condition)}`) : '');
   const rest = diagnosis.suspects.length - suspectsUpTo;
   return [
     el('h3', null, 'Suspects'), el('p', { class: 'hint' }, 'Each line is a diagnosis of its own: what it names may not be acting, all of it together.'),
