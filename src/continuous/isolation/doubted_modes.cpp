@@ -4,8 +4,8 @@
 // acted, and what is in doubt of one is a disjunction of modes under which it acts: they are taken
 // to be false. What goes wrong. A fault that only adds an influence, such as a leak beside a
 // balance that holds in every mode, has no suspect that could lead to it: the alarm comes, and
-// nothing explains it. And of an influence that acts under a conjunction, two modes at once, no
-// mode is ever in doubt.
+// nothing explains it. And of an influence that acts under a conjunction, two modes at once, only a
+// mode that stands in a disjunction below it is ever in doubt.
 //
 // The rule. An influence is what it is, acting or resting, by each of the mode variables that its
 // condition asks for. So a suspect puts each of them in doubt by itself: the variable is taken to
@@ -19,8 +19,8 @@
 // other. Most plants, where each fault takes something away, are so diagnosed as without the rule.
 //
 // Why it is sound. Only suspects are added, and each history that comes of them is replayed against
-// the measures like any other. That two modes must change at once is not looked for by one suspect:
-// there a history of two failures that each are suspected by themselves is missed.
+// the measures like any other. A suspect changes one mode: of two failures that only together make
+// it act, or rest, nothing is found by it.
 #include <algorithm>
 
 #include "continuous/isolation.h"

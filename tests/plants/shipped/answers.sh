@@ -1,3 +1,4 @@
+# shellcheck shell=sh
 # To be read by the tests beside it, in an empty directory and with the program as $tavro.
 mkdir inp obs disp
 failed=0
