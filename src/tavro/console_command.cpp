@@ -24,7 +24,7 @@ constexpr char const* nameOfConsole = "tavro-exec";
 }
 
 // Warnings are for `tavro check`; a plant with errors is not run.
-int runConsoleOn(std::vector<std::string> const& words) {
+int runConsoleOn(std::vector<std::string> const& words, std::vector<std::string> const& settings) {
     if (words.empty()) {
         std::fputs("tavro console: a plant is missing\nRun tavro console --help for more.\n",
                    stderr);
@@ -32,7 +32,7 @@ int runConsoleOn(std::vector<std::string> const& words) {
     }
     keepStandardStreams();
     FileReader reader;
-    PlantFile const file(words.front(), reader);
+    PlantFile const file(words.front(), reader, settings);
     if (file.isSound())
         run(file.source(), words);
     std::fputs(rendered(file.messages(), file.sources()).c_str(), stderr);
@@ -46,8 +46,10 @@ void addConsole(CLI::App& program, int& status) {
     CLI::App* command = program.add_subcommand("console", "Run the console on a plant");
     command->prefix_command();
     command->footer(
-        "  tavro console FILE [OPTION]... [INPUT-FILE] [MEASURE-FILE] [DISPLAY-FILE]\n"
-        "                [SCENARIO-FILE [MODE-FILE]]\n\n"
+        "  tavro console [--set NAME=NUMBER]... FILE [OPTION]... [INPUT-FILE] [MEASURE-FILE]\n"
+        "                [DISPLAY-FILE] [SCENARIO-FILE [MODE-FILE]]\n\n"
         "tavro console FILE --help tells what this plant takes.");
-    command->callback([command, &status] { status = runConsoleOn(command->remaining()); });
+    auto const settings = addSettings(*command);
+    command->callback(
+        [command, settings, &status] { status = runConsoleOn(command->remaining(), *settings); });
 }
