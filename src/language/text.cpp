@@ -33,7 +33,7 @@ public:
 
     // Messages show such a text as "--set:1:...".
     void loadSetting(std::string const& setting) {
-        int const file = sources.add("--set", "set " + setting);
+        int const file = sources.add("--set", "set " + setting + "\n");
         text.files.push_back(std::make_unique<FileTree>(Parser(sources, file, messages).parse()));
         for (Statement const& statement : text.files.back()->body)
             if (std::holds_alternative<SetNode>(statement.node))
