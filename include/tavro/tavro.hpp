@@ -103,9 +103,10 @@ public:
     // takes about a millisecond. Error: plant, internal.
     static Plant builtin(std::string_view name);
     static std::vector<std::string> builtins();
-    // A plant as text, read from the file with all that it includes. Error: plant, with every
-    // message of the check, each with its place, the line and a caret; internal.
-    static Plant load(std::string const& path);
+    // A plant as text, read from the file with all that it includes. *settings* are constants that
+    // are worth something else than is written, as "rooms=64". Error: plant, with every message of
+    // the check, each with its place, the line and a caret; internal.
+    static Plant load(std::string const& path, std::vector<std::string> const& settings = {});
 
     Plant(Plant const&);
     Plant& operator=(Plant const&);

@@ -43,9 +43,9 @@ Plant Plant::builtin(std::string_view name) {
     return Plant(std::make_shared<PlantData const>(build(**found)));
 }
 
-Plant Plant::load(std::string const& path) {
+Plant Plant::load(std::string const& path, std::vector<std::string> const& settings) {
     FileReader reader;
-    PlantFile const file(path, reader);
+    PlantFile const file(path, reader, settings);
     if (!file.isSound())
         throw Error(ErrorKind::plant, rendered(file.messages(), file.sources()));
     return Plant(std::make_shared<PlantData const>(build(file.source())));

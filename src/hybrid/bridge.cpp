@@ -12,9 +12,8 @@
 #include "continuous/displays.h"
 #include "continuous/sorn-runt.h"
 #include "hybrid/tavro-runt.h"
-#include "model/CondVarrt.h"
-#include "model/ModeVarrt.h"
 #include "model/labels.h"
+#include "model/linkedConditions.h"
 #include "reasoning/Scheduler.h"
 
 void bridgeIncEvents(Scheduler& scheduler, s_runtime* rt) {
@@ -29,18 +28,9 @@ void bridgeIncEvents(Scheduler& scheduler, s_runtime* rt) {
 
 namespace {
 
-// The conditions of a variable's atoms; null for kinds that have none.
-CondMap const* condMapOf(StateVar const* variable) {
-    if (variable->type == typeCond)
-        return &static_cast<CondVar const*>(variable)->condMap;
-    if (variable->type == typeMode)
-        return &static_cast<ModeVar const*>(variable)->condMap;
-    return nullptr;
-}
-
 void setCondsOfAtom(s_runtime* rt, Atom const* atom, bool value) {
     assert(atom->getStateVar() != nullptr);  // a bridged atom was not refused
-    CondMap const* conditions = condMapOf(atom->getStateVar());
+    CondMap const* conditions = linkedConditions(atom->getStateVar());
     if (conditions == nullptr)
         return;
     for (auto const& [id, index] : *conditions)

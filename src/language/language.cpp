@@ -6,8 +6,9 @@
 #include "language/resolve.h"
 #include "language/warnings.h"
 
-PlantFile::PlantFile(std::string const& path, SourceReader& reader) {
-    PlantText const text = readPlantText(path, reader, texts, told);
+PlantFile::PlantFile(std::string const& path, SourceReader& reader,
+                     std::vector<std::string> const& settings) {
+    PlantText const text = readPlantText(path, reader, texts, told, settings);
     if (text.files.empty())
         return;
     auto flat = std::make_shared<FlatPlant>(resolve(text, texts, told));

@@ -10,6 +10,7 @@
 
 #include <memory>
 #include <string>
+#include <vector>
 
 #include "language/flat.h"
 #include "language/messages.h"
@@ -17,8 +18,10 @@
 
 class PlantFile {
 public:
-    // Reads and checks *path* with all that it includes.
-    PlantFile(std::string const& path, SourceReader& reader);
+    // Reads and checks *path* with all that it includes. *settings* are constants that are given
+    // other values, as "rooms=64".
+    PlantFile(std::string const& path, SourceReader& reader,
+              std::vector<std::string> const& settings = {});
 
     Sources const& sources() const { return texts; }
     Messages const& messages() const { return told; }

@@ -17,9 +17,9 @@ bool isReserved(std::string_view word) {
 
 bool beginsStatement(std::string_view word) {
     static constexpr std::string_view words[] = {
-        "plant",     "sample",     "window",  "include", "constant", "type",    "order",
-        "parameter", "variable",   "measure", "display", "move",     "fail",    "idle",
-        "clause",    "constraint", "define",  "import",  "region",   "observe", "command"};
+        "plant",      "sample",   "window",  "include", "constant", "type",   "order", "set",
+        "parameter",  "variable", "measure", "display", "move",     "fail",   "idle",  "clause",
+        "constraint", "define",   "import",  "region",  "observe",  "command"};
     return std::find(std::begin(words), std::end(words), word) != std::end(words);
 }
 

@@ -227,12 +227,23 @@ void Lowering::makeClauses() {
         Own const& of = own[static_cast<std::size_t>(component)];
         for (int const choice : of.choices)
             addExclusiveChoice(plant, choices[static_cast<std::size_t>(choice)]);
-        for (int const number : of.clauses) {
-            FlatClause const& from = flat.clauses[static_cast<std::size_t>(number)];
-            Clause* clause = plant.addClause(std::make_unique<Clause>(of.comp));
-            for (FlatLiteral const& literal : from.literals)
-                clause->addAtomRef(atomOf(literal.atom), !literal.holds);
-        }
+        makeClausesOf(of, false);
+    }
+    for (ComponentRef const component : flat.order)
+        makeClausesOf(own[static_cast<std::size_t>(component)], true);
+}
+
+void Lowering::makeClausesOf(Own const& of, bool between) {
+    for (int const number : of.clauses) {
+        FlatClause const& from = flat.clauses[static_cast<std::size_t>(number)];
+        auto const isOther = [&](FlatLiteral const& literal) {
+            return flat.choice(literal.atom.choice).component != from.component;
+        };
+        if (std::any_of(from.literals.begin(), from.literals.end(), isOther) != between)
+            continue;
+        Clause* clause = plant.addClause(std::make_unique<Clause>(of.comp));
+        for (FlatLiteral const& literal : from.literals)
+            clause->addAtomRef(atomOf(literal.atom), !literal.holds);
     }
 }
 

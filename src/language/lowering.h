@@ -35,6 +35,7 @@ private:
     void makeStarts(Own& of);
     void makeMove(Own& of, FlatMove const& from);
     void makeClauses();
+    void makeClausesOf(Own const& of, bool between);
     void makeNeighbours();
     void makeLists();
 

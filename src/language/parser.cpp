@@ -208,6 +208,13 @@ bool Parser::fileStatement(Body& into, Token const& keyword) {
             expect(TokenKind::equal, "= and a number");
             add(ConstantNode{constant, expression()});
         } while (takeIf(TokenKind::comma));
+    } else if (word == "set") {
+        take();
+        do {
+            NameNode const constant = name("the name of a constant");
+            expect(TokenKind::equal, "= and a number");
+            add(SetNode{constant, expression()});
+        } while (takeIf(TokenKind::comma));
     } else if (word == "type") {
         take();
         type(into, keyword.range);

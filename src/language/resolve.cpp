@@ -44,6 +44,9 @@ void Resolver::readStatement(PlacedStatement const& placed) {
         list(*asList, placed.scope);
     else if (std::holds_alternative<OrderNode>(node))
         setOrder(placed);
+    else if (std::holds_alternative<SetNode>(node) && placed.scope != fileScope)
+        messages.error(range, "a constant is set for the whole plant",
+                       "write this outside of types and loops");
 }
 
 void Resolver::finish() {

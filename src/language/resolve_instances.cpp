@@ -33,6 +33,7 @@ void Resolver::gatherFile() {
                                "rename one of them");
         }
     }
+    setConstants();
     std::vector<PlacedStatement> placed;
     unroll(text.statements, fileScope, placed);
     for (PlacedStatement const& one : placed)
@@ -40,6 +41,34 @@ void Resolver::gatherFile() {
     for (PlacedStatement const& one : placed)
         makeInstances(one);
     fileStatements = std::move(placed);
+}
+
+// Before anything is worked out. What stands in files counts but where a setting from outside takes
+// its place.
+void Resolver::setConstants() {
+    for (auto const* list : {&text.statements, &text.settings}) {
+        std::set<std::string> known;
+        for (Statement const* statement : *list)
+            if (auto const* node = std::get_if<SetNode>(&statement->node))
+                setConstant(*node, known);
+    }
+}
+
+void Resolver::setConstant(SetNode const& node, std::set<std::string>& known) {
+    auto const found = fileScope->names.find(node.name.text);
+    if (found == fileScope->names.end()) {
+        if (!isDamaged(node.name.text))
+            messages.error(
+                node.name.range, "there is no constant " + node.name.text,
+                suggestion(node.name.text, fileScope->order,
+                           fileScope->order.empty() ? "the plant has none"
+                                                    : "write " + oneOf(fileScope->order)));
+        return;
+    }
+    if (!known.insert(node.name.text).second)
+        messages.error(node.name.range, node.name.text + " is set a second time",
+                       "keep one of them");
+    found->second.expr = &node.value;
 }
 
 // What is told once for the whole plant.

@@ -63,6 +63,8 @@ public:
 private:
     // ---- Instances (resolve_instances.cpp) ----
     void gatherFile();
+    void setConstants();
+    void setConstant(SetNode const& node, std::set<std::string>& known);
     void header(PlacedStatement const& placed);
     void makeInstances(PlacedStatement const& placed);
     void makeInstance(InstanceNode const& node, std::string const& name, Scope* scope);

@@ -96,6 +96,12 @@ struct ConstantNode {
     Expr value;
 };
 
+// What a constant is worth in place of what it was given.
+struct SetNode {
+    NameNode name;
+    Expr value;
+};
+
 struct FormalNode {
     NameNode name;
     std::optional<Expr> otherwise;
@@ -212,7 +218,7 @@ struct EquationNode {
 };
 
 struct Statement {
-    std::variant<PlantNode, SampleNode, WindowNode, IncludeNode, ConstantNode, TypeNode,
+    std::variant<PlantNode, SampleNode, WindowNode, IncludeNode, ConstantNode, SetNode, TypeNode,
                  InstanceNode, ForNode, OrderNode, ListNode, QuantitiesNode, ChoiceNode, MoveNode,
                  ClauseNode, ConstraintNode, DefineNode, EquationNode>
         node;

@@ -25,6 +25,17 @@ public:
                        "see that it is there and may be read");
     }
 
+    // Messages show such a text as "--set:1:...".
+    void loadSetting(std::string const& setting) {
+        int const file = sources.add("--set", "set " + setting + "\n");
+        text.files.push_back(std::make_unique<FileTree>(Parser(sources, file, messages).parse()));
+        for (Statement const& statement : text.files.back()->body)
+            if (std::holds_alternative<SetNode>(statement.node))
+                text.settings.push_back(&statement);
+            else
+                messages.error(statement.range, "this is no setting", "write NAME=NUMBER");
+    }
+
     PlantText text;
 
 private:
@@ -68,8 +79,11 @@ private:
 }  // namespace
 
 PlantText readPlantText(std::string const& path, SourceReader& reader, Sources& sources,
-                        Messages& messages) {
+                        Messages& messages, std::vector<std::string> const& settings) {
     TextLoader loader(reader, sources, messages);
     loader.load({path}, {});
+    if (!loader.text.files.empty())
+        for (std::string const& setting : settings)
+            loader.loadSetting(setting);
     return std::move(loader.text);
 }

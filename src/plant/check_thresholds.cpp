@@ -186,6 +186,8 @@ void checkThresholds(s_runtime const& rt, Holdings const& plant, Findings& findi
         if (!listed)
             continue;
         checkSplit(rt, *variable, findings);
+        if (variable->varConds.empty())
+            continue;
         for (Comp const* comp : plant.comps)
             for (auto const& discrete : comp->getStateVariables()) {
                 auto const cases = casesOf(rt, *variable, *discrete);

@@ -14,9 +14,9 @@ std::string counted(int count, char const* what) {
 }
 
 // What is told goes to the error stream, and nothing of a plant without fault.
-bool check(std::string const& path) {
+bool check(std::string const& path, std::vector<std::string> const& settings) {
     FileReader reader;
-    PlantFile const file(path, reader);
+    PlantFile const file(path, reader, settings);
     std::string text = rendered(file.messages(), file.sources());
     if (!text.empty()) {
         std::string const& name = path;
@@ -33,9 +33,10 @@ void addCheck(CLI::App& program, int& status) {
     auto files = std::make_shared<std::vector<std::string>>();
     CLI::App* command = program.add_subcommand("check", "Tell what is wrong with plants");
     command->add_option("FILE", *files, "Plants to look at")->required();
-    command->callback([files, &status] {
+    auto const settings = addSettings(*command);
+    command->callback([files, settings, &status] {
         for (std::string const& file : *files)
-            if (!check(file))
+            if (!check(file, *settings))
                 status = plantIsWrong;
     });
 }

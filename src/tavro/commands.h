@@ -2,6 +2,10 @@
 // which the program is to end.
 #pragma once
 
+#include <memory>
+#include <string>
+#include <vector>
+
 namespace CLI {
 class App;
 }
@@ -20,3 +24,6 @@ void addConsole(CLI::App& program, int& status);
 void addRun(CLI::App& program, int& status);
 void addShow(CLI::App& program, int& status);
 void addSimulate(CLI::App& program, int& status);
+
+// The option --set of a subcommand; what it answers is filled when the command line is read.
+std::shared_ptr<std::vector<std::string>> addSettings(CLI::App& command);

@@ -1,6 +1,7 @@
 // `tavro console FILE ...`: the console of tavro-exec on a plant of one's own.
 #include <CLI/CLI.hpp>
 #include <cstdio>
+#include <memory>
 
 #include "console/console.h"
 #include "console/process.h"
@@ -10,11 +11,13 @@
 
 namespace {
 
-// The name under which the console speaks of itself, whichever program it is in.
-constexpr char const* nameOfConsole = "tavro-exec";
+struct Request {
+    std::string name = "tavro-exec";  // under which the console speaks of itself
+    std::shared_ptr<std::vector<std::string>> settings;
+};
 
-[[noreturn]] void run(PlantSource const& source, std::vector<std::string> const& words) {
-    std::string name = nameOfConsole;
+[[noreturn]] void run(PlantSource const& source, std::string name,
+                      std::vector<std::string> const& words) {
     std::vector<std::string> arguments(words.begin() + 1, words.end());
     std::vector<char*> argv{name.data()};
     for (std::string& argument : arguments)
@@ -24,7 +27,7 @@ constexpr char const* nameOfConsole = "tavro-exec";
 }
 
 // Warnings are for `tavro check`; a plant with errors is not run.
-int runConsoleOn(std::vector<std::string> const& words) {
+int runConsoleOn(std::vector<std::string> const& words, Request const& request) {
     if (words.empty()) {
         std::fputs("tavro console: a plant is missing\nRun tavro console --help for more.\n",
                    stderr);
@@ -32,9 +35,9 @@ int runConsoleOn(std::vector<std::string> const& words) {
     }
     keepStandardStreams();
     FileReader reader;
-    PlantFile const file(words.front(), reader);
+    PlantFile const file(words.front(), reader, *request.settings);
     if (file.isSound())
-        run(file.source(), words);
+        run(file.source(), request.name, words);
     std::fputs(rendered(file.messages(), file.sources()).c_str(), stderr);
     return plantIsWrong;
 }
@@ -46,8 +49,13 @@ void addConsole(CLI::App& program, int& status) {
     CLI::App* command = program.add_subcommand("console", "Run the console on a plant");
     command->prefix_command();
     command->footer(
-        "  tavro console FILE [OPTION]... [INPUT-FILE] [MEASURE-FILE] [DISPLAY-FILE]\n"
-        "                [SCENARIO-FILE [MODE-FILE]]\n\n"
+        "  tavro console [--set NAME=NUMBER]... [--name NAME] FILE [OPTION]... [INPUT-FILE]\n"
+        "                [MEASURE-FILE] [DISPLAY-FILE] [SCENARIO-FILE [MODE-FILE]]\n\n"
         "tavro console FILE --help tells what this plant takes.");
-    command->callback([command, &status] { status = runConsoleOn(command->remaining()); });
+    auto request = std::make_shared<Request>();
+    request->settings = addSettings(*command);
+    command->add_option("--name", request->name,
+                        "What the console calls itself; tavro-exec unless told");
+    command->callback(
+        [command, request, &status] { status = runConsoleOn(command->remaining(), *request); });
 }

@@ -3,6 +3,16 @@
 
 #include "tavro/commands.h"
 
+std::shared_ptr<std::vector<std::string>> addSettings(CLI::App& command) {
+    auto settings = std::make_shared<std::vector<std::string>>();
+    command
+        .add_option(
+            "--set", *settings,
+            "NAME=NUMBER: what a constant of the plant is worth in place of what is written")
+        ->allow_extra_args(false);
+    return settings;
+}
+
 int main(int argc, char** argv) {
     CLI::App program(
         "Follows physical systems that are described as text: checks such plants and "

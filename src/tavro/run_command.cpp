@@ -30,6 +30,7 @@ constexpr std::size_t mostHistories = 20;
 struct Request {
     std::string plant, measures, inputs, scenario;
     std::vector<std::string> noise;
+    std::shared_ptr<std::vector<std::string>> settings;
     int steps = -1;  // as many as there are data
     tavro::Options options{.rules = "sharp", .watchMemory = true};
     RunOutputs outputs;
@@ -167,7 +168,7 @@ void checkFiles(Request const& request, tavro::Plant const& plant) {
 
 int runIt(Request& request) {
     try {
-        tavro::Plant const plant = tavro::Plant::load(request.plant);
+        tavro::Plant const plant = tavro::Plant::load(request.plant, *request.settings);
         checkFiles(request, plant);
         Day day = readDay(plant, request.measures, request.inputs);
         if (!request.scenario.empty())
@@ -257,6 +258,7 @@ void addRun(CLI::App& program, int& status) {
     CLI::App* command =
         program.add_subcommand("run", "Follow a plant by its log: is it healthy, and what broke?");
     addFiles(*command, *request);
+    request->settings = addSettings(*command);
     addOptions(*command, *request);
     addOutputs(*command, *request);
     command->footer(

@@ -48,9 +48,10 @@ int drawAll(FlatPlant const& plant, std::string const& directory) {
     return succeeded;
 }
 
-int show(std::string const& path, std::string const& pictures) {
+int show(std::string const& path, std::string const& pictures,
+         std::vector<std::string> const& settings) {
     FileReader reader;
-    PlantFile const file(path, reader);
+    PlantFile const file(path, reader, settings);
     if (!file.isSound()) {
         std::fputs(rendered(file.messages(), file.sources()).c_str(), stderr);
         return plantIsWrong;
@@ -70,5 +71,7 @@ void addShow(CLI::App& program, int& status) {
     command->add_option("FILE", *file, "The plant")->required();
     command->add_option("--svg", *pictures,
                         "A directory to draw into: causal.svg, and the modes of each component");
-    command->callback([file, pictures, &status] { status = show(*file, *pictures); });
+    auto const settings = addSettings(*command);
+    command->callback(
+        [file, pictures, settings, &status] { status = show(*file, *pictures, *settings); });
 }

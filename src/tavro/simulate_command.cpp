@@ -21,6 +21,7 @@ namespace {
 
 struct Request {
     std::string plant;
+    std::shared_ptr<std::vector<std::string>> settings;
     int steps = 0;
     std::uint64_t seed = 1;
     double noise = 0.0;
@@ -214,7 +215,7 @@ int writeRun(Request const& request, Plant const& plant) {
 
 int runSimulate(Request const& request) {
     FileReader reader;
-    PlantFile const file(request.plant, reader);
+    PlantFile const file(request.plant, reader, *request.settings);
     if (!file.isSound()) {
         std::fputs(rendered(file.messages(), file.sources()).c_str(), stderr);
         return plantIsWrong;
@@ -236,6 +237,7 @@ void addSimulate(CLI::App& program, int& status) {
     CLI::App* command = program.add_subcommand(
         "simulate", "Make data: a true run of a plant, with faults where asked for");
     command->add_option("FILE", request->plant, "The plant")->required();
+    request->settings = addSettings(*command);
     command->add_option("--steps", request->steps, "Number of the last step")
         ->required()
         ->check(CLI::NonNegativeNumber);

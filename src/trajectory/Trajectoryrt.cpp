@@ -204,13 +204,14 @@ void continueIdle(TrajEl* source, TrajEl* copy) {
         source->addToNextTrans(idle);
 }
 
-// Support links inside the component carry over to the copies.
+// Support links inside the component carry over to the copies. The state may hold those of a whole
+// plant, so it is the component that is walked.
 void carryConsequences(State* state, string_map<TrajEl*> const& sources) {
-    for (auto const& [id, element] : state->elts) {
-        auto const source = sources.find(id);
-        if (element == nullptr || source == sources.end())
+    for (auto const& [id, source] : sources) {
+        TrajEl* element = state->getElt(id);
+        if (element == nullptr)
             continue;
-        for (TrajEl const* consequence : source->second->consequences)
+        for (TrajEl const* consequence : source->consequences)
             if (sources.count(consequence->getId()) != 0)
                 element->consequences.push_back(state->getElt(consequence->getId()));
     }

@@ -37,12 +37,13 @@ BuiltPlant::BuiltPlant(std::function<void(Scheduler*)> const& build) {
     build(&scheduler);
 }
 
-std::unique_ptr<BuiltPlant> builtFrom(std::string const& path) {
+std::unique_ptr<BuiltPlant> builtFrom(std::string const& path,
+                                      std::vector<std::string> const& settings) {
     SourceTreeReader reader;
     Sources sources;
     Messages messages;
     FlatPlant const flat =
-        resolve(readPlantText(path, reader, sources, messages), sources, messages);
+        resolve(readPlantText(path, reader, sources, messages, settings), sources, messages);
     EXPECT_EQ(rendered(messages, sources), "");
     return std::make_unique<BuiltPlant>([&flat](Scheduler* scheduler) { lower(flat, *scheduler); });
 }

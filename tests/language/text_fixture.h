@@ -50,7 +50,8 @@ private:
 };
 
 // Of a file of the source tree, whatever the check of plants says of it.
-std::unique_ptr<BuiltPlant> builtFrom(std::string const& path);
+std::unique_ptr<BuiltPlant> builtFrom(std::string const& path,
+                                      std::vector<std::string> const& settings = {});
 
 // Every record of a plant with all its numbers, a line each.
 Texts recordsOf(Plant const& plant);

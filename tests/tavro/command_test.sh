@@ -76,6 +76,13 @@ version=$(sed -n 's/^project(tavro VERSION \([0-9.]*\).*/\1/p' "$source/CMakeLis
 expect "version" 0 "tavro $version
 " "" --version
 expect "a console without a plant" 2 "" - console
+expect "a size" 0 "" "" check --set valves=64 "$source/plants/line/line.plant"
+expect "a size of nothing" 1 "" - check --set vlaves=64 "$source/plants/line/line.plant"
+grep -q "did you mean valves?" err || { echo "a size of nothing: not told"; failed=1; }
+echo quit >script
+"$tavro" console --set valves=3 --name tavro-three "$source/plants/line/line.plant" none.scn <script >out 2>err
+grep -qx "Leaving tavro-three." err || { echo "a console of another name"; failed=1; }
+"$tavro" show --set valves=3 "$source/plants/line/line.plant" | grep -q "^valve3 " || { echo "show: no third valve"; failed=1; }
 expect "a console on a wrong plant" 1 "" "${wrong%
 wrong.plant: *}" console wrong.plant
 

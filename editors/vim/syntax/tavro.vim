@@ -3,7 +3,7 @@ if exists("b:current_syntax")
   finish
 endif
 
-syn keyword tavroStatement plant sample window include constant type order parameter variable input measure
+syn keyword tavroStatement plant sample window include constant set type order parameter variable input measure
 syn keyword tavroStatement display mode command observe region move fail idle others clause constraint define import for
 syn keyword tavroEquation follows integrates twice lags within responds damping frequency by keeping plain sharpened
 syn keyword tavroPart from to when with setting starts symbol implies iff if

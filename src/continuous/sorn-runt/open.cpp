@@ -21,15 +21,30 @@
 // How it is known. The atom's truth reaches a candidate as the value of the conditions on it, as
 // that of all other atoms does (setRTCondVal). A plant without a condition on the atom never learns
 // that the mode is unknown, and stays with the classic rule there.
+#include <algorithm>
+
 #include "continuous/sorn-runt.h"
 #include "model/Atom.h"
 #include "model/labels.h"
+#include "model/linkedConditions.h"
 
 namespace {
 
 bool isUnknownOf(s_Condition const& condition, StateVar const* variable) {
     return condition.kind == COND_ATOM && condition.val != 0 && condition.atom != nullptr &&
-           condition.atom->value == valueUnknown && condition.atom->getStateVar() == variable;
+           condition.atom->getStateVar() == variable && condition.atom->value == valueUnknown;
+}
+
+// Of a variable with linked conditions these alone tell: a plant has conditions on all of its
+// modes, and who looked through all of them for each would take a time that grows with the square.
+bool isUnknown(StateVar const* variable, s_runtime const& rt) {
+    CondMap const* linked = variable != nullptr ? linkedConditions(variable) : nullptr;
+    if (linked != nullptr && !linked->empty())
+        return std::any_of(linked->begin(), linked->end(), [&](auto const& link) {
+            return isUnknownOf(*rt.condi[static_cast<std::size_t>(link.second)], variable);
+        });
+    return std::any_of(rt.condPool.begin(), rt.condPool.end(),
+                       [&](auto const& condition) { return isUnknownOf(*condition, variable); });
 }
 
 // A mode that the candidate follows as unknown leaves its other values open.
@@ -39,10 +54,7 @@ Truth atomTruth(s_Condition const* condition, s_runtime const* rt) {
     if (!rt->engine->rules.unknown || condition->atom == nullptr ||
         condition->atom->value == valueUnknown)
         return Truth::FALSE;
-    for (auto const& other : rt->condPool)
-        if (isUnknownOf(*other, condition->atom->getStateVar()))
-            return Truth::OPEN;
-    return Truth::FALSE;
+    return isUnknown(condition->atom->getStateVar(), *rt) ? Truth::OPEN : Truth::FALSE;
 }
 
 Truth of(bool holds) {
