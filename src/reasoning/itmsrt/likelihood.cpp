@@ -12,9 +12,14 @@
 // it.) What follows is found by unit propagation over the clauses from those given facts alone; the
 // labels of everything else rest on the observation itself. That misses no consequence of clauses
 // with at most one conclusion, as compiled plants have them, and where it misses one the state
-// weighs less, never more. With modes that entail what is seen, the classic case of diagnosis, the
+// weighs less, never more. What is seen of several variables is taken in turn, each given those
+// before: first those that no clause concludes, such as the inputs of a circuit, whose values are
+// equally likely; then the others, by which what follows from modes and inputs together counts
+// as certain. With modes that entail what is seen, the classic case of diagnosis, the
 // likelihood is 1 and histories compare by their moves.
+#include <algorithm>
 #include <map>
+#include <set>
 
 #include "model/StateVar.h"
 #include "model/labels.h"
@@ -44,6 +49,12 @@ public:
                 if (conclude(*clause))
                     changed = true;
         }
+    }
+    // What was seen of a variable is given from here on.
+    void take(StateVar const* variable, State const* state) {
+        for (Atom const* atom : variable->getAtomLinks())
+            if (TrajEl const* element = state->getElt(atom->getId()); element && isSeen(element))
+                truths[atom] = element->lock == LOCK_TRUE_PERM ? labelTrue : labelFalse;
     }
     bool isKnown(Atom const* atom, bool value) {
         std::string const& label = truthOf(atom);
@@ -88,6 +99,24 @@ private:
     std::map<Atom const*, std::string> truths;
 };
 
+// The variables of which a clause over several says what they are, by a literal that it asserts.
+// Membership alone is asked for, so that the order by address is never seen.
+std::set<StateVar const*> concludedBy(std::vector<std::unique_ptr<Clause>> const& clauses) {
+    std::set<StateVar const*> concluded;
+    for (auto const& clause : clauses) {
+        StateVar const* first = clause->atoms.begin()->second->getStateVar();
+        bool const isOfOne = std::all_of(
+            clause->atoms.begin(), clause->atoms.end(),
+            [first](auto const& literal) { return literal.second->getStateVar() == first; });
+        if (isOfOne)
+            continue;
+        for (auto const& [negated, atom] : clause->atoms)
+            if (!negated)
+                concluded.insert(atom->getStateVar());
+    }
+    return concluded;
+}
+
 // The chance of what was seen of one variable.
 double likelihoodOf(StateVar const* variable, State const* state, Entailed& entailed) {
     std::size_t open = 0;  // values that the given facts leave possible
@@ -118,6 +147,16 @@ void itms::computeObsLikelihood(StateSite const& site) {
         return;
     Entailed entailed(site);
     entailed.propagate(cls);
-    for (auto const& entry : variables)
-        state->obsProb *= likelihoodOf(entry.second, state, entailed);
+    std::set<StateVar const*> const concluded = concludedBy(cls);
+    for (bool const follows : {false, true}) {
+        for (auto const& entry : variables) {
+            if ((concluded.count(entry.second) != 0) != follows)
+                continue;
+            state->obsProb *= likelihoodOf(entry.second, state, entailed);
+            entailed.take(entry.second, state);
+            if (follows)
+                entailed.propagate(cls);
+        }
+        entailed.propagate(cls);
+    }
 }
