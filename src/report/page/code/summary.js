@@ -65,7 +65,7 @@ function story(run, store, hypothesis, best) {
     document.getElementById('timeline')?.scrollIntoView();
   };
   return el('div', { class: best ? 'story best' : 'story' },
-    el('div', { class: 'what' }, badge(hypothesis), el('span', { class: 'name' }, arrows(dates ? undated(hypothesis.summary) : hypothesis.summary)), hypothesis.unknown && el('span', { class: 'tag' }, 'unknown mode')),
+    el('div', { class: 'what' }, badge(hypothesis), ' ', el('span', { class: 'name' }, arrows(dates ? undated(hypothesis.summary) : hypothesis.summary)), ' ', hypothesis.unknown && el('span', { class: 'tag' }, 'unknown mode')),
     el('div', { class: 'how' }, hypothesis.probability > 0 && likely(hypothesis.probability), dates && el('span', { class: 'dates' }, dates),
       el('span', null, plural(hypothesis.rank, 'failure')),
       el('button', { type: 'button', class: 'plain no-print', onclick: choose }, 'Show in the charts')));
