@@ -24,7 +24,7 @@ export function timelineSection(run, store) {
   const rows = [...lanes.map((name) => modeRow(run, store, name)), ...alarmed.map((measure) => alarmRow(run, measure)), run.diagnoses.length && diagnosisRow(run), followedRow(run)].filter(Boolean);
   const plot = makePlot(run, store, {
     height: rows.length * laneHeight + axisHeight, label: 'Modes, alarms and diagnoses over time',
-    data: [new Array(run.time.length).fill(null)], series: [{ auto: false, points: { show: false } }],
+    data: [new Array(run.time.length).fill(null)], series: [{ auto: false, paths: () => null, points: { show: false } }],
     over: (chart) => rows.forEach((row, place) => drawRow(chart, row, place)),
     atCursor: (step) => readout.replaceChildren(...modesAt(run, store.state, lanes, step)),
   });
