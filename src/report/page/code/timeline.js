@@ -214,7 +214,7 @@ function diagnosesList(run, store) {
     const half = 20 * (run.plant.period || 1);
     if (!run.plant.discrete) store.setRange(diagnosis.time - half, diagnosis.time + half);
   };
-  const told = (d) => (d.explanations.length ? plural(d.explanations.length, 'explanation') : 'nothing explains it');
+  const told = (d) => (d.explanations.length ? plural(new Set(d.explanations.map((e) => e.hypothesis)).size, 'explanation') : 'nothing explains it');
   const rest = run.diagnoses.length - diagnosesUpTo;
   return el('div', { class: 'diagnoses' }, el('h3', null, 'Diagnoses'),
     el('ul', { class: 'plain-list' }, run.diagnoses.slice(0, diagnosesUpTo).map((d, index) => el('li', null,
