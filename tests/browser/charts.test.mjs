@@ -20,6 +20,12 @@ pageTest('the cursor begins where the fault was noticed', documents.explained(),
   assert.equal(await readout(page, 'room.xd'), `measured ${six(run.measures['room.xd'][27])} 2 ${hullAt(run, 1, 'room.xd', 27)} 3 ${hullAt(run, 2, 'room.xd', 27)}`);
 });
 
+pageTest('the cursor is drawn from the start, at its time', documents.explained(), async (page) => {
+  const line = (await plotOf(page, 'room.xd')).locator('.u-cursor-x');
+  const place = await line.evaluate((node) => new DOMMatrix(getComputedStyle(node).transform).m41 / node.parentElement.offsetWidth);
+  assert.ok(Math.abs(place - 27 / 119) < 0.002, `at ${place} of the width`);
+});
+
 pageTest('the keyboard moves the cursor', documents.explained(), async (page, run) => {
   await (await plotOf(page, 'room.xd')).focus();
   await press(page, 'Home');

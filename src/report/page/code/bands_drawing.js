@@ -13,6 +13,16 @@ export const isDense = (chart, from, to) => to - from > Math.max(1, Math.round(c
  */
 export function groupsInSight(chart, time) {
   const { min, max } = chart.scales.x;
+  const { left, width } = chart.bbox;
+  const key = [min, max, left, width].join();
+  // All charts of a page share one range, and mostly one width.
+  if (latest.key !== key) latest = { key, ...grouped(chart, time, min, max) };
+  return latest;
+}
+
+let latest = { key: null };
+
+function grouped(chart, time, min, max) {
   const from = Math.max(0, stepAt(time, min) - 1);
   const to = Math.min(time.length - 1, stepAt(time, max) + 1);
   if (isDense(chart, from, to)) return { dense: true, groups: columnsOf(chart, time, from, to) };

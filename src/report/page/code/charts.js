@@ -52,7 +52,7 @@ function chart(run, store, name, values, word, height) {
   const alarms = run.alarmsOf.get(name) ?? [];
   const what = {
     height, label: `${name} over time`, data: [values ?? new Array(run.time.length).fill(null)],
-    series: [{ stroke: () => colour('--ink'), width: 1.5, auto: false, paths: sparse, points: { size: 4, fill: () => colour('--ink') } }],
+    series: [{ stroke: () => colour('--ink'), width: 1.5, auto: false, paths: values ? sparse : () => null, points: { size: 4, fill: () => colour('--ink') } }],
     range: (sight) => rangeOf(run, store.state, name, values, sight),
     under: (plot) => drawLines(run, store.state, name, values, plot),
     over: (plot) => drawMarks(run, plot, alarms),

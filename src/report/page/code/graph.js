@@ -21,6 +21,7 @@ export function graphSection(run, store) {
     const diagnosis = run.diagnoses[store.state.diagnosis];
     const shown = large && !all.checked ? neighbourhood(run, diagnosis) : new Set(nodes);
     frame.replaceChildren(picture(run, diagnosis, shown));
+    bringIntoSight(frame);
     note.textContent = shown.size < nodes.length ? `${shown.size} of ${nodes.length} variables: those near the suspects, the alarms or the measures.` : '';
     suspects.replaceChildren(...suspectsList(diagnosis));
   };
@@ -28,6 +29,16 @@ export function graphSection(run, store) {
   whenSeen(frame, draw);
   addEventListener('beforeprint', () => frame.firstChild ?? draw());
   return section('graph', 'Causal graph', diagnosisChoice(run, store), large && el('label', { class: 'field no-print' }, all, ` Show all ${nodes.length} variables`), note, frame, legend(), suspects);
+}
+
+/** Of a graph that is larger than its frame: what is in alarm, or lit, or measured, comes to the middle. */
+function bringIntoSight(frame) {
+  const chief = frame.querySelector('.node.alarm') ?? frame.querySelector('.edge.lit') ?? frame.querySelector('.node.measured');
+  if (!chief || (frame.scrollWidth <= frame.clientWidth && frame.scrollHeight <= frame.clientHeight)) return;
+  const own = chief.getBoundingClientRect();
+  const about = frame.getBoundingClientRect();
+  frame.scrollLeft += own.left + own.width / 2 - about.left - about.width / 2;
+  frame.scrollTop += own.top + own.height / 2 - about.top - about.height / 2;
 }
 
 /** The layout is worth doing once somebody looks. */

@@ -16,8 +16,9 @@ export function lanesOf(run, index) {
 function computed(run, hypothesis) {
   const lanes = new Map();
   if (!hypothesis) return lanes;
-  const courses = [...hypothesis.candidates.flatMap(stretchesOf), ...before(run, hypothesis)].filter((c) => c.to >= c.from);
-  for (const name of Object.keys(run.plant.modes)) lanes.set(name, overlaid(courses.filter((c) => c.name === name)));
+  const courses = new Map(Object.keys(run.plant.modes).map((name) => [name, []]));
+  for (const own of [...hypothesis.candidates.flatMap(stretchesOf), ...before(run, hypothesis)]) if (own.to >= own.from) courses.get(own.name)?.push(own);
+  for (const [name, stretches] of courses) lanes.set(name, overlaid(stretches));
   return lanes;
 }
 

@@ -37,7 +37,7 @@ export function makePlot(run, store, what) {
     own.chart = new uPlot(optionsFor(run, store, what, own.width), [run.time, ...what.data], frame);
     listenToFingers(store, own.chart);
     own.dirty = false;
-    placeCursor();
+    requestAnimationFrame(placeCursor); // the scales are set by then
   };
   const redraw = () => {
     own.dirty = true;

@@ -46,7 +46,9 @@ export function makeStore(run) {
     /** Topics: range, cursor, choice (shown, picked, focus), diagnosis, look. */
     touch,
     setRange(from, to) {
-      state.range = fitted(from, to, whole, run);
+      const next = fitted(from, to, whole, run);
+      if (next[0] === state.range[0] && next[1] === state.range[1]) return;
+      state.range = next;
       touch('range');
     },
     pan(part) {

@@ -53,7 +53,7 @@ function explanations(run, store) {
   const rest = alive.length - 1 - othersUpTo;
   return el('div', { class: 'explanations' },
     alive.length > 0 && [el('h2', null, 'What explains it best'), story(run, store, alive[0], true)],
-    alive.length > 1 && [el('h2', null, 'What else would'), el('ol', { class: 'stories' }, alive.slice(1, 1 + othersUpTo).map((h) => el('li', null, story(run, store, h, false))))],
+    alive.length > 1 && [el('h2', null, 'What else would explain it'), el('ol', { class: 'stories' }, alive.slice(1, 1 + othersUpTo).map((h) => el('li', null, story(run, store, h, false))))],
     rest > 0 && el('p', { class: 'hint' }, el('a', { href: '#hypotheses' }, `and ${plural(rest, 'more', 'more')} in the table of hypotheses`)),
     gone.length > 0 && told(`${plural(gone.length, 'explanation')} no longer followed`, gone.slice(0, 50).map((h) => arrows(h.summary)), `and ${gone.length - 50} more`));
 }
@@ -65,7 +65,7 @@ function story(run, store, hypothesis, best) {
     document.getElementById('timeline')?.scrollIntoView();
   };
   return el('div', { class: best ? 'story best' : 'story' },
-    el('div', { class: 'what' }, badge(hypothesis), el('span', { class: 'name' }, arrows(dates ? undated(hypothesis.summary) : hypothesis.summary)), hypothesis.unknown && el('span', { class: 'tag' }, 'unknown mode')),
+    el('div', { class: 'what' }, badge(hypothesis), ' ', el('span', { class: 'name' }, arrows(dates ? undated(hypothesis.summary) : hypothesis.summary)), ' ', hypothesis.unknown && el('span', { class: 'tag' }, 'unknown mode')),
     el('div', { class: 'how' }, hypothesis.probability > 0 && likely(hypothesis.probability), dates && el('span', { class: 'dates' }, dates),
       el('span', null, plural(hypothesis.rank, 'failure')),
       el('button', { type: 'button', class: 'plain no-print', onclick: choose }, 'Show in the charts')));

@@ -8,6 +8,8 @@ export function tableSections(run, store) {
   return [run.hypotheses.length && hypothesesSection(run, store), run.candidates.length && candidatesSection(run, store), run.alarms.length && alarmsSection(run)];
 }
 
+const modesUpTo = 4; // of a candidate; those that failed come first
+
 const tick = (words, checked, act) => el('input', { type: 'checkbox', 'aria-label': words, checked, onchange: (event) => act(event.target.checked) });
 const yes = (value) => (value ? 'yes' : 'no');
 const chance = (value) => el('span', { title: String(value) }, value > 0 ? percent(value) : '–');
@@ -30,7 +32,11 @@ function hypothesesSection(run, store) {
 }
 
 function candidatesSection(run, store) {
-  const modes = (c) => Object.entries(Object.assign({}, ...c.modes.map((m) => m.values))).map(([name, value]) => `${name}=${value}`).join(', ');
+  const modes = (c) => {
+    const all = Object.entries(Object.assign({}, ...c.modes.map((m) => m.values))).map(([name, value]) => `${name}=${value}`);
+    const first = [...all.filter((own) => run.failing.has(own)), ...all.filter((own) => !run.failing.has(own))];
+    return first.slice(0, modesUpTo).join(', ') + (first.length > modesUpTo ? ` and ${first.length - modesUpTo} more` : '');
+  };
   const columns = [
     { title: 'Drawn', value: (c) => (store.state.picked.has(c.id) ? 0 : 1), cell: (c) => tick(`Draw candidate ${c.id}`, store.state.picked.has(c.id), (on) => store.pick(c.id, on)) },
     { title: 'Candidate', value: (c) => c.id, number: true },

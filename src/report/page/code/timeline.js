@@ -24,7 +24,7 @@ export function timelineSection(run, store) {
   const rows = [...lanes.map((name) => modeRow(run, store, name)), ...alarmed.map((measure) => alarmRow(run, measure)), run.diagnoses.length && diagnosisRow(run), followedRow(run)].filter(Boolean);
   const plot = makePlot(run, store, {
     height: rows.length * laneHeight + axisHeight, label: 'Modes, alarms and diagnoses over time',
-    data: [new Array(run.time.length).fill(null)], series: [{ auto: false, points: { show: false } }],
+    data: [new Array(run.time.length).fill(null)], series: [{ auto: false, paths: () => null, points: { show: false } }],
     over: (chart) => rows.forEach((row, place) => drawRow(chart, row, place)),
     atCursor: (step) => readout.replaceChildren(...modesAt(run, store.state, lanes, step)),
   });
@@ -214,7 +214,7 @@ function diagnosesList(run, store) {
     const half = 20 * (run.plant.period || 1);
     if (!run.plant.discrete) store.setRange(diagnosis.time - half, diagnosis.time + half);
   };
-  const told = (d) => (d.explanations.length ? plural(d.explanations.length, 'explanation') : 'nothing explains it');
+  const told = (d) => (d.explanations.length ? plural(new Set(d.explanations.map((e) => e.hypothesis)).size, 'explanation') : 'nothing explains it');
   const rest = run.diagnoses.length - diagnosesUpTo;
   return el('div', { class: 'diagnoses' }, el('h3', null, 'Diagnoses'),
     el('ul', { class: 'plain-list' }, run.diagnoses.slice(0, diagnosesUpTo).map((d, index) => el('li', null,
