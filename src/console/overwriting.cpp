@@ -29,21 +29,52 @@ void tellRefused(std::string const& output, char const* what, std::string const&
     tellLoss("Can't write file %s: it is the %s %s\n", output.c_str(), what, input.c_str());
 }
 
+// Where a file is, or would be made: a directory and a name in it. Without a name nothing can be
+// made there.
+struct Spot {
+    dev_t device = 0;
+    ino_t directory = 0;
+    std::string name;
+};
+
+// Replaces a path that is a symbolic link by the path that it holds.
+bool followLink(fs::path& path) {
+    std::error_code error;
+    fs::path const target = fs::read_symlink(path, error);
+    if (error)
+        return false;
+    path = path.parent_path() / target;
+    return true;
+}
+
+Spot spotOf(fs::path path) {
+    constexpr int mostLinks = 40;  // as the system has it
+    for (int links = 0; followLink(path); ++links)
+        if (links == mostLinks)
+            return {};
+    fs::path const name = path.filename();
+    fs::path const directory = path.has_parent_path() ? path.parent_path() : ".";
+    struct stat status {};
+    if (name.empty() || name == "." || name == ".." || stat(directory.c_str(), &status) != 0)
+        return {};
+    return {status.st_dev, status.st_ino, name};
+}
+
+// What is to be written need not be there yet, nor what a link leads to.
+bool leadToOneFile(std::string const& one, std::string const& other) {
+    struct stat status {};
+    if (stat(one.c_str(), &status) == 0)
+        return isSameFile(one, other);
+    Spot const spot = spotOf(one), otherSpot = spotOf(other);
+    return !spot.name.empty() && spot.name == otherSpot.name && spot.device == otherSpot.device &&
+           spot.directory == otherSpot.directory;
+}
+
 bool refuses(std::string const& output, char const* what, std::string const& input) {
-    bool const same = isSameFile(output, input);
+    bool const same = leadToOneFile(output, input);
     if (same)
         tellRefused(output, what, input);
     return same;
-}
-
-// What is to be written need not be there yet: then the paths tell.
-bool leadToOneFile(std::string const& one, std::string const& other) {
-    std::error_code error;
-    if (isSameFile(one, other))
-        return true;
-    fs::path const path = fs::weakly_canonical(fs::absolute(one, error), error);
-    fs::path const otherPath = fs::weakly_canonical(fs::absolute(other, error), error);
-    return !error && path == otherPath && !fs::exists(path, error);
 }
 
 bool refusesWritten(std::string const& output, char const* what, std::string const& written) {
@@ -90,12 +121,16 @@ bool wouldOverwriteFiles() {
     return found;
 }
 
-// The arguments are not understood yet: each may be any file.
+// The arguments are not understood yet: each may be any file. One that is no more than the name of
+// a log is left to wouldOverwriteFiles, which knows what it is for.
 bool wouldOverwriteArgument(std::string const& output, int count, char const* const* arguments) {
+    std::error_code error;
+    bool const leadsAway = fs::is_symlink(output, error);
+    auto const same = leadsAway ? leadToOneFile : isSameFile;
     bool found = refuses(output, "script", standardInput);
     for (char const* const* argument = arguments + 1; argument < arguments + count; ++argument)
-        if (isSameFile(output, inputPrefix + std::string(*argument)) ||
-            isSameFile(output, measurePrefix + std::string(*argument))) {
+        if (same(output, inputPrefix + std::string(*argument)) ||
+            same(output, measurePrefix + std::string(*argument))) {
             tellRefused(output, "argument", *argument);
             found = true;
         }
