@@ -169,20 +169,21 @@ bool readArguments(int argc, char** argv, Wanted& wanted) {
     return seeds;
 }
 
-// A session makes and frees small blocks by the thousand. The C library keeps as many of them at
-// hand as it is told when a program starts.
-void startWithLargeCaches(char** argv) {
-    char const* const name = "GLIBC_TUNABLES";
-    if (std::getenv(name) != nullptr)
+// What only the start of a program can be told: the C library keeps the small blocks at hand that a
+// session makes and frees by the thousand, and symbols are looked up once and not in each fork anew.
+void startForForks(char** argv) {
+    char const* const caches = "GLIBC_TUNABLES";
+    if (std::getenv(caches) != nullptr)
         return;
-    setenv(name, "glibc.malloc.tcache_count=5000", 1);
+    setenv(caches, "glibc.malloc.tcache_count=5000", 1);
+    setenv("LD_BIND_NOW", "1", 1);
     execv("/proc/self/exe", argv);
 }
 
 }  // namespace
 
 int main(int argc, char** argv) {
-    startWithLargeCaches(argv);
+    startForForks(argv);
     // What the executives would read of a user's own.
     setenv("TERM", "dumb", 1);
     setenv("INPUTRC", "/dev/null", 1);
