@@ -9,7 +9,8 @@
 
 namespace fuzz {
 
-// Memory that is shared with the processes begun later; one for all sessions of a process.
+// Memory that is shared with the processes begun later; one for all sessions of a process. It is
+// never given back: a session writes until the very end of its process, when statics are gone.
 class ErrorMemory {
 public:
     ErrorMemory();

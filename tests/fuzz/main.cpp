@@ -108,14 +108,17 @@ void work(Wanted const& wanted, Tally& tally) {
 
 // Whether all of them came to their end.
 bool workTogether(Wanted const& wanted, Tally& tally) {
-    std::fflush(nullptr);
-    for (unsigned i = 0; i < wanted.jobs; ++i)
-        if (fork() == 0) {
+    // Each line is written whole.
+    std::setvbuf(stdout, nullptr, _IOLBF, BUFSIZ);
+    bool well = true;
+    for (unsigned i = 0; i < wanted.jobs; ++i) {
+        pid_t const child = fork();
+        if (child == 0) {
             work(wanted, tally);
-            std::fflush(nullptr);
             _exit(0);
         }
-    bool well = true;
+        well = well && child != -1;
+    }
     for (int status = 0; wait(&status) > 0;)
         well = well && WIFEXITED(status) && WEXITSTATUS(status) == 0;
     return well;
@@ -170,7 +173,8 @@ bool readArguments(int argc, char** argv, Wanted& wanted) {
 }
 
 // What only the start of a program can be told: the C library keeps the small blocks at hand that a
-// session makes and frees by the thousand, and symbols are looked up once and not in each fork anew.
+// session makes and frees by the thousand, and symbols are looked up once and not in each fork
+// anew.
 void startForForks(char** argv) {
     char const* const caches = "GLIBC_TUNABLES";
     if (std::getenv(caches) != nullptr)
