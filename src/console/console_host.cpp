@@ -7,6 +7,7 @@
 #include <fstream>
 #include <iostream>
 
+#include "console/awaited_input.h"
 #include "console/exchange.h"
 #include "console/interrupts.h"
 #include "console/isolation_request.h"
@@ -76,6 +77,8 @@ std::unique_ptr<std::istream> ConsoleHost::open(std::string const& path) {
         loss() << path << " is a directory\n";
         return nullptr;
     }
+    if (isAwaited(path))
+        return openAwaited(path);
     auto file = std::make_unique<std::ifstream>(path);
     if (!*file)
         return nullptr;

@@ -5,6 +5,7 @@
 
 #include <filesystem>
 #include <string>
+#include <vector>
 
 #include "console/console.h"
 #include "console/exchange.h"
@@ -14,88 +15,141 @@ namespace {
 
 namespace fs = std::filesystem;
 
-// Regular files alone can be overwritten: a device or a pipe may be at both ends.
-bool isSameFile(std::string const& one, std::string const& other) {
-    struct stat a {
-    }, b{};
-    return stat(one.c_str(), &a) == 0 && stat(other.c_str(), &b) == 0 && S_ISREG(a.st_mode) &&
-           a.st_dev == b.st_dev && a.st_ino == b.st_ino;
+// ---- Files by other means than their names ----
+
+// A file that is there, or the directory and the name by which it would be made.
+struct Identity {
+    // Regular files alone can be overwritten: a device or a pipe may be at both ends.
+    enum Kind { NONE, PRESENT, ABSENT } kind = NONE;
+    dev_t device = 0;
+    ino_t inode = 0;   // of the file, or of the directory
+    std::string name;  // of one that is absent
+
+    bool operator==(Identity const&) const = default;
+};
+
+// Replaces a path that is a symbolic link by the path that it holds.
+bool followLink(fs::path& path) {
+    std::error_code error;
+    fs::path const target = fs::read_symlink(path, error);
+    if (error)
+        return false;
+    path = path.parent_path() / target;
+    return true;
 }
+
+// Where the file would be made that *path* leads to.
+Identity absentFile(fs::path path) {
+    constexpr int mostLinks = 40;  // as the system has it
+    for (int links = 0; followLink(path); ++links)
+        if (links == mostLinks)
+            return {};
+    fs::path const name = path.filename();
+    fs::path const directory = path.has_parent_path() ? path.parent_path() : ".";
+    struct stat status {};
+    if (name.empty() || name == "." || name == ".." || stat(directory.c_str(), &status) != 0)
+        return {};
+    return {Identity::ABSENT, status.st_dev, status.st_ino, name};
+}
+
+Identity identityOf(std::string const& path) {
+    struct stat status {};
+    if (path.empty())
+        return {};
+    if (stat(path.c_str(), &status) != 0)
+        return absentFile(path);
+    if (!S_ISREG(status.st_mode))
+        return {};
+    return {Identity::PRESENT, status.st_dev, status.st_ino, ""};
+}
+
+bool isSame(Identity const& one, Identity const& other) {
+    return one.kind != Identity::NONE && one == other;
+}
+
+// ---- Files that are in use ----
+
+struct UsedFile {
+    UsedFile(char const* use, std::string path)
+        : use(use), path(std::move(path)), identity(identityOf(this->path)) {}
+
+    char const* use;  // as a message tells it
+    std::string path;
+    Identity identity;
+};
+using UsedFiles = std::vector<UsedFile>;
 
 // Leads to the file that the program was given as its input.
 constexpr char const* standardInput = "/dev/stdin";
 
-void tellRefused(std::string const& output, char const* what, std::string const& input) {
-    tellLoss("Can't write file %s: it is the %s %s\n", output.c_str(), what, input.c_str());
+UsedFiles inputs() {
+    UsedFiles files{
+        {"input file", inputFile}, {"measure file", measureFile}, {"scenario file", scenarFile}};
+    if (consolePlant != nullptr)
+        files.emplace_back("file of prime implicates", consolePlant->name + ".pi");
+    files.emplace_back("file of the optimiser's options", optimiserOptionsFile);
+    files.emplace_back("script", standardInput);
+    return files;
 }
 
-bool refuses(std::string const& output, char const* what, std::string const& input) {
-    bool const same = isSameFile(output, input);
-    if (same)
-        tellRefused(output, what, input);
-    return same;
+UsedFiles logs() {
+    return {{"log of cycles", cycleBenchmark},
+            {"log of steps", stepBenchmark},
+            {"log of propagations", propagationBenchmark}};
 }
 
-// What is to be written need not be there yet: then the paths tell.
-bool leadToOneFile(std::string const& one, std::string const& other) {
-    std::error_code error;
-    if (isSameFile(one, other))
-        return true;
-    fs::path const path = fs::weakly_canonical(fs::absolute(one, error), error);
-    fs::path const otherPath = fs::weakly_canonical(fs::absolute(other, error), error);
-    return !error && path == otherPath && !fs::exists(path, error);
+// ---- Refusals ----
+
+void tellRefused(std::string const& output, char const* use, std::string const& path) {
+    tellLoss("Can't write file %s: it is the %s %s\n", output.c_str(), use, path.c_str());
 }
 
-bool refusesWritten(std::string const& output, char const* what, std::string const& written) {
-    bool const same = !output.empty() && !written.empty() && leadToOneFile(output, written);
-    if (same)
-        tellRefused(output, what, written);
-    return same;
-}
-
-bool wouldOverwriteLog(std::string const& output) {
-    bool found = refusesWritten(output, "log of cycles", cycleBenchmark);
-    found |= refusesWritten(output, "log of steps", stepBenchmark);
-    found |= refusesWritten(output, "log of propagations", propagationBenchmark);
+// Whether *output* is one of the files, which is told of each.
+bool refuses(std::string const& output, UsedFiles const& files) {
+    Identity const identity = identityOf(output);
+    bool found = false;
+    for (UsedFile const& file : files)
+        if (isSame(identity, file.identity)) {
+            tellRefused(output, file.use, file.path);
+            found = true;
+        }
     return found;
 }
 
 }  // namespace
 
 bool wouldOverwriteInput(std::string const& output) {
-    bool found = refuses(output, "input file", inputFile);
-    found |= refuses(output, "measure file", measureFile);
-    found |= refuses(output, "scenario file", scenarFile);
-    if (consolePlant != nullptr)
-        found |= refuses(output, "file of prime implicates", consolePlant->name + ".pi");
-    found |= refuses(output, "file of the optimiser's options", optimiserOptionsFile);
-    found |= refuses(output, "script", standardInput);
-    return found;
+    return refuses(output, inputs());
 }
 
 bool wouldOverwriteOutput(std::string const& output) {
-    bool found = refusesWritten(output, "display file", displayFile);
-    found |= refusesWritten(output, "mode file", modesFile);
-    found |= wouldOverwriteLog(output);
+    bool found = refuses(output, {{"display file", displayFile}, {"mode file", modesFile}});
+    found |= refuses(output, logs());
     return found;
 }
 
 bool wouldOverwriteFiles() {
+    UsedFiles const read = inputs(), written = logs();
     bool found = false;
     for (std::string const& output : {displayFile, modesFile, std::string(cycleBenchmark)})
-        found |= wouldOverwriteInput(output);
-    found |= refusesWritten(displayFile, "mode file", modesFile);
+        found |= refuses(output, read);
+    found |= refuses(displayFile, {{"mode file", modesFile}});
     for (std::string const& output : {displayFile, modesFile})
-        found |= wouldOverwriteLog(output);
+        found |= refuses(output, written);
     return found;
 }
 
-// The arguments are not understood yet: each may be any file.
+// The arguments are not understood yet: each may be any file. One that is no more than the name of
+// a log is left to wouldOverwriteFiles, which knows what it is for.
 bool wouldOverwriteArgument(std::string const& output, int count, char const* const* arguments) {
-    bool found = refuses(output, "script", standardInput);
-    for (char const* const* argument = arguments + 1; argument < arguments + count; ++argument)
-        if (isSameFile(output, inputPrefix + std::string(*argument)) ||
-            isSameFile(output, measurePrefix + std::string(*argument))) {
+    Identity const identity = identityOf(output);
+    std::error_code error;
+    bool const lost = identity.kind == Identity::PRESENT || fs::is_symlink(output, error);
+    bool found = refuses(output, {{"script", standardInput}});
+    for (char const* const* argument = arguments + 1; lost && argument < arguments + count;
+         ++argument)
+        if (isSame(identity, identityOf(inputPrefix + std::string(*argument))) ||
+            isSame(identity, identityOf(measurePrefix + std::string(*argument)))) {
             tellRefused(output, "argument", *argument);
             found = true;
         }

@@ -2,6 +2,7 @@
 #include "fuzz/runner.h"
 
 #include <fcntl.h>
+#include <malloc.h>
 #include <sys/mman.h>
 #include <sys/resource.h>
 #include <sys/wait.h>
@@ -16,6 +17,7 @@
 #include <stdexcept>
 
 #include "console/console.h"
+#include "fuzz/error_stream.h"
 #include "fuzz/plants.h"
 
 namespace fuzz {
@@ -141,11 +143,13 @@ private:
     std::vector<char*> pointers;
 };
 
-void takeEnd(int status, Streams const& streams, Place const& place, Outcome& outcome) {
+// *inMemory* is what is of the error stream and not in its file.
+void takeEnd(int status, Streams const& streams, std::string const& inMemory, Place const& place,
+             Outcome& outcome) {
     outcome.signal = WIFSIGNALED(status) ? WTERMSIG(status) : 0;
     outcome.status = WIFEXITED(status) ? WEXITSTATUS(status) : -1;
     outcome.out = streams.out.text();
-    outcome.err = streams.err.text();
+    outcome.err = streams.err.text() + inMemory;
     outcome.files = place.files();
     mask(outcome);
 }
@@ -159,15 +163,30 @@ Usage& sharedUsage() {
 
 }  // namespace
 
+long sessionsRun = 0;
+
+void prepareForForks() {
+    plants();
+    // The heap keeps what it has, and grows by more than most sessions need.
+    constexpr int growth = 1 << 20, largest = 1 << 25;
+    mallopt(M_TOP_PAD, growth);
+    mallopt(M_TRIM_THRESHOLD, largest);
+    mallopt(M_MMAP_THRESHOLD, largest);
+}
+
 Outcome runHere(SessionCase const& session, Place const& place) {
     PlantFacts const& plant = plantOf(session.model);
     Streams const streams(session.script);
     Arguments arguments(plant.program, session.args);
     Usage& usage = sharedUsage();
+    static ErrorMemory errors;
+    errors.clear();
     std::fflush(nullptr);
+    ++sessionsRun;
     pid_t const child = fork();
     if (child == 0) {
         enter(place, streams);
+        errors.replaceErrorStream();
         countIn(&usage);
         arm(session.fault);
         boundSession();
@@ -177,7 +196,7 @@ Outcome runHere(SessionCase const& session, Place const& place) {
     waitpid(child, &status, 0);
     Outcome outcome;
     outcome.usage = usage;
-    takeEnd(status, streams, place, outcome);
+    takeEnd(status, streams, errors.text(), place, outcome);
     return outcome;
 }
 
@@ -218,6 +237,7 @@ Outcome runProgram(SessionCase const& session, fs::path const& build, Outcome co
     std::string const program = executive(plant.program, build);
     Arguments arguments(program, session.args);
     std::fflush(nullptr);
+    ++sessionsRun;
     pid_t const child = fork();
     if (child == 0) {
         enter(place, streams);
@@ -225,7 +245,7 @@ Outcome runProgram(SessionCase const& session, fs::path const& build, Outcome co
         _exit(97);
     }
     Outcome outcome;
-    takeEnd(awaitEnd(child, expected.usage.endOfInput), streams, place, outcome);
+    takeEnd(awaitEnd(child, expected.usage.endOfInput), streams, "", place, outcome);
     return outcome;
 }
 

@@ -30,6 +30,12 @@ private:
     std::filesystem::path above, work;
 };
 
+// How often this process has run a session, in a fork or with an executive.
+extern long sessionsRun;
+
+// Makes what all sessions need, so that no fork has to.
+void prepareForForks();
+
 // Runs the session in the directory as it is. What comes out is masked.
 Outcome runHere(SessionCase const& session, Place const& place);
 // The same in a new directory with its files.
