@@ -1,5 +1,6 @@
 #include "tavro/truth_file.h"
 
+#include <algorithm>
 #include <charconv>
 
 #include "continuous/records.h"
@@ -34,6 +35,16 @@ void forEachVariable(Plant const& plant, Tell tell) {
             tell(*variable);
 }
 
+// The same without the inputs, which a table has by their own names, as a run looks for them.
+template <typename Tell>
+void forEachInner(Plant const& plant, Tell tell) {
+    auto const& inputs = plant.tavro_rt->input;
+    forEachVariable(plant, [&](s_Variable const& variable) {
+        if (std::find(inputs.begin(), inputs.end(), &variable) == inputs.end())
+            tell(variable);
+    });
+}
+
 std::string atomsOf(Plant const& plant, truth::Simulator const& run, char const* type) {
     std::string line;
     for (StateVar const* variable : plant.stateVars)
@@ -65,7 +76,9 @@ std::string TruthTable::heading() const {
     std::string line = "step,time";
     for (s_Variable const* measure : plant.tavro_rt->measure)
         addCell(line, ',', measure->nom);
-    forEachVariable(plant, [&](s_Variable const& variable) {
+    for (s_Variable const* input : plant.tavro_rt->input)
+        addCell(line, ',', input->nom);
+    forEachInner(plant, [&](s_Variable const& variable) {
         addCell(line, ',', "true ");
         line += variable.nom;
     });
@@ -79,7 +92,9 @@ std::string TruthTable::line(truth::Simulator const& run) const {
     addCell(line, ',', text(run.now() * plant.tavro_rt->Ts));
     for (double const value : run.measures())
         addCell(line, ',', text(value));
-    forEachVariable(plant, [&](s_Variable const& variable) {
+    for (s_Variable const* input : plant.tavro_rt->input)
+        addCell(line, ',', text(run.values()[static_cast<std::size_t>(input->slot)]));
+    forEachInner(plant, [&](s_Variable const& variable) {
         addCell(line, ',', text(run.values()[static_cast<std::size_t>(variable.slot)]));
     });
     for (StateVar const* variable : plant.stateVars)
