@@ -169,8 +169,8 @@ export function explained(steps = 120, { missing = false } = {}) {
       { id: 0, hypothesis: 0, first: 0, last: 21, alive: false, rank: 0, probability: 1, modes: modesOf(healthyDay, 0, 21), bounds: boundsOf(healthyDay, 0, 21) },
       { id: 1, hypothesis: 0, first: 22, last: noticed - 1, alive: false, rank: 0, probability: 0.5, modes: [{ step: 22, values: { 'room.mode': 'closed', 'thermostat.mode': 'off' } }], bounds: boundsOf(healthyDay, 22, noticed - 1) },
       { id: 2, hypothesis: 0, first: 20, last: noticed - 1, alive: false, rank: 0, probability: 0.5, modes: [{ step: 20, values: { 'room.mode': 'closed', 'thermostat.mode': 'on' } }, { step: 24, values: { 'thermostat.mode': 'off' } }], bounds: boundsOf(healthyDay, 20, noticed - 1, 1) },
-      { id: 3, hypothesis: 1, first: 22, last, alive: true, rank: 1, probability: 0.6, modes: [{ step: 22, values: { 'room.mode': 'closed', 'thermostat.mode': 'on' } }, { step: 24, values: { 'thermostat.mode': 'stuck_on' } }], bounds: boundsOf(day, 22, last) },
-      { id: 4, hypothesis: 1, first: 22, last, alive: true, rank: 1, probability: 0.3, modes: [{ step: 22, values: { 'room.mode': 'closed', 'thermostat.mode': 'stuck_on' } }], bounds: boundsOf(day, 22, last, 1.5) },
+      { id: 3, hypothesis: 1, first: 22, last, alive: true, rank: 1, probability: 0.6, modes: [{ step: 22, values: { 'room.mode': 'closed', 'thermostat.mode': 'on' } }, { step: 24, values: { 'thermostat.mode': 'stuck_on' } }], bounds: boundsOf(day, 22, last, 1.5) },
+      { id: 4, hypothesis: 1, first: 22, last, alive: true, rank: 1, probability: 0.3, modes: [{ step: 22, values: { 'room.mode': 'closed', 'thermostat.mode': 'stuck_on' } }], bounds: boundsOf(day, 22, last) },
       { id: 5, hypothesis: 2, first: 20, last, alive: true, rank: 1, probability: 0.09, modes: [{ step: 20, values: { 'room.mode': 'closed', 'thermostat.mode': 'unknown' } }], bounds: boundsOf(day, 20, last, 12) },
     ],
     histories: [
@@ -295,7 +295,7 @@ export function big(variables = 150, steps = 200) {
 export function hostile() {
   const text = JSON.stringify(explained(60))
     .replaceAll('thermostat', '<b>&amp;\\"</script><script>alert(1)</script>')
-    .replaceAll('room.xd', "x<img src=x onerror=alert(2)>'\\u2028.xd");
+    .replaceAll('room.xd', `x<img src=x onerror=alert(2)>'\\u2028.${'d'.repeat(90)}`);
   return JSON.parse(text);
 }
 
