@@ -54,7 +54,7 @@ function byMeasure(alarms) {
 
 /** What is still followed comes first, then few failures, then the likely. */
 function moreInteresting(one, other) {
-  return Number(other.alive) - Number(one.alive) || one.rank - other.rank || other.probability - one.probability || one.index - other.index;
+  return Number(other.alive) - Number(one.alive) || Number(other.agrees ?? true) - Number(one.agrees ?? true) || Number(one.unknown) - Number(other.unknown) || one.rank - other.rank || other.probability - one.probability || one.index - other.index;
 }
 
 /** `variable=value` of every mode that somebody entered by a failure. */
