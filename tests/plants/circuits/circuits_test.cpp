@@ -1,0 +1,190 @@
+// Circuits with a stuck gate: the explanations that a run with the sharp rules gives, beside all
+// gates that explain the outputs by a simulation of the netlist alone.
+//
+// The inputs and the outputs are seen, the wires between are not. Where the outputs are those of a
+// sound circuit nothing is to be explained; where one stuck gate explains them, every gate that
+// does is to come out, and nothing else.
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <fstream>
+#include <map>
+#include <set>
+#include <sstream>
+
+#include "language/language.h"
+#include "run/build_plant.h"
+#include "run/library_host.h"
+#include "run/stepwise_run.h"
+
+namespace {
+
+using Values = std::map<std::string, bool>;
+using Names = std::vector<std::string>;
+
+struct Gate {
+    std::string name, operation;
+    Names feeds;
+};
+
+struct Stuck {
+    std::string gate;
+    bool at = false;
+
+    std::string mode() const { return "g" + gate + ".mode=" + (at ? "stuck_high" : "stuck_low"); }
+};
+
+Names rest(std::istream& words) {
+    return {std::istream_iterator<std::string>(words), std::istream_iterator<std::string>()};
+}
+
+// ---- The netlist, and what it does ----
+
+class Netlist {
+public:
+    explicit Netlist(std::string const& path) {
+        std::ifstream file(path);
+        EXPECT_TRUE(file) << path;
+        for (std::string line; std::getline(file, line);) {
+            std::istringstream words(line.substr(0, line.find('#')));
+            std::string first, operation;
+            if (!(words >> first))
+                continue;
+            if (first == "inputs")
+                inputs = rest(words);
+            else if (first == "outputs")
+                outputs = rest(words);
+            else if (words >> operation)
+                gates.push_back({first, operation, rest(words)});
+        }
+    }
+
+    // Of all wires; gates stand behind what feeds them.
+    Values simulate(Values values, Stuck const* stuck = nullptr) const {
+        for (Gate const& gate : gates)
+            values[gate.name] =
+                stuck != nullptr && stuck->gate == gate.name ? stuck->at : valueOf(gate, values);
+        return values;
+    }
+    Values seen(Values const& given, Stuck const* stuck = nullptr) const {
+        Values const all = simulate(given, stuck);
+        Values found;
+        for (std::string const& output : outputs)
+            found[output] = all.at(output);
+        return found;
+    }
+    std::vector<Stuck> allStuck() const {
+        std::vector<Stuck> all;
+        for (Gate const& gate : gates)
+            for (bool const at : {false, true})
+                all.push_back({gate.name, at});
+        return all;
+    }
+
+    Names inputs, outputs;
+    std::vector<Gate> gates;
+
+private:
+    static bool valueOf(Gate const& gate, Values const& values) {
+        long const high = std::count_if(gate.feeds.begin(), gate.feeds.end(),
+                                        [&](std::string const& feed) { return values.at(feed); });
+        bool const all = high == static_cast<long>(gate.feeds.size());
+        std::map<std::string, bool> const results = {
+            {"and", all},       {"nand", !all},         {"or", high > 0},
+            {"nor", high == 0}, {"xor", high % 2 == 1}, {"xnor", high % 2 == 0},
+            {"not", high == 0}, {"buf", high == 1}};
+        return results.at(gate.operation);
+    }
+};
+
+// ---- The run ----
+
+class Files : public SourceReader {
+public:
+    std::optional<std::string> read(std::string const& path) override {
+        std::ifstream file(path, std::ios::binary);
+        return std::string{std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
+    }
+};
+
+std::string const directory = TAVRO_SOURCE "/plants/circuits/";
+
+class Circuit {
+public:
+    explicit Circuit(std::string const& name)
+        : netlist(directory + name + ".net"),
+          plant(built(directory + name + ".plant")),
+          names(*plant) {}
+
+    // The modes of each candidate that are not ok.
+    std::set<std::set<std::string>> answered(Values const& given, Values const& seen) const {
+        StepwiseRun run(*plant, names, {.rules = "sharp"});
+        run.start({});
+        run.step({});
+        tavro::Line line;
+        add(line, "in", given);
+        add(line, "g", seen);
+        std::set<std::set<std::string>> found;
+        for (tavro::Candidate const& candidate : run.step(line).candidates) {
+            std::set<std::string> broken;
+            for (auto const& [variable, mode] : candidate.modes)
+                if (mode != "ok")
+                    broken.insert(variable + "=" + mode);
+            EXPECT_TRUE(found.insert(broken).second) << "one answer twice";
+        }
+        return found;
+    }
+    // The same by the netlist, of none or one stuck gate.
+    std::set<std::set<std::string>> expected(Values const& given, Values const& seen) const {
+        if (netlist.seen(given) == seen)
+            return {{}};
+        std::set<std::set<std::string>> found;
+        for (Stuck const& stuck : netlist.allStuck())
+            if (netlist.seen(given, &stuck) == seen)
+                found.insert({stuck.mode()});
+        return found;
+    }
+
+    Netlist const netlist;
+
+private:
+    std::unique_ptr<Plant> built(std::string const& path) {
+        Files files;
+        PlantFile const file(path, files);
+        EXPECT_TRUE(file.isSound()) << rendered(file.messages(), file.sources());
+        return buildPlant(file.source(), host);
+    }
+    static void add(tavro::Line& line, char const* kind, Values const& values) {
+        for (auto const& [name, high] : values)
+            line.observations.push_back(kind + name + (high ? ".out=high" : ".out=low"));
+    }
+
+    Host host;
+    std::unique_ptr<Plant> plant;
+    PlantNames names;
+};
+
+void expectAnswers(Circuit const& circuit, Values const& given, Values const& seen) {
+    EXPECT_EQ(circuit.answered(given, seen), circuit.expected(given, seen));
+}
+
+// ---- Tests ----
+
+// All inputs, each with all outputs that a stuck gate can give.
+TEST(CircuitsTest, EveryStuckGateOfC17) {
+    Circuit const circuit("c17");
+    for (unsigned bits = 0; bits < 32; ++bits) {
+        Values given;
+        for (std::size_t i = 0; i < circuit.netlist.inputs.size(); ++i)
+            given[circuit.netlist.inputs[i]] = (bits >> i) % 2 == 1;
+        std::set<Values> outcomes;
+        for (Stuck const& stuck : circuit.netlist.allStuck())
+            outcomes.insert(circuit.netlist.seen(given, &stuck));
+        for (Values const& seen : outcomes) {
+            SCOPED_TRACE("inputs " + std::to_string(bits));
+            expectAnswers(circuit, given, seen);
+        }
+    }
+}
+
+}  // namespace
