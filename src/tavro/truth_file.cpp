@@ -82,8 +82,10 @@ std::string TruthTable::heading() const {
         addCell(line, ',', "true ");
         line += variable.nom;
     });
-    for (StateVar const* variable : plant.stateVars)
-        addCell(line, ',', variable->getName());
+    for (StateVar const* variable : plant.stateVars) {
+        addCell(line, ',', "true ");
+        line += variable->getName();
+    }
     return line + "\n";
 }
 

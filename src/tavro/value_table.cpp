@@ -96,6 +96,11 @@ std::optional<double> dateOf(std::string_view text) {
     return static_cast<double>(timegm(&date)) + fraction;
 }
 
+// What `tavro simulate` tells beside what is measured.
+bool isTruth(std::string const& name) {
+    return name.starts_with("true ");
+}
+
 class Reader {
 public:
     Reader(std::string const& path, double period) : path(path), period(period) {}
@@ -222,7 +227,7 @@ private:
             bool const isUsed = std::find(wanted.begin(), wanted.end(), name) != wanted.end();
             if (isUsed && !table.columns.try_emplace(name).second)
                 refuse(line, "there are two columns " + name);
-            if (!isUsed && name != "time" && name != "step" && !name.empty())
+            if (!isUsed && name != "time" && name != "step" && !isTruth(name) && !name.empty())
                 skipped.push_back(name);
             heading.push_back(name);
         }

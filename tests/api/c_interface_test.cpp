@@ -37,6 +37,46 @@ tavro_line measured(double const& value) {
     return line;
 }
 
+// A plant as text is the plant that is built in; one that is wrong says where.
+TEST(C, LoadsPlantsAsText) {
+    tavro_plant* loaded = nullptr;
+    ASSERT_EQ(tavro_plant_load(TAVRO_PLANTS "/room/room.plant", &loaded), TAVRO_OK);
+    PlantHandle const plant(loaded);
+    EXPECT_STREQ(tavro_plant_name(plant.get(), TAVRO_MEASURES, 0), "room.xd");
+    RunHandle const run = runOf(plant);
+    double const first = 0.93835, missing = NAN;
+    tavro_line line = measured(first);
+    ASSERT_EQ(tavro_run_start(run.get(), &line, nullptr), TAVRO_OK);
+    line = measured(missing);
+    EXPECT_EQ(tavro_run_step(run.get(), &line, nullptr), TAVRO_OK);
+    tavro_plant* none = nullptr;
+    EXPECT_EQ(tavro_plant_load("no/such.plant", &none), TAVRO_PLANT);
+    EXPECT_EQ(none, nullptr);
+    EXPECT_NE(std::string(tavro_last_error()).find("no/such.plant"), std::string::npos);
+    EXPECT_EQ(tavro_plant_load(nullptr, &none), TAVRO_ARGUMENT);
+    EXPECT_EQ(tavro_plant_load("no/such.plant", nullptr), TAVRO_ARGUMENT);
+}
+
+int yes(void*) {
+    return 1;
+}
+
+TEST(C, GivesAStepUp) {
+    PlantHandle const plant = builtin("therm");
+    tavro_options options;
+    tavro_options_init(&options);
+    options.give_up = yes;
+    tavro_run* made = nullptr;
+    ASSERT_EQ(tavro_run_new(plant.get(), &options, &made), TAVRO_OK);
+    RunHandle const run(made);
+    double const first = 0.93835;
+    tavro_line line = measured(first);
+    tavro_code code = tavro_run_start(run.get(), &line, nullptr);
+    if (code == TAVRO_OK)
+        code = tavro_run_step(run.get(), &line, nullptr);
+    EXPECT_EQ(code, TAVRO_GIVEN_UP);
+}
+
 }  // namespace
 
 TEST(C, FollowsTheStuckThermostat) {

@@ -47,7 +47,7 @@ refused 5 "can't write none/out" "$room" --steps 5 -o none/out
 # The room in the middle of its intervals: 0.05 (20 - 4) + 0.15 = 0.95, then 4 + 0.95.
 "$tavro" simulate "$room" --steps 1 --uncertainty middle --csv >table
 cat >wanted <<'TABLE'
-step,time,room.xd,true room.xd,true room.x,true room.xdq,thermostat.mode,room.cmdin,room.c1,room.mode
+step,time,room.xd,true room.xd,true room.x,true room.xdq,true thermostat.mode,true room.cmdin,true room.c1,true room.mode
 0,0,0.9500000000000001,0.9500000000000001,4,16,on,none,c10,closed
 1,1,0.9500000000000001,0.9500000000000001,4.95,16,on,none,c10,closed
 TABLE
@@ -99,11 +99,21 @@ answers tank.plant 1000 two healthy d >told && { fail "the healthy day of the tu
 "$tavro" simulate tank.plant --steps 100 --input pump.ordered=2 --fault pump.mode=off@60 -o obs/off 2>err
 answers tank.plant 1000 two off d >told
 grep '^    answer' "$2/docs/tutorial.md" | sed 's/^    //' | diff - told || fail "the fault of the tutorial"
+# What the page says of `tavro run`, after its command.
+said() { sed -n "/^    .*tavro run $2/,\$p" "$1" | sed -n 's/^    \(Healthy\|The bounds\|A fault\|Noticed\|Suspects\|It may\)/\1/p' | head -"$3"; }
+"$tavro" simulate tank.plant --steps 100 --input pump.ordered=2 --csv -o healthy.csv
+"$tavro" run tank.plant --measures healthy.csv >told
+said "$2/docs/tutorial.md" "tank.plant --measures healthy" 2 | diff - told || fail "the healthy log of the tutorial"
+"$tavro" simulate tank.plant --steps 100 --input pump.ordered=2 --fault pump.mode=off@60 --csv -o off.csv 2>err
+"$tavro" run tank.plant --measures off.csv --report off.html >told
+said "$2/docs/tutorial.md" "tank.plant --measures off" 4 | diff - told || fail "the log of the tutorial"
+"$tavro" run tank.plant --measures off.csv --steps 64 | grep -q '^A fault, explained: tank sound -> leaking' ||
+  fail "the leak of the tutorial"
 block "$2/README.md" 'plant boiler' >boiler.plant
 "$tavro" check boiler.plant || fail "the plant of README"
-"$tavro" simulate boiler.plant --steps 60 --input boiler.inflow=2 --fault boiler.mode=leaking@40 -o obs/day 2>err
-answers boiler.plant 60 two day d >told
-grep '^    answer: boiler' "$2/README.md" | sed 's/^    //' | diff - told || fail "the fault of README"
+"$tavro" simulate boiler.plant --steps 60 --input boiler.inflow=2 --fault boiler.mode=leaking@40 --csv -o day.csv 2>err
+"$tavro" run boiler.plant --measures day.csv --report report.html >told
+said "$2/README.md" "boiler.plant --measures day" 3 | diff - told || fail "the fault of README"
 
 # The tanks follow their own differential equations (make-days): the plant encloses these. A pump that
 # stops at 200 s changes a level from 201 s on.
