@@ -194,9 +194,9 @@ struct Options {
 // What is known at one step. Values stand in the order of the plant's lists, all of them, each a
 // finite number; the start takes inputs and measures too. A measure that is missing is given as
 // NaN: it is compared with nothing and narrows nothing. Where no influence leads to its variable,
-// the last measure stays, and the first one may not be missing. Only a step of a simulation may
-// leave the measures out. Commands and observations are "variable=value", as the plant lists them.
-// A start takes neither; a step of a discrete plant takes one of the two.
+// the first one may not be missing. Only a step of a simulation may leave the measures out.
+// Commands and observations are "variable=value", as the plant lists them. A start takes neither; a
+// step of a discrete plant takes one of the two.
 struct Line {
     std::vector<double> inputs{};
     std::vector<double> measures{};

@@ -8,6 +8,7 @@
 #include <iostream>
 
 #include "console/awaited_input.h"
+#include "console/console.h"
 #include "console/exchange.h"
 #include "console/interrupts.h"
 #include "console/isolation_request.h"
@@ -85,12 +86,23 @@ std::unique_ptr<std::istream> ConsoleHost::open(std::string const& path) {
     return file;
 }
 
-bool ConsoleHost::write(std::string const& path, std::string const& text) {
-    if (wouldOverwriteInput(path) || wouldOverwriteOutput(path))
-        return false;
+namespace {
+
+bool writeWhole(std::string const& path, std::string const& text) {
     OutputFile file(path);
     file.write(text.data(), text.size());
     return file.close();
+}
+
+}  // namespace
+
+bool ConsoleHost::write(std::string const& path, std::string const& text) {
+    // Where there is no file of prime implicates yet, the engine writes it for the next start.
+    bool const isNew = consolePlant != nullptr && path == consolePlant->name + ".pi" &&
+                       ::access(path.c_str(), F_OK) != 0;
+    if (!isNew && (wouldOverwriteInput(path) || wouldOverwriteOutput(path)))
+        return false;
+    return writeWhole(path, text);
 }
 
 // Read again for every search, so that the optimiser can be tuned anew without a restart. A cycle

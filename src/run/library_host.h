@@ -48,7 +48,21 @@ public:
     void diagnosis(std::string const& text) override;
     bool memoryRunsShort() override { return watchesMemory && memory.runsShort(); }
 
-    char const* stopOverdue() override { return giveUp && giveUp() ? "given up" : nullptr; }
+    char const* stopOverdue() override {
+        return stepping && giveUp && giveUp() ? "given up" : nullptr;
+    }
+
+    // While such an object lives, the run is within a start or a step, which may be given up.
+    class Stepping {
+    public:
+        explicit Stepping(LibraryHost& host) : host(host) { host.stepping = true; }
+        ~Stepping() { host.stepping = false; }
+        Stepping(Stepping const&) = delete;
+        Stepping& operator=(Stepping const&) = delete;
+
+    private:
+        LibraryHost& host;
+    };
 
     std::vector<double> firstInputs, firstMeasures;  // given to the run's start
     // Of the current step: the texts of its diagnoses, none of them empty, and the same as data,
@@ -61,5 +75,6 @@ private:
     LineStream told;
     bool const watchesMemory;
     std::function<bool()> const giveUp;
+    bool stepping = false;
     SystemMemoryWatch memory;
 };

@@ -148,19 +148,6 @@ void StepwiseRun::checkFirstMeasures(std::vector<double> const& measures) const 
                                              " is missing, and nothing predicts it");
 }
 
-// A missing measure of what nothing predicts is the last one, for there is nothing else to know it
-// by; any other stays missing.
-std::vector<double> StepwiseRun::measured(std::vector<double> const& given) {
-    std::vector<double> measures = given;
-    lastMeasures.resize(measures.size());
-    for (std::size_t i = 0; i < measures.size(); ++i)
-        if (!std::isnan(measures[i]))
-            lastMeasures[i] = measures[i];
-        else if (!sn_isPredicted(run.tavro_rt->measure[i]))
-            measures[i] = lastMeasures[i];
-    return measures;
-}
-
 void StepwiseRun::checkLine(tavro::Line const& line, bool starting) const {
     checkValues(line.inputs, names.inputs, "inputs");
     if (starting || detecting() || !line.measures.empty())
@@ -190,6 +177,7 @@ std::vector<Atom*> StepwiseRun::atomsOf(std::vector<std::string> const& ids,
 // An Error thrown by *work* is a wrong call, which has changed nothing yet.
 template <typename Work>
 tavro::Step StepwiseRun::guarded(Work work) {
+    LibraryHost::Stepping const stepping(host);
     try {
         return work();
     } catch (Error const&) {
@@ -242,7 +230,7 @@ void StepwiseRun::discreteStart() {
 
 void StepwiseRun::hybridStart(tavro::Line const& line) {
     host.firstInputs = line.inputs;
-    host.firstMeasures = measured(line.measures);
+    host.firstMeasures = line.measures;
     tavro_initialize(run, options.globalConstraints ? 1 : 0, options.precision, "",
                      options.accumulation);
     countdown = asked.period;
@@ -290,9 +278,8 @@ tavro::Step StepwiseRun::hybridStep(tavro::Line const& line) {
     host.diagnoses.clear();
     host.suspects.clear();
     run.remarks = {};
-    std::vector<double> const measures = measured(line.measures);
     std::copy(line.inputs.begin(), line.inputs.end(), run.engine.inps.begin());
-    std::copy(measures.begin(), measures.end(), run.engine.meas.begin());
+    std::copy(line.measures.begin(), line.measures.end(), run.engine.meas.begin());
     countdown -= run.tavro_rt->Ts;
     bool nominal = false;
     tavro_doCycle(run, asked, countdown, when, nominal);

@@ -58,7 +58,6 @@ private:
     void describeCandidates(tavro::Step& told) const;
     void describeRemarks(tavro::Step& told);
     TimeOfStep timeOfStep() const;
-    std::vector<double> measured(std::vector<double> const& given);
     Trajectory const& historyOf(std::size_t candidate) const;
 
     PlantNames const& names;
