@@ -57,9 +57,9 @@ std::vector<std::size_t> aliveStories(RunRecord const& record) {
 std::optional<std::size_t> noticedIn(RunRecord const& record, tavro::Plant const& plant) {
     if (!plant.discrete())
         return record.alarms.empty() ? std::nullopt : std::optional(record.alarms.front().step);
+    // A search may well find that nothing failed, where something happened that nobody told of.
     for (RunRecord::Diagnosis const& diagnosis : record.diagnoses)
-        if (std::any_of(diagnosis.explanations.begin(), diagnosis.explanations.end(),
-                        [](auto const& e) { return e.failure; }))
+        if (!diagnosis.healthyLeft)
             return diagnosis.step;
     return std::nullopt;
 }

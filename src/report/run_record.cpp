@@ -201,7 +201,12 @@ void Recorder::weighStories(tavro::Step const& step) {
 
 void Recorder::addDiagnosis(tavro::Step const& step) {
     RunRecord::Diagnosis diagnosis{kept.time.size() - 1, step.alarms, step.suspects, step.diagnosis,
-                                   step.explanations,    {},          step.datesCut};
+                                   step.explanations,    {},          step.datesCut, false};
+    diagnosis.healthyLeft =
+        std::any_of(step.candidates.begin(), step.candidates.end(), [](auto const& candidate) {
+            return std::none_of(candidate.moves.begin(), candidate.moves.end(),
+                                [](auto const& move) { return move.failure; });
+        });
     for (tavro::Explanation const& explanation : step.explanations) {
         assert(explanation.candidate < kept.last.size());
         diagnosis.stories.push_back(kept.candidates[kept.last[explanation.candidate]].story);

@@ -64,6 +64,7 @@ struct RunRecord {
         std::vector<tavro::Explanation> explanations;
         std::vector<std::size_t> stories;  // of each explanation
         bool datesCut;
+        bool healthyLeft;  // some candidate that has come out of it tells no failure
     };
     struct PastUse {
         std::size_t step;

@@ -72,6 +72,17 @@ circuits=$source/plants/circuits
 run 10 "$circuits/c17.plant" -s "$circuits/c17.scn"
 says "g22 ok -> stuck_low at step 1 (probability 0.5)"
 says "g10 ok -> stuck_high at step 1 (probability 0.5)"
+# Two observations that a healthy circuit makes: what a search finds besides does not make it ill.
+# The first: g10 = g16 = high, since in1 and g11 are low, so g22 is low; g19 = high, so g23 is low. The
+# second: g10 = high, g11 = high, so g16 and g19 are low, and both outputs high.
+cat >two.scn <<'SCENARIO'
+Command
+Observation in1.out=low in2.out=high in3.out=high in6.out=high in7.out=high g22.out=low g23.out=low
+Command
+Observation in1.out=high in2.out=high in3.out=low in6.out=high in7.out=high g22.out=high g23.out=high
+SCENARIO
+run 0 "$circuits/c17.plant" -s two.scn
+says "nothing that needs a failure"
 run 2 "$circuits/c17.plant"
 tells "--scenario"
 
