@@ -5,7 +5,7 @@
 
 namespace {
 
-constexpr int deepest = 200;
+constexpr int deepest = 200;  // keeps the stack small
 
 std::string described(Token const& token) {
     switch (token.kind) {
@@ -26,8 +26,7 @@ Parser::Nested::Nested(Parser& parser) : parser(parser) {
     if (++parser.depth > deepest) {
         --parser.depth;
         parser.giveUp(parser.current().range, "this is nested too deeply",
-                      std::string("name parts of it, so that no more than ") +
-                          std::to_string(deepest) + " stand inside each other");
+                      "name parts of it, so that less stands inside each other");
     }
 }
 
@@ -416,7 +415,7 @@ void Parser::instance(Body& into) {
     TextRange const begin = node.name.range;
     if (takeIf(TokenKind::bracketOpen))
         node.count = count(TokenKind::bracketClose, true);
-    expect(TokenKind::colon, ": and a type");
+    take();  // the colon, by which it was known to be an instance
     node.type = name("a type");
     if (is(TokenKind::parenOpen))
         node.arguments = arguments();

@@ -49,9 +49,11 @@ void Parser::response(EquationNode& node) {
         expected("damping, or by and a transfer function");
     node.form = EquationForm::rational;
     numbersAreBare = true;
+    TextRange const begin = current().range;
     node.numerator = polynomial();
     expect(TokenKind::over, "/ and the denominator in parentheses");
     node.denominator = polynomial();
+    node.transfer = from(begin);
     numbersAreBare = false;
 }
 

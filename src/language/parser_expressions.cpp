@@ -200,13 +200,13 @@ UnitNode Parser::unit() {
     } else {
         node.factors.push_back({name("a unit, such as m or kg/s"), 1});
         if (takeIf(TokenKind::power))
-            node.factors.back().power = wholeNumber("the power");
+            node.factors.back().power = wholeNumber("the power, a whole number");
     }
     while (is(TokenKind::times) || is(TokenKind::over)) {
         sign = take().kind == TokenKind::times ? 1 : -1;
         node.factors.push_back({name("a unit"), sign});
         if (takeIf(TokenKind::power))
-            node.factors.back().power = sign * wholeNumber("the power");
+            node.factors.back().power = sign * wholeNumber("the power, a whole number");
     }
     return node;
 }

@@ -14,6 +14,7 @@ FlatPlant Resolver::run() {
     gatherFile();
     for (ComponentRef component = 0; component < static_cast<int>(members.size()); ++component)
         declareMembers(component);
+    tellPlaces();
     for (QuantityRef quantity = 0; quantity < static_cast<int>(pending.size()); ++quantity)
         settleQuantity(quantity);
     for (std::size_t i = 0; i < members.size(); ++i)
@@ -23,6 +24,46 @@ FlatPlant Resolver::run() {
         readStatement(placed);
     finish();
     return std::move(plant);
+}
+
+void Resolver::tellPlaces() {
+    for (PlacedStatement const& placed : fileStatements)
+        tellPlace(placed);
+    for (Member const& member : members)
+        for (PlacedStatement const& placed : member.statements)
+            tellPlace(placed);
+}
+
+// A statement that would mean nothing where it stands. What it names is not missed elsewhere.
+void Resolver::tellPlace(PlacedStatement const& placed) {
+    auto const& node = placed.statement->node;
+    TextRange const& range = placed.statement->range;
+    bool const inType = placed.scope->component != nowhere;
+    auto const* constant = std::get_if<ConstantNode>(&node);
+    auto const* instance = std::get_if<InstanceNode>(&node);
+    auto const* quantities = std::get_if<QuantitiesNode>(&node);
+    bool const isOfComponent = quantities != nullptr || std::holds_alternative<ChoiceNode>(node);
+    bool const isOfFile = constant != nullptr || std::holds_alternative<TypeNode>(node) ||
+                          std::holds_alternative<IncludeNode>(node);
+    bool const isOfPlant = instance != nullptr || std::holds_alternative<PlantNode>(node) ||
+                           std::holds_alternative<SampleNode>(node) ||
+                           std::holds_alternative<WindowNode>(node);
+    if (isOfComponent && !inType)
+        messages.error(range, "this is what a component has", "write it in a type");
+    else if (isOfFile && placed.scope != fileScope)
+        messages.error(range, "this is told of the whole plant",
+                       "write it outside of types and loops");
+    else if (isOfPlant && inType)
+        messages.error(range, "this is told of the whole plant", "write it outside of types");
+    else
+        return;
+    if (constant != nullptr)
+        damaged.insert(constant->name.text);
+    if (instance != nullptr)
+        damaged.insert(instance->name.text);
+    if (quantities != nullptr)
+        for (QuantityNode const& quantity : quantities->quantities)
+            damaged.insert(quantity.name.text);
 }
 
 void Resolver::readStatement(PlacedStatement const& placed) {

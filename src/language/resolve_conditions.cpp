@@ -308,7 +308,8 @@ void Resolver::clause(ClauseNode const& node, Scope* scope, TextRange const& ran
         return;
     for (std::vector<FlatLiteral>& literals : *found) {
         if (literals.empty()) {
-            messages.error(range, "this clause can never hold", "take never out of it");
+            messages.error(range, "this clause can never hold",
+                           "take it out, or say what can hold");
             return;
         }
         ComponentRef const component = scope->component != nowhere

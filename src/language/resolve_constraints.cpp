@@ -7,7 +7,10 @@ void Resolver::list(ListNode const& node, Scope* scope) {
             Entity const found = lookup(path, scope);
             bool const isCommand = found.kind == Entity::choice &&
                                    plant.choice(found.reference).kind == ChoiceKind::command;
-            if (isCommand && scope->component != nowhere)
+            if (isCommand && scope->component == nowhere)
+                messages.error(path.range, "commands are imported by a component",
+                               "write it in a type");
+            else if (isCommand)
                 plant.components[static_cast<std::size_t>(scope->component)].imported.push_back(
                     found.reference);
             else if (found.kind != Entity::bad)

@@ -290,7 +290,7 @@ bool Resolver::setForm(EquationNode const& node, Scope* scope, FlatInfluence& ma
             return set(node.damping, made.damping) && set(node.frequency, made.frequency);
         case EquationForm::rational:
             if (node.numerator[2] || !node.denominator[2] || !node.denominator[0]) {
-                messages.error(node.value.range,
+                messages.error(node.transfer,
                                "a transfer function has a numerator of first order at most and a "
                                "denominator of second order",
                                "write by (n1 + n2 s) / (d0 + d1 s + d2 s^2)");
@@ -319,14 +319,16 @@ void Resolver::checkUnits(FlatInfluence const& made, bool hasGain) {
     MaybeUnit found = plant.quantity(made.cause).unit;
     if (made.form != EquationForm::coupling && hasGain)
         found = made.gain.unitMatters ? found * made.gain.unit : std::nullopt;
-    if (made.form == EquationForm::integral)
+    bool const isTwice = made.form == EquationForm::doubleIntegral;
+    bool const integrates = isTwice || made.form == EquationForm::integral;
+    if (integrates)
         found = found * MaybeUnit(seconds());
-    if (made.form == EquationForm::doubleIntegral)
-        found = found * MaybeUnit(seconds()) * MaybeUnit(seconds());
+    if (isTwice)
+        found = found * MaybeUnit(seconds());
     if (made.form == EquationForm::rational || made.form == EquationForm::damped)
         return;  // their coefficients have units of their own
-    checkUnit(made.range, made.form == EquationForm::integral ? "what this integrates to" : "this",
-              found, plant.quantity(made.effect).unit);
+    checkUnit(made.range, integrates ? "what this integrates to" : "this", found,
+              plant.quantity(made.effect).unit);
 }
 
 // The next number for a term without a label.

@@ -201,7 +201,7 @@ void Resolver::makeInstance(InstanceNode const& node, std::string const& name, S
             messages.error(node.name.range, "two components are named " + name, "rename one");
         else if (other.symbol == symbol)
             messages.error(
-                node.name.range,
+                node.symbol.text.empty() ? node.name.range : node.symbol.range,
                 "two components have the symbol " + symbol + ", " + other.name + " being the other",
                 "give one of them another symbol");
     plant.components.push_back({name, node.type.text, symbol, node.name.range, {}, {}});
@@ -330,7 +330,9 @@ void Resolver::declareChoice(ComponentRef component, ChoiceNode const& node) {
         known.push_back(value.name.text);
         choice.values.push_back({value.name.text, value.name.range, {}});
     }
-    if (!node.start.text.empty()) {
+    if (known.empty()) {
+        messages.error(node.name.range, node.name.text + " has no values", "name them");
+    } else if (!node.start.text.empty()) {
         auto const start = std::find(known.begin(), known.end(), node.start.text);
         if (start == known.end())
             messages.error(node.start.range, node.start.text + " is none of the values",
@@ -340,8 +342,6 @@ void Resolver::declareChoice(ComponentRef component, ChoiceNode const& node) {
     }
     if (node.kind == ChoiceKind::mode)
         member.modes.push_back(reference);
-    if (known.empty())
-        messages.error(node.name.range, node.name.text + " has no values", "name them");
     plant.choices.push_back(std::move(choice));
 }
 
@@ -349,9 +349,11 @@ void Resolver::declareChoice(ComponentRef component, ChoiceNode const& node) {
 
 void Resolver::setOrder(PlacedStatement const& placed) {
     auto const& node = std::get<OrderNode>(placed.statement->node);
-    if (hasOrder)
+    if (hasOrder) {
         messages.error(placed.statement->range, "the order is told a second time",
                        "keep one of them");
+        return;
+    }
     hasOrder = true;
     for (Expr const& path : node.instances) {
         Entity const found = lookup(path, placed.scope);

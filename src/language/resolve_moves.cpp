@@ -4,6 +4,10 @@
 #include "language/resolver.h"
 
 void Resolver::move(MoveNode const& node, Scope* scope, TextRange const& range) {
+    if (scope->component == nowhere) {
+        messages.error(range, "a move belongs to a component", "write it in a type");
+        return;
+    }
     if (node.idleOthers) {
         idlesAsked.push_back({plant.moves.size(), scope->component, range});
         return;
@@ -99,10 +103,6 @@ bool Resolver::literals(FlatCondition const& condition, bool holds,
 
 // `on`, where one mode variable alone has that value, or `power = on`.
 std::optional<FlatAtom> Resolver::modeOf(Expr const& expr, Scope* scope, ComponentRef component) {
-    if (component == nowhere) {
-        messages.error(expr.range, "a move belongs to a component", "write it in a type");
-        return std::nullopt;
-    }
     bool const isValue =
         (expr.kind == ExprKind::name && expr.path.size() == 1) || expr.kind == ExprKind::number;
     if (isValue)
@@ -175,10 +175,6 @@ bool Resolver::settings(MoveNode const& node, Scope* scope, FlatMove& made) {
 // From the last on, so that places before stay.
 void Resolver::idleOthers() {
     for (auto asked = idlesAsked.rbegin(); asked != idlesAsked.rend(); ++asked) {
-        if (asked->component == nowhere) {
-            messages.error(asked->range, "a move belongs to a component", "write it in a type");
-            continue;
-        }
         std::vector<FlatMove> added;
         for (ChoiceRef const mode : members[static_cast<std::size_t>(asked->component)].modes)
             for (std::size_t i = 0; i < plant.choice(mode).values.size(); ++i)

@@ -117,7 +117,9 @@ Entity Resolver::settled(Entity& entity, bool quiet) {
     if (entity.kind != Entity::written)
         return entity;
     if (entity.busy) {
-        messages.error(entity.range, "this is worked out from itself", "give it a number");
+        messages.error(entity.range,
+                       "the value of " + written(entity.range) + " is worked out from itself",
+                       "give it a number");
         entity.kind = Entity::bad;
         return {};
     }
@@ -169,10 +171,6 @@ void Resolver::mentionOwner(Scope const* scope, Entity const& entity) {
 // ---- Of a certain kind ----
 
 QuantityRef Resolver::quantityOf(Expr const& path, Scope* scope, char const* wanted) {
-    if (path.kind != ExprKind::name) {
-        messages.error(path.range, std::string("here belongs ") + wanted, "write its name");
-        return nowhere;
-    }
     Entity const found = lookup(path, scope);
     if (found.kind == Entity::quantity)
         return found.reference;

@@ -81,8 +81,13 @@ std::optional<Value> Resolver::number(Expr const& expr, Scope* scope) {
             if (std::optional<Value> const value = number(expr.parts.front(), scope))
                 return negated(*value);
             return std::nullopt;
-        default:
-            messages.error(expr.range, "this is no number", "write a number here");
+        case ExprKind::delayed:
+            messages.error(expr.range, "only a term of an equation can be delayed",
+                           "let a variable follow from it, and use that");
+            return std::nullopt;
+        default:  // a labelled term: conditions stand in no arithmetic
+            messages.error(expr.range, "a label stands before a whole term",
+                           "move it to the front");
             return std::nullopt;
     }
 }

@@ -206,6 +206,8 @@ private:
                                            std::optional<FlatExpression> right);
 
     // ---- Everything (resolve.cpp) ----
+    void tellPlaces();
+    void tellPlace(PlacedStatement const& placed);
     void readStatement(PlacedStatement const& placed);
     void finish();
 

@@ -213,6 +213,7 @@ struct EquationNode {
     // s, by powers, where what is not written is nothing.
     std::optional<Expr> responseTime, damping, frequency;
     std::vector<std::optional<Expr>> numerator, denominator;
+    TextRange transfer;  // both, where there are any
     std::optional<Expr> when, keeping;
     std::optional<bool> sharpened;
 };

@@ -187,127 +187,6 @@ Mistake const ofNames[] = {
 };
 INSTANTIATE_TEST_SUITE_P(Names, ErrorsTest, testing::ValuesIn(ofNames), nameOf);
 
-// Line 3 is in a type with the variables x and y and the modes off and on.
-std::string inType(std::string const& statement) {
-    return "plant p; sample 1 s\ntype t { variable x = 0, y; mode off, on; command c: none, go\n "
-           " " +
-           statement + "\n  x integrates y; measure x, y; fail from off to on with 0.1 }\na: t()\n";
-}
-
-// What is shown of a mistake in line 3, from *column* on for *width* characters.
-std::string shown(std::string const& statement, int column, int width, std::string const& text,
-                  std::string const& advice) {
-    return "p.plant:3:" + std::to_string(column) + ": error: " + text + "\n  3 |   " + statement +
-           "\n    | " + std::string(static_cast<std::size_t>(column - 1), ' ') +
-           std::string(static_cast<std::size_t>(width), '^') + "\n    " + advice + "\n";
-}
-
-struct Slip {
-    char const* statement;
-    int column, width;
-    char const* text;
-    char const* advice;
-};
-
-void PrintTo(Slip const& slip, std::ostream* out) {
-    *out << slip.statement;
-}
-
-class SlipsTest : public testing::TestWithParam<Slip> {};
-
-TEST_P(SlipsTest, IsToldWhole) {
-    Slip const& slip = GetParam();
-    EXPECT_EQ(told(inType(slip.statement)),
-              shown(slip.statement, slip.column, slip.width, slip.text, slip.advice));
-}
-
-Slip const slips[] = {
-    // Numbers
-    {"parameter a = x", 17, 1, "x is not a number",
-     "a variable changes from step to step: use a constant or a parameter here"},
-    {"parameter a = 1 / 0", 21, 1, "this divides by 0", "divide by something else than 0"},
-    {"parameter a = 1 / [-1, 1]", 21, 7, "this divides by an interval that holds 0",
-     "divide by something else than 0"},
-    {"parameter a = [1, 2]", 17, 6, "a parameter is one number",
-     "use the interval in the equations, or a constant of that name"},
-    {"parameter a = 1e200 * 1e200", 17, 13, "this number is too large to be held",
-     "choose units in which it is smaller"},
-    {"variable z = [2, 1]; y = z", 16, 6, "this interval ends before it begins",
-     "write the smaller number first"},
-    {"parameter a = a", 13, 1, "the value of a is worked out from itself", "give it a number"},
-    // Equations
-    {"y = x * y", 7, 5, "the product of two variables is not linear",
-     "enclose one of them by an interval, or use a constraint"},
-    {"y = 2 / x", 11, 1, "a division by a variable is not linear",
-     "enclose one of them by an interval, or use a constraint"},
-    {"y = x ^ 2", 7, 5, "a power of a variable is not linear",
-     "enclose it by an interval times the variable, or use a constraint"},
-    {"y = 2 * (x + 1)", 11, 7, "this sum in parentheses holds a variable",
-     "write its terms one by one"},
-    {"y = x @ 1.5", 11, 3,
-     "a delay in steps must be a whole number, of at least 0 and at most 1000000",
-     "write such a number"},
-    {"y = x @ 1.5 s", 11, 5, "this delay is no whole number of sample periods",
-     "write it in steps, or choose another sample period"},
-    {"y = x @ 3..2", 7, 8, "this delay ends before it begins", "write the shorter delay first"},
-    {"y = 3 @ 1", 7, 5, "only a variable can be delayed", "write x @ 1 for a variable x"},
-    {"y = mode", 7, 4, "mode is no number and no variable", "an equation is made of these"},
-    {"l: y = x + 2 * x", 3, 1, "this label stands before several terms",
-     "write a label before each term, as in y = i1: 2 * u + i2: 3 * v"},
-    {"y = l: x + l: 2 * x", 14, 1, "two terms are labelled a.l",
-     "give them labels of their own, or none"},
-    {"y responds to x by (1 + s^3) / (1 + s^2)", 27, 3,
-     "this transfer function is of higher than second order", "divide it into several variables"},
-    // Conditions
-    {"y = x when c = go", 14, 6, "an influence cannot depend on c, which is a command",
-     "let a move change a mode, and ask for the mode"},
-    {"y = x when mode", 14, 4, "this is no condition", "compare something, as in mode = mode"},
-    {"y = x when mode < on", 14, 9, "mode has values that have no order", "ask with = or !="},
-    {"y = x when 1 < 2", 14, 5, "this compares numbers, and never changes", "compare a variable"},
-    {"y = x when x < [1, 2]", 18, 6, "a variable is compared with one number",
-     "write in before an interval"},
-    {"region r: lo when x < 1 or x > 2, hi when x >= 1", 21, 14,
-     "a region is an interval of one variable",
-     "compare the variable with numbers: x < 10, or 10 <= x < 17"},
-    {"region r: lo when 2 < x < 1, hi when x >= 1", 21, 9, "no value of x can be there",
-     "put the lower threshold first"},
-    // Moves
-    {"move from on to on with 1", 19, 2, "this move stays where it is",
-     "write idle, in place of move from and to"},
-    {"move from on to off with 2", 28, 1, "a probability lies between 0 and 1",
-     "write such a number"},
-    {"move from on when x > 1 to off with 1", 21, 5,
-     "a guard asks for modes, regions, commands and observables, and x is a variable",
-     "make a region with this threshold, and ask for its value"},
-    {"move from on when c = go or c = none to off with 1", 21, 18, "a guard cannot say or",
-     "write a move for each case"},
-    {"move from c = go to off with 1", 13, 6,
-     "a move leads from one mode of its component to another",
-     "write the mode alone, or for one of several variables power = on"},
-    {"clause x > 1 implies c = go", 10, 5,
-     "x is a variable, and a clause is over modes, regions, commands and observables",
-     "make a region of the variable, and ask for its value"},
-    // Lists
-    {"display z", 11, 1, "there is nothing of the name z", "declare it, or correct its spelling"},
-    {"display x; display mode", 22, 4, "mode is no variable, and here belongs a variable",
-     "name a variable"},
-    // Units
-    {"parameter a [furlong] = 1", 16, 7, "there is no unit furlong",
-     "units are m g s A K mol cd Hz N Pa bar J W C V ohm F H L with their prefixes, and min h d "
-     "rad percent degC"},
-    {"parameter a [m] = 3 [cm]", 21, 6, "this value is in 0.01 m, and m belongs here",
-     "units are not converted: write it in m"},
-    {"variable h [m], v [m/s] ; h = v; v = 2 * h; display h, v", 33, 1,
-     "this is in m*s^-1, and m belongs here", "correct the unit, or the equation"},
-    {"y responds to x by (1 + s) / (1 + s)", 17, 1,
-     "a transfer function has a numerator of first order at most and a denominator of second "
-     "order",
-     "write by (n1 + n2 s) / (d0 + d1 s + d2 s^2)"},
-    {"y lags x within 3 [m]", 19, 5, "this time is in m, and s belongs here",
-     "correct the unit, or the equation"},
-};
-INSTANTIATE_TEST_SUITE_P(Statements, SlipsTest, testing::ValuesIn(slips));
-
 // ---- All in one go, and none that only follows ----
 
 TEST(ErrorsTest, AllAreToldInOneGo) {
@@ -440,6 +319,21 @@ TEST(ErrorsTest, FilesMayIncludeEachOther) {
     PlantFile const file("p.plant", reader);
     EXPECT_EQ(rendered(file.messages(), file.sources()), "");
     EXPECT_EQ(file.flat().components.size(), 1u);
+}
+
+// A hundred may stand in each other, so the one that the hundredth asks for is not read.
+TEST(ErrorsTest, FilesIncludeEachOtherTooDeeply) {
+    std::map<std::string, std::string> texts{{"p.plant", "plant p\ninclude \"1.plant\"\n"}};
+    for (int i = 1; i <= 101; ++i)
+        texts[std::to_string(i) + ".plant"] = "include \"" + std::to_string(i + 1) + ".plant\"\n";
+    language_fixture::TextReader reader(texts);
+    PlantFile const file("p.plant", reader);
+    std::string const message = rendered(file.messages(), file.sources());
+    EXPECT_EQ(message,
+              "100.plant:1:9: error: files include each other too deeply\n"
+              "  1 | include \"101.plant\"\n"
+              "    |         ^^^^^^^^^^^\n"
+              "    no more than 100 may stand in each other\n");
 }
 
 }  // namespace
