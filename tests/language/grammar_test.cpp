@@ -21,7 +21,6 @@ Slip const inTypes[] = {
     // Statements
     {"~3~ = x", "here stands 3",
      "expected is a statement, such as variable, mode, move or an equation"},
-    {"~to~: x = y", "to is a word of the language, and no name", "write a label"},
     {"parameter ~3~ = 4", "here stands 3", "expected is the name of a parameter"},
     {"parameter k~~", "here stands the end of the line",
      "expected is = and the value of the parameter"},
@@ -29,7 +28,7 @@ Slip const inTypes[] = {
     {"measure ~3~", "here stands 3", "expected is a name"},
     {"command ~3~: none", "here stands 3", "expected is the name of what is chosen"},
     {"command none~,~ go", "here stands ,", "expected is : and the values"},
-    {"observe o: p, ~(~", "here stands (", "expected is a value"},
+    {"observe o: p, ~+~", "here stands +", "expected is a value"},
     {"region r: lo~,~ hi", "here stands ,", "expected is when"},
     {"constraint x ~follows~ y", "here stands follows", "expected is = and what it is equal to"},
     {"define ~3~ = x", "here stands 3", "expected is a name for a part of constraints"},
@@ -67,7 +66,7 @@ Slip const inTypes[] = {
     {"y = a[1~,~ 2]", "here stands ,", "expected is ]"},
     {"y = 2 * (x~,~ 3)", "here stands ,", "expected is )"},
     // Units
-    {"parameter k [m ~=~ 1", "here stands =", "expected is ]"},
+    {"parameter k [m ~=~ 1]", "here stands =", "expected is ]"},
     {"parameter k [~3~] = 1", "here stands 3", "expected is a unit, such as m or kg/s"},
     {"parameter k [m/~3~] = 1", "here stands 3", "expected is a unit"},
     {"parameter k [m^~x~] = 1", "here stands x", "expected is the power, a whole number"},
@@ -128,7 +127,7 @@ TEST(GrammarTest, ALoopThatIsNeverClosed) {
 
 TEST(GrammarTest, TheEndOfTheFileIsCalledSo) {
     EXPECT_EQ(told("plant p\ntype t {\n  mode off\n}\na: t()\nfor i in 1..2"),
-              "p.plant:6:14: error: here stands the end of the line\n"
+              "p.plant:6:14: error: here stands the end of the file\n"
               "  6 | for i in 1..2\n"
               "    |              ^\n"
               "    expected is { and what is to be repeated\n");
