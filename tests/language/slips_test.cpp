@@ -18,6 +18,9 @@ TEST_P(SlipsInFilesTest, IsToldWhole) {
 }
 
 Slip const inTypes[] = {
+    // Statements of a file
+    {"~constant k = 1~", "this is told of the whole plant", "write it outside of types and loops"},
+    {"~window 3~", "this is told of the whole plant", "write it outside of types"},
     // Numbers
     {"parameter a = ~x~", "x is not a number",
      "a variable changes from step to step: use a constant or a parameter here"},
@@ -230,6 +233,7 @@ Slip const inFiles[] = {
     {"~idle others~", "a move belongs to a component", "write it in a type"},
     {"~define d = a.x~", "a part of constraints is named in a type", "move this into a type"},
     {"import ~a.c~", "commands are imported by a component", "write it in a type"},
+    {"~mode on, off~", "this is what a component has", "write it in a type"},
 };
 INSTANTIATE_TEST_SUITE_P(Statements, SlipsInFilesTest, testing::ValuesIn(inFiles));
 
