@@ -232,4 +232,11 @@ steps=$(sed -n 's/^Interrupted: \([0-9]*\) step.*/\1/p' out)
 [ "$(wc -l <cut.jsonl)" = $((steps + 1)) ] || fail "$steps steps and $(wc -l <cut.jsonl) lines"
 tail -c 1 cut.csv | grep -q . && fail "the last row is cut"
 
+# Who watches in a terminal is told after two seconds how far the run is; nobody else is.
+grep -q 'left' err && fail "progress without a terminal"
+if script -qec true /dev/null >/dev/null 2>&1; then
+  timeout --preserve-status -s INT 5 script -qec "$tavro run $room -m long.csv" /dev/null </dev/null >seen 2>&1
+  grep -qE 'step [0-9]+ of 199999, [0-9:]+ left' seen || fail "no progress in a terminal"
+fi
+
 exit $failed
