@@ -11,6 +11,7 @@
 #include <csignal>
 #include <cstring>
 #include <fstream>
+#include <string>
 
 #include "console/interrupts.h"
 #include "support/run_stopped.h"
@@ -19,7 +20,9 @@ namespace {
 
 using testing::ExitedWithCode;
 
-constexpr char const* path = "awaited";
+// Of this process alone: tests run side by side.
+std::string const ownPath = "awaited" + std::to_string(getpid());
+char const* const path = ownPath.c_str();
 
 class AwaitedInput : public testing::Test {
 protected:

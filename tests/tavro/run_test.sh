@@ -235,8 +235,15 @@ tail -c 1 cut.csv | grep -q . && fail "the last row is cut"
 # Who watches in a terminal is told after two seconds how far the run is; nobody else is.
 grep -q 'left' err && fail "progress without a terminal"
 if script -qec true /dev/null >/dev/null 2>&1; then
-  timeout --preserve-status -s INT 5 script -qec "$tavro run $room -m long.csv" /dev/null </dev/null >seen 2>&1
-  grep -qE 'step [0-9]+ of 199999, [0-9:]+ left' seen || fail "no progress in a terminal"
+  timeout -s INT 60 script -qfec "$tavro run $room -m long.csv" /dev/null </dev/null >seen 2>&1 &
+  pid=$!
+  for _ in $(seq 300); do
+    grep -qaE 'step [0-9]+ of 199999, [0-9:]+ left' seen && break
+    sleep 0.2
+  done
+  grep -qaE 'step [0-9]+ of 199999, [0-9:]+ left' seen || fail "no progress in a terminal"
+  kill -TERM $pid
+  wait $pid
 fi
 
 exit $failed
