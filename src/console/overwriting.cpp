@@ -118,6 +118,10 @@ bool refuses(std::string const& output, UsedFiles const& files) {
 
 }  // namespace
 
+bool leadToOneFile(std::string const& one, std::string const& other) {
+    return isSame(identityOf(one), identityOf(other));
+}
+
 bool wouldOverwriteInput(std::string const& output) {
     return refuses(output, inputs());
 }

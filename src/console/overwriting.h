@@ -7,6 +7,8 @@
 
 #include <string>
 
+// Whether both names lead to one regular file, or to the place where one would be made.
+bool leadToOneFile(std::string const& one, std::string const& other);
 // Whether *output* is a file that a run or the console reads; tells each that it is.
 bool wouldOverwriteInput(std::string const& output);
 // Whether *output*, a graph or a trace, is another file that a run writes; tells each that it is.

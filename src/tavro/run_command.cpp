@@ -88,9 +88,10 @@ public:
         Outcome const outcome = outcomeOf(recorder.record(), plant, end);
         RunFacts const facts{request.plant,    request.measures, request.inputs,
                              request.scenario, request.options,  day.notes};
-        writer.document(documentOf(recorder.record(), outcome, plant, facts));
-        bool const whole = writer.close();
-        tell(outcome);
+        if (request.outputs.needsBounds())
+            writer.document(documentOf(recorder.record(), outcome, plant, facts));
+        bool const written = writer.close();
+        bool const whole = tell(outcome) && written;
         int const status =
             statusOfInterrupt() != 0 ? statusOfInterrupt() : static_cast<int>(outcome.verdict);
         return whole ? status : resultsLost;
@@ -133,8 +134,8 @@ private:
         writer.graphs(run, recorder.record().last.size());
     }
 
-    // Where results go to standard output, the answer goes beside it.
-    void tell(Outcome const& outcome) const {
+    // Where results go to standard output, the answer goes beside it. False when it is lost.
+    bool tell(Outcome const& outcome) const {
         bool const beside = request.outputs.usesStandardOutput();
         std::FILE* const to = beside ? stderr : stdout;
         char const* const none = std::getenv("NO_COLOR");
@@ -147,6 +148,7 @@ private:
                          colours && first ? "\033[0m" : "");
             first = false;
         }
+        return std::fflush(to) == 0 && std::ferror(to) == 0;
     }
 
     Request const& request;
@@ -191,6 +193,9 @@ int runIt(Request& request) {
     } catch (UsageRefused const& refused) {
         std::fprintf(stderr, "tavro run: %s\n", refused.what());
         return usage;
+    } catch (ResultsRefused const& refused) {
+        std::fprintf(stderr, "tavro run: %s\n", refused.what());
+        return resultsLost;
     } catch (tavro::Error const& error) {
         bool const isPlant = error.kind() == tavro::ErrorKind::plant;
         std::fprintf(stderr, isPlant ? "%s" : "tavro run: %s\n", error.what());

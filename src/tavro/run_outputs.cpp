@@ -4,6 +4,7 @@
 #include <filesystem>
 #include <iostream>
 
+#include "console/overwriting.h"
 #include "report/page.h"
 #include "report/table.h"
 
@@ -17,19 +18,12 @@ public:
     StandardOutput() : std::ostream(std::cout.rdbuf()) {}
 };
 
-std::array<std::string const*, 4> filesOf(RunOutputs const& outputs) {
-    return {&outputs.document, &outputs.stream, &outputs.table, &outputs.page};
+std::string graphName(std::size_t number) {
+    return std::string("candidate").append(std::to_string(number));
 }
 
-// Names do not count: a link is the file that it leads to.
-bool isSameFile(std::string const& a, std::string const& b) {
-    std::error_code error;
-    if (std::filesystem::equivalent(a, b, error) && !error)
-        return true;
-    auto const absolute = [&error](std::string const& path) {
-        return std::filesystem::weakly_canonical(path, error);
-    };
-    return absolute(a) == absolute(b);
+std::array<std::string const*, 4> filesOf(RunOutputs const& outputs) {
+    return {&outputs.document, &outputs.stream, &outputs.table, &outputs.page};
 }
 
 void refuseClashes(RunOutputs const& outputs, std::vector<std::string> const& read) {
@@ -39,11 +33,11 @@ void refuseClashes(RunOutputs const& outputs, std::vector<std::string> const& re
             continue;
         for (std::string const& other : seen)
             if (*path == standardOutput ? other == standardOutput
-                                        : other != standardOutput && isSameFile(*path, other))
+                                        : other != standardOutput && leadToOneFile(*path, other))
                 throw UsageRefused("two results are to be written to " +
                                    (*path == standardOutput ? "standard output" : *path));
         for (std::string const& input : read)
-            if (*path != standardOutput && isSameFile(*path, input))
+            if (*path != standardOutput && leadToOneFile(*path, input))
                 throw UsageRefused("can't write file " + *path + ": it is read by this run");
         seen.push_back(*path);
     }
@@ -70,7 +64,7 @@ RunWriter::RunWriter(RunOutputs const& outputs, std::vector<std::string> const& 
     std::error_code error;
     std::filesystem::create_directories(outputs.graphs, error);
     if (error)
-        throw UsageRefused("can't make directory " + outputs.graphs + ": " + error.message());
+        throw ResultsRefused("can't make directory " + outputs.graphs + ": " + error.message());
 }
 
 std::unique_ptr<std::ostream> RunWriter::opened(std::string const& path) {
@@ -78,7 +72,10 @@ std::unique_ptr<std::ostream> RunWriter::opened(std::string const& path) {
         return nullptr;
     if (path == standardOutput)
         return std::make_unique<StandardOutput>();
-    return std::make_unique<OutputStream>(path);
+    auto file = std::make_unique<OutputStream>(path);
+    if (!file->isOpen())
+        throw ResultsRefused("can't write file " + path);
+    return file;
 }
 
 void RunWriter::step(std::size_t number, tavro::Line const& line, tavro::Step const& step,
@@ -97,17 +94,22 @@ void RunWriter::step(std::size_t number, tavro::Line const& line, tavro::Step co
 void RunWriter::graphs(tavro::Run const& run, std::size_t count) {
     if (outputs.graphs.empty())
         return;
-    for (std::size_t i = 0; i < count; ++i) {
-        std::string const name = "candidate" + std::to_string(i + 1);
-        OutputStream file(outputs.graphs + "/" + name + ".dot");
-        file << run.graph(i, name);
+    auto const fileOf = [this](std::string const& name) {
+        return outputs.graphs + "/" + name + ".dot";
+    };
+    std::size_t number = 1;
+    for (; number <= count; ++number) {
+        OutputStream file(fileOf(graphName(number)));
+        file << run.graph(number - 1, graphName(number));
         whole = file.close() && whole;
     }
+    // Those of an earlier run with more candidates would be taken for this one's.
+    std::error_code error;
+    while (std::filesystem::remove(fileOf(graphName(number)), error))
+        ++number;
 }
 
 void RunWriter::document(nlohmann::ordered_json const& document) {
-    if (!documentTo && !pageTo)
-        return;
     std::string const text = textOf(document);
     if (documentTo)
         *documentTo << text << '\n';

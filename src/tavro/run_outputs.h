@@ -29,9 +29,16 @@ public:
     using std::runtime_error::runtime_error;
 };
 
+// A place that cannot be written, known before the first step.
+class ResultsRefused : public std::runtime_error {
+public:
+    using std::runtime_error::runtime_error;
+};
+
 class RunWriter {
 public:
-    // Throws UsageRefused when two share standard output, or one of *read* would be overwritten.
+    // Throws ResultsRefused for a place that cannot be opened, and UsageRefused when two share
+    // standard output, or one of *read* would be overwritten.
     RunWriter(RunOutputs const& outputs, std::vector<std::string> const& read);
 
     // A step as it comes; *numbers* are those of its candidates in the record.

@@ -129,6 +129,20 @@ TEST(Missing, TheFirstOfWhatNothingPredictsIsNeeded) {
     EXPECT_NO_THROW(run.start({.measures = {missing, 2}}));
 }
 
+// ---- What is foretold ----
+
+// At the second step the room is at 4 degrees and heated: 0.05 (20 - 4) + [0, 0.3], whatever is
+// measured then; 0.951942 is what the day has.
+TEST(Foretold, IsWhatTheMeasureIsComparedWith) {
+    tavro::Run run(tavro::Plant::builtin("therm"), {.rules = "sharp"});
+    std::vector<tavro::Step> const steps = follow(run, measuresOf("healthy"), 1);
+    ASSERT_EQ(steps[1].candidates.size(), 1U);
+    tavro::Bounds const bounds = steps[1].candidates[0].foretold.at("room.xd");
+    EXPECT_NEAR(bounds.lower, 0.8, 1e-9);
+    EXPECT_NEAR(bounds.upper, 1.1, 1e-9);
+    EXPECT_EQ(steps[1].candidates[0].foretold.count("room.x"), 0U);
+}
+
 // ---- Histories ----
 
 TEST(History, TellsTheMovesOfACandidate) {

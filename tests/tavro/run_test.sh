@@ -86,6 +86,18 @@ says "nothing that needs a failure"
 run 2 "$circuits/c17.plant"
 tells "--scenario"
 
+# A lost sensor may show anything, so that from then on nothing is noticed; a motor has more dates than are tried.
+ahu=$source/plants/ahu
+run 10 "$ahu/ahu.plant" -m "$ahu/obs/heating_open.obs" -i "$ahu/inp/heating_open.inp" -s "$ahu/inp/day.scn" \
+  --noise 0.1,pressure_sensor.shown=3
+says "A fault, explained: heating ok -> stuck_open"
+says "Do not trust a silence from"
+"$tavro" simulate "$source/plants/motor/motor.plant" --steps 300 --input driver.volt=10 \
+  --fault motor.mode=worn@150 --csv -o motor.csv 2>/dev/null
+run 10 "$source/plants/motor/motor.plant" -m motor.csv
+says "A fault, explained: motor ok -> worn"
+says "Not every date was tried"
+
 # ---- CSV ----
 
 sed 's/ .*//' "$obs/stuck_on.obs" >numbers
@@ -178,10 +190,16 @@ printf 'shut it\n' >words.scn
 run 4 "$room" -m one.csv -s words.scn
 tells "an event begins with its date in seconds"
 run 5 "$room" -m one.csv --json none/out
-tells "none/out"
+tells "can't write file none/out"
+[ -s out ] && fail "a run was made for a file that cannot be written"
+# Devices may be named twice: nothing of them can be overwritten.
+run 10 "$room" -m one.csv --json /dev/null --csv /dev/null
 if [ -c /dev/full ]; then
   run 5 "$room" -m one.csv --csv /dev/full
   tells "/dev/full"
+  got=0
+  "$tavro" run "$room" -m one.csv >/dev/full 2>err || got=$?
+  [ "$got" = 5 ] || fail "an answer that is lost: status $got"
 fi
 
 # ---- What is written ----
@@ -193,6 +211,12 @@ head -1 rows.csv | grep -q '^step,time,place,candidate,' || fail "the heading of
 # A row per step and candidate: as many as candidates in the lines.
 [ "$(tail -n +2 rows.csv | wc -l)" = "$(grep -o '"agrees"' steps.jsonl | wc -l)" ] || fail "rows of the table"
 grep -q 'digraph candidate1' graphs/candidate1.dot || fail "no graph"
+# Graphs of an earlier run with more candidates are taken away, and nothing else.
+cp graphs/candidate1.dot graphs/candidate4.dot
+cp graphs/candidate1.dot graphs/candidate5.dot
+cp graphs/candidate1.dot graphs/kept.dot
+run 10 "$room" -m one.csv --graphs graphs
+[ "$(ls graphs | tr '\n' ' ')" = "candidate1.dot candidate2.dot candidate3.dot kept.dot " ] || { fail "graphs left"; ls graphs; }
 # With - nothing but the result is on standard output.
 "$tavro" run "$room" -m one.csv --json - >stdout 2>stderr
 cmp -s stdout all.json || fail "the document on standard output is another one"
