@@ -33,6 +33,10 @@ double valueAt(ValueTable const& table, std::string const& name, std::size_t row
 
 void readMeasures(tavro::Plant const& plant, ValueTable const& table, std::string const& file,
                   Day& day) {
+    if (std::none_of(plant.measures().begin(), plant.measures().end(),
+                     [&](auto const& name) { return table.columns.count(name) != 0; }))
+        throw DataRefused(file +
+                          ": there is no column for any measure: " + oneOf(plant.measures()));
     for (std::string const& name : plant.measures())
         if (table.columns.count(name) == 0)
             day.notes.push_back(file + ": there is no column " + name +

@@ -208,6 +208,17 @@ int runIt(Request& request) {
     }
 }
 
+// A whole number that is not below *least*, in words that a reader can use.
+CLI::Validator countFrom(int least) {
+    return {[least](std::string const& word) {
+                int value = 0;
+                bool const isOne = CLI::detail::lexical_cast(word, value) && value >= least;
+                return isOne ? std::string()
+                             : word + ": write a whole number, at least " + std::to_string(least);
+            },
+            ""};
+}
+
 void addFiles(CLI::App& command, Request& request) {
     command.add_option("PLANT", request.plant, "The plant")->required();
     command.add_option("--measures,-m", request.measures,
@@ -220,7 +231,7 @@ void addFiles(CLI::App& command, Request& request) {
 
 void addOptions(CLI::App& command, Request& request) {
     command.add_option("--steps", request.steps, "The last step; that of the data unless told")
-        ->check(CLI::NonNegativeNumber);
+        ->check(countFrom(0));
     command
         .add_option("--isolate", request.options.isolation,
                     "1: from the measures that misbehave, 2: with soft conflicts, 3: with those "
@@ -230,14 +241,14 @@ void addOptions(CLI::App& command, Request& request) {
     command
         .add_option("--threshold", request.options.threshold,
                     "So many measures in a row outside of the bounds are a fault")
-        ->check(CLI::PositiveNumber)
+        ->check(countFrom(1))
         ->capture_default_str();
     command
         .add_option("--rules", request.options.rules,
                     "sharp, classic, or names of rules with commas between")
         ->capture_default_str();
     command.add_option("--candidates", request.options.candidates, "Follow at most so many")
-        ->check(CLI::PositiveNumber);
+        ->check(countFrom(1));
     command
         .add_option("--noise", request.noise,
                     "How far measures may be from the truth: NUMBER, or MEASURE=NUMBER")

@@ -162,6 +162,13 @@ tells 'comma:1: "0,938" is no number: decimals stand behind a point'
 printf 'room.x,time\n1,2\n' >other.csv
 run 4 "$room" -m other.csv
 tells "no column has a name that is looked for: room.xd"
+printf 'motor.sped,driver.volt\n1,10\n' >misspelt.csv
+run 4 "$source/plants/motor/motor.plant" -m misspelt.csv
+tells "misspelt.csv: there is no column for any measure"
+for steps in abc -3 1e3; do
+  run 2 "$room" -m one.csv --steps=$steps
+  tells "$steps: write a whole number, at least 0"
+done
 printf 'room.xd,room.xd\n1,2\n' >twice.csv
 run 4 "$room" -m twice.csv
 tells "there are two columns room.xd"
