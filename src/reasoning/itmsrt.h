@@ -22,6 +22,7 @@
 #include <string>
 #include <vector>
 
+#include "reasoning/clause_net.h"
 #include "reasoning/mdlChkrt.h"
 #include "reasoning/pi_table.h"
 #include "trajectory/Trajectoryrt.h"
@@ -165,6 +166,15 @@ public:
     // Retracts an element and what depends on it; all of them are appended to *list*.
     void deleteClause(TrajEl* element, std::vector<TrajEl*>& list, StateSite const& site);
 
+    // ---- Derivation (derivation.cpp, rule `derived`) ----
+
+    // The consistent branches that follow from what was asserted in *base*, of the fewest changes;
+    // false where the classic way is to be taken.
+    bool deriveBranches(ItmsRes const& base, ItmsResults& results, SearchLimits const& limits,
+                        Trajectory* trajectory, int timestep);
+    // Of the plant's clauses; made when it is first asked for.
+    ClauseNet const& clauseNet();
+
     // ---- Probabilities (probabilities.cpp) ----
 
     void initPb(State* state) { initStateProbas(state); }
@@ -201,6 +211,10 @@ public:
     std::unique_ptr<PiTable> piTable;  // null unless readPI has run
 
 private:
+    std::unique_ptr<ClauseNet const> itsClauseNet;
+
+    void settle(TrajEl* element, char const* label, StateSite const& site);
+    void giveUp(Atom const* left, Atom const* taken, ItmsRes& branch, StateSite const& site);
     void numberTransition(Transition* transition, Comp const& comp, int id);
     static bool guardHasCommand(Transition const& transition);
     void weighGuards(Comp const& comp);

@@ -11,7 +11,7 @@ struct Named {
     bool Rules::*flag;
 };
 
-constexpr std::array<Named, 11> all{{{"continuity", &Rules::continuity},
+constexpr std::array<Named, 12> all{{{"continuity", &Rules::continuity},
                                      {"regions", &Rules::regions},
                                      {"narrow", &Rules::narrow},
                                      {"histories", &Rules::histories},
@@ -21,7 +21,8 @@ constexpr std::array<Named, 11> all{{{"continuity", &Rules::continuity},
                                      {"dates", &Rules::dates},
                                      {"cover", &Rules::cover},
                                      {"limit", &Rules::limit},
-                                     {"suspects", &Rules::suspects}}};
+                                     {"suspects", &Rules::suspects},
+                                     {"derived", &Rules::derived}}};
 
 // A word stands for a rule, or for a whole set, which it adds.
 bool addWord(std::string_view word, Rules& rules) {

@@ -21,6 +21,7 @@ struct Rules {
     bool cover = false;       // a value that no condition covers ends its candidate, not the run
     bool limit = false;       // a bounded number of candidates is followed
     bool suspects = false;    // what does not act, or asks for several modes, is accused, too
+    bool derived = false;     // what modes entail is derived from them, not repaired
 
     bool operator==(Rules const&) const = default;
 

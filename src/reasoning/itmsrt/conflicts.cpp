@@ -59,7 +59,8 @@ ItmsResults itms::addPropositions(SignedElements const& props, std::unique_ptr<S
         state = std::move(res->state);
         return results;
     }
-    unitPropagate(std::move(res), results, limits, trajectory, timestep);
+    if (!deriveBranches(*res, results, limits, trajectory, timestep))
+        unitPropagate(std::move(res), results, limits, trajectory, timestep);
     out << "[addClause] --> res' size : " << results.size() << "\n";
     double const seconds = static_cast<double>(std::clock() - start) / ticksPerSecond;
     addItmsBmkEntry(seconds, static_cast<unsigned>(results.size()), &ids);

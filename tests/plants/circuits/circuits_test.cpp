@@ -9,6 +9,7 @@
 #include <algorithm>
 #include <fstream>
 #include <map>
+#include <random>
 #include <set>
 #include <sstream>
 
@@ -168,6 +169,14 @@ void expectAnswers(Circuit const& circuit, Values const& given, Values const& se
     EXPECT_EQ(circuit.answered(given, seen), circuit.expected(given, seen));
 }
 
+Values drawn(Netlist const& netlist, unsigned seed) {
+    std::minstd_rand dice(seed);
+    Values given;
+    for (std::string const& input : netlist.inputs)
+        given[input] = (dice() >> 8) % 2 == 1;
+    return given;
+}
+
 // ---- Tests ----
 
 // All inputs, each with all outputs that a stuck gate can give.
@@ -186,5 +195,22 @@ TEST(CircuitsTest, EveryStuckGateOfC17) {
         }
     }
 }
+
+// 160 gates, whose inputs are drawn. Each outcome is that of some stuck gate.
+class C432Test : public testing::TestWithParam<unsigned> {};
+
+TEST_P(C432Test, EveryStuckGateThatExplains) {
+    Circuit const circuit("c432");
+    Values const given = drawn(circuit.netlist, GetParam());
+    expectAnswers(circuit, given, circuit.netlist.seen(given));
+    std::set<Values> outcomes{circuit.netlist.seen(given)};
+    for (Stuck const& stuck : circuit.netlist.allStuck())
+        if (outcomes.insert(circuit.netlist.seen(given, &stuck)).second) {
+            SCOPED_TRACE(stuck.mode());
+            expectAnswers(circuit, given, circuit.netlist.seen(given, &stuck));
+        }
+    EXPECT_GT(outcomes.size(), 5U);
+}
+INSTANTIATE_TEST_SUITE_P(Inputs, C432Test, testing::Range(1U, 3U));
 
 }  // namespace
