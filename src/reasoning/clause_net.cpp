@@ -45,7 +45,7 @@ void ClauseNet::noteClause(Clause const& clause) {
 
 int ClauseNet::placeOf(Atom const* atom) const {
     auto const found = places.find(atom);
-    return found == places.end() ? -1 : found->second;
+    return found == places.end() ? unmentioned : found->second;
 }
 
 Entailment::Entailment(ClauseNet const& net)
@@ -68,9 +68,11 @@ void Entailment::enter(int literal, int reason) {
 }
 
 void Entailment::take(int place, bool holds) {
+    if (isContradicted() || place == ClauseNet::unmentioned)
+        return;
     int const literal = 2 * place + (holds ? 0 : 1);
     ClauseNet::Truth const value = valueOf(literal);
-    if (isContradicted() || value == ClauseNet::yes)
+    if (value == ClauseNet::yes)
         return;
     if (value == ClauseNet::open) {
         enter(literal, given);

@@ -19,12 +19,17 @@ public:
 
     // Each atom of a clause once, in the order in which the clauses mention them.
     std::vector<Atom const*> const& atoms() const { return all; }
-    // Of an atom in that list; -1 of one that no clause mentions.
+    // Of an atom in that list; unmentioned when no clause mentions it.
     int placeOf(Atom const* atom) const;
+    static constexpr int unmentioned = -1;
     // True of an atom that a clause over several variables asserts.
-    bool isConcluded(int place) const { return concluded[static_cast<std::size_t>(place)] != 0; }
+    bool isConcluded(int place) const {
+        return place != unmentioned && concluded[static_cast<std::size_t>(place)] != 0;
+    }
     // True of an atom that a clause over several variables mentions.
-    bool isShared(int place) const { return shared[static_cast<std::size_t>(place)] != 0; }
+    bool isShared(int place) const {
+        return place != unmentioned && shared[static_cast<std::size_t>(place)] != 0;
+    }
 
 private:
     friend class Entailment;
@@ -46,13 +51,16 @@ class Entailment {
 public:
     explicit Entailment(ClauseNet const& net);
 
-    // A given fact. One that is known already changes nothing; one whose opposite is known is a
-    // contradiction.
+    // A given fact. One that is known already, or that no clause mentions, changes nothing; one
+    // whose opposite is known is a contradiction.
     void take(int place, bool holds);
     // To the end: a clause whose literals all fail but one makes that one hold.
     void propagate();
 
-    ClauseNet::Truth truthOf(int place) const { return truths[static_cast<std::size_t>(place)]; }
+    ClauseNet::Truth truthOf(int place) const {
+        return place == ClauseNet::unmentioned ? ClauseNet::open
+                                               : truths[static_cast<std::size_t>(place)];
+    }
     bool isContradicted() const { return contradiction != nothing; }
     // The places of the given facts on which the contradiction rests, in ascending order.
     std::vector<int> blamed() const;

@@ -21,6 +21,7 @@ TEST(RulesTest, SharpIsEveryRule) {
     Rules every;
     every.continuity = every.regions = every.narrow = every.histories = every.likelihood = true;
     every.unknown = every.again = every.dates = every.cover = every.limit = every.suspects = true;
+    every.derived = true;
     EXPECT_EQ(taken("sharp"), every);
     EXPECT_EQ(Rules::sharp(), every);
 }

@@ -33,8 +33,9 @@
 
 namespace {
 
-// Two faults among 160 gates take some twenty thousand sets, at a fraction of a millisecond each.
-constexpr unsigned mostSets = 40000;
+// Two faults among 160 gates take some twenty thousand sets, at a fraction of a millisecond each. A
+// search follows two hundred answers at most (covering_histories.cpp); each is a copy of the state.
+constexpr unsigned mostSets = 40000, mostAnswers = 200;
 
 // A variable that keeps its value unless it is given up for another one.
 struct Supposition {
@@ -82,6 +83,10 @@ public:
             Changes const& changes = open.front();
             if (holdsAnswer(changes, found))
                 continue;
+            if (found.size() >= mostAnswers) {
+                cut = true;
+                break;
+            }
             Entailment facts = entailedBy(changes);
             if (facts.isContradicted()) {
                 for (Changes& next : furtherChanges(changes, facts)) {
@@ -97,7 +102,7 @@ public:
         }
         return found;
     }
-    // Whether there were more sets than are tried.
+    // Whether more would be found.
     bool wasCut() const { return cut; }
 
     TrajEl const* elementOf(Atom const* atom) const {
@@ -123,7 +128,7 @@ private:
         for (Atom const* atom : variable->getAtomLinks()) {
             int const number = net.placeOf(atom);
             TrajEl const* element = elementOf(atom);
-            if (number < 0 || element == nullptr)
+            if (number == ClauseNet::unmentioned || element == nullptr)
                 return false;
             asserted = asserted || isChanged(element);
             mentioned = mentioned || net.isShared(number);
@@ -285,7 +290,7 @@ bool itms::deriveBranches(ItmsRes const& base, ItmsResults& results, SearchLimit
     if (!answers)
         return false;
     if (derivation.wasCut())
-        err << "search: stopped after " << mostSets << " sets of changes, more may explain this\n";
+        err << "search: stopped after " << answers->size() << " answers, more may explain this\n";
     std::vector<Atom const*> const& atoms = clauseNet().atoms();
     for (auto const& [changes, facts] : *answers) {
         auto branch = std::make_unique<ItmsRes>(base.state.get(), std::queue<Clause*>());

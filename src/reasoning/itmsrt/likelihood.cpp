@@ -19,7 +19,6 @@
 // likelihood is 1 and histories compare by their moves.
 #include <algorithm>
 #include <map>
-#include <set>
 
 #include "model/StateVar.h"
 #include "model/labels.h"
@@ -36,89 +35,50 @@ bool isSeen(TrajEl const* element) {
     return element->lock == LOCK_TRUE_PERM || element->lock == LOCK_FALSE_PERM;
 }
 
-// What the given facts of a state entail.
+// What the given facts of a state entail, and then what was seen.
 class Entailed {
 public:
-    explicit Entailed(StateSite const& site) : site(site) {}
-
-    // To the end: a clause whose literals are all known to fail but one makes that one hold.
-    void propagate(std::vector<std::unique_ptr<Clause>> const& clauses) {
-        for (bool changed = true; changed;) {
-            changed = false;
-            for (auto const& clause : clauses)
-                if (conclude(*clause))
-                    changed = true;
-        }
+    Entailed(ClauseNet const& net, StateSite const& site) : net(net), facts(net) {
+        for (std::size_t place = 0; place < net.atoms().size(); ++place)
+            if (isGiven(net.atoms()[place]))
+                takeLabel(static_cast<int>(place), newestLabel(net.atoms()[place], site));
+        facts.propagate();
     }
     // What was seen of a variable is given from here on.
     void take(StateVar const* variable, State const* state) {
         for (Atom const* atom : variable->getAtomLinks())
             if (TrajEl const* element = state->getElt(atom->getId()); element && isSeen(element))
-                truths[atom] = element->lock == LOCK_TRUE_PERM ? labelTrue : labelFalse;
+                facts.take(net.placeOf(atom), element->lock == LOCK_TRUE_PERM);
     }
-    bool isKnown(Atom const* atom, bool value) {
-        std::string const& label = truthOf(atom);
-        return label == (value ? labelTrue : labelFalse);
+    void propagate() { facts.propagate(); }
+    bool isKnown(Atom const* atom, bool value) const {
+        return facts.truthOf(net.placeOf(atom)) == (value ? ClauseNet::yes : ClauseNet::no);
+    }
+    // Whether a clause over several variables says what the variable is.
+    bool isConcluded(StateVar const* variable) const {
+        std::vector<Atom*> const& atoms = variable->getAtomLinks();
+        return std::any_of(atoms.begin(), atoms.end(),
+                           [this](Atom const* atom) { return net.isConcluded(net.placeOf(atom)); });
     }
 
 private:
-    // Required: in a clause the sign true is negation.
-    bool conclude(Clause const& clause) {
-        Atom const* open = nullptr;
-        bool value = false;
-        for (auto const& [negated, atom] : clause.atoms) {
-            if (isKnown(atom, !negated))
-                return false;
-            if (isKnown(atom, negated))
-                continue;
-            if (open != nullptr)
-                return false;
-            open = atom;
-            value = !negated;
-        }
-        if (open == nullptr)
-            return false;
-        truths[open] = value ? labelTrue : labelFalse;
-        return true;
+    void takeLabel(int place, std::string const& label) {
+        if (label == labelTrue || label == labelFalse)
+            facts.take(place, label == labelTrue);
     }
-
-    std::string const& truthOf(Atom const* atom) {
-        auto const found = truths.find(atom);
-        if (found != truths.end())
-            return found->second;
-        return truths[atom] = isGiven(atom) ? newestLabel(atom) : labelUnknown;
-    }
-    std::string newestLabel(Atom const* atom) const {
+    static std::string newestLabel(Atom const* atom, StateSite const& site) {
         TrajEl const* element = site.state->getElt(atom->getId());
         if (element == nullptr && site.timestep > site.trajectory->firstTime)
             element = site.trajectory->getElt(atom->getId(), site.timestep, -1);
         return element != nullptr ? element->getLabel() : labelUnknown;
     }
 
-    StateSite const& site;
-    std::map<Atom const*, std::string> truths;
+    ClauseNet const& net;
+    Entailment facts;
 };
 
-// The variables of which a clause over several says what they are, by a literal that it asserts.
-// Membership alone is asked for, so that the order by address is never seen.
-std::set<StateVar const*> concludedBy(std::vector<std::unique_ptr<Clause>> const& clauses) {
-    std::set<StateVar const*> concluded;
-    for (auto const& clause : clauses) {
-        StateVar const* first = clause->atoms.begin()->second->getStateVar();
-        bool const isOfOne = std::all_of(
-            clause->atoms.begin(), clause->atoms.end(),
-            [first](auto const& literal) { return literal.second->getStateVar() == first; });
-        if (isOfOne)
-            continue;
-        for (auto const& [negated, atom] : clause->atoms)
-            if (!negated)
-                concluded.insert(atom->getStateVar());
-    }
-    return concluded;
-}
-
 // The chance of what was seen of one variable.
-double likelihoodOf(StateVar const* variable, State const* state, Entailed& entailed) {
+double likelihoodOf(StateVar const* variable, State const* state, Entailed const& entailed) {
     std::size_t open = 0;  // values that the given facts leave possible
     std::size_t seen = 0;  // those of them that agree with what was seen
     for (Atom const* atom : variable->getAtomLinks()) {
@@ -145,18 +105,16 @@ void itms::computeObsLikelihood(StateSite const& site) {
     state->obsProb = 1.0;
     if (variables.empty())
         return;
-    Entailed entailed(site);
-    entailed.propagate(cls);
-    std::set<StateVar const*> const concluded = concludedBy(cls);
+    Entailed entailed(clauseNet(), site);
     for (bool const follows : {false, true}) {
         for (auto const& entry : variables) {
-            if ((concluded.count(entry.second) != 0) != follows)
+            if (entailed.isConcluded(entry.second) != follows)
                 continue;
             state->obsProb *= likelihoodOf(entry.second, state, entailed);
             entailed.take(entry.second, state);
             if (follows)
-                entailed.propagate(cls);
+                entailed.propagate();
         }
-        entailed.propagate(cls);
+        entailed.propagate();
     }
 }
