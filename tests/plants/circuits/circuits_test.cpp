@@ -22,6 +22,7 @@ namespace {
 
 using Values = std::map<std::string, bool>;
 using Names = std::vector<std::string>;
+using Explanations = std::set<std::set<std::string>>;  // each the modes that are not ok
 
 struct Gate {
     std::string name, operation;
@@ -118,14 +119,14 @@ public:
           names(*plant) {}
 
     // The modes of each candidate that are not ok.
-    std::set<std::set<std::string>> answered(Values const& given, Values const& seen) const {
+    Explanations answered(Values const& given, Values const& seen) const {
         StepwiseRun run(*plant, names, {.rules = "sharp"});
         run.start({});
         run.step({});
         tavro::Line line;
         add(line, "in", given);
         add(line, "g", seen);
-        std::set<std::set<std::string>> found;
+        Explanations found;
         for (tavro::Candidate const& candidate : run.step(line).candidates) {
             std::set<std::string> broken;
             for (auto const& [variable, mode] : candidate.modes)
@@ -135,15 +136,13 @@ public:
         }
         return found;
     }
-    // The same by the netlist, of none or one stuck gate.
-    std::set<std::set<std::string>> expected(Values const& given, Values const& seen) const {
-        if (netlist.seen(given) == seen)
-            return {{}};
-        std::set<std::set<std::string>> found;
+    // By the netlist: what can be seen with none or one stuck gate, and what explains it.
+    std::map<Values, Explanations> outcomes(Values const& given) const {
+        std::map<Values, Explanations> all;
         for (Stuck const& stuck : netlist.allStuck())
-            if (netlist.seen(given, &stuck) == seen)
-                found.insert({stuck.mode()});
-        return found;
+            all[netlist.seen(given, &stuck)].insert({stuck.mode()});
+        all[netlist.seen(given)] = {{}};  // what is sound needs no explanation
+        return all;
     }
 
     Netlist const netlist;
@@ -165,8 +164,15 @@ private:
     PlantNames names;
 };
 
-void expectAnswers(Circuit const& circuit, Values const& given, Values const& seen) {
-    EXPECT_EQ(circuit.answered(given, seen), circuit.expected(given, seen));
+// Whatever can be seen of these inputs with a stuck gate, and without one. Answers how much that
+// is.
+std::size_t expectAnswers(Circuit const& circuit, Values const& given) {
+    auto const outcomes = circuit.outcomes(given);
+    for (auto const& [seen, explanations] : outcomes) {
+        SCOPED_TRACE(explanations.begin()->empty() ? "sound" : *explanations.begin()->begin());
+        EXPECT_EQ(circuit.answered(given, seen), explanations);
+    }
+    return outcomes.size();
 }
 
 Values drawn(Netlist const& netlist, unsigned seed) {
@@ -179,38 +185,24 @@ Values drawn(Netlist const& netlist, unsigned seed) {
 
 // ---- Tests ----
 
-// All inputs, each with all outputs that a stuck gate can give.
 TEST(CircuitsTest, EveryStuckGateOfC17) {
     Circuit const circuit("c17");
     for (unsigned bits = 0; bits < 32; ++bits) {
+        SCOPED_TRACE("inputs " + std::to_string(bits));
         Values given;
         for (std::size_t i = 0; i < circuit.netlist.inputs.size(); ++i)
             given[circuit.netlist.inputs[i]] = (bits >> i) % 2 == 1;
-        std::set<Values> outcomes;
-        for (Stuck const& stuck : circuit.netlist.allStuck())
-            outcomes.insert(circuit.netlist.seen(given, &stuck));
-        for (Values const& seen : outcomes) {
-            SCOPED_TRACE("inputs " + std::to_string(bits));
-            expectAnswers(circuit, given, seen);
-        }
+        EXPECT_GE(expectAnswers(circuit, given), 2U);
     }
 }
 
-// 160 gates, whose inputs are drawn. Each outcome is that of some stuck gate.
-class C432Test : public testing::TestWithParam<unsigned> {};
-
-TEST_P(C432Test, EveryStuckGateThatExplains) {
+// 160 gates, whose 36 inputs are drawn.
+TEST(CircuitsTest, EveryStuckGateOfC432) {
     Circuit const circuit("c432");
-    Values const given = drawn(circuit.netlist, GetParam());
-    expectAnswers(circuit, given, circuit.netlist.seen(given));
-    std::set<Values> outcomes{circuit.netlist.seen(given)};
-    for (Stuck const& stuck : circuit.netlist.allStuck())
-        if (outcomes.insert(circuit.netlist.seen(given, &stuck)).second) {
-            SCOPED_TRACE(stuck.mode());
-            expectAnswers(circuit, given, circuit.netlist.seen(given, &stuck));
-        }
-    EXPECT_GT(outcomes.size(), 5U);
+    for (unsigned const seed : {1U, 2U}) {
+        SCOPED_TRACE("seed " + std::to_string(seed));
+        EXPECT_GE(expectAnswers(circuit, drawn(circuit.netlist, seed)), 10U);
+    }
 }
-INSTANTIATE_TEST_SUITE_P(Inputs, C432Test, testing::Range(1U, 3U));
 
 }  // namespace
