@@ -139,7 +139,11 @@ private:
             return "before the steps that are kept";
         if (from == to)
             return std::string(plant.discrete() ? "at step " : "at ").append(from).append(unit);
-        return std::string("between ").append(from).append(" and ").append(to).append(unit);
+        return std::string(plant.discrete() ? "between steps " : "between ")
+            .append(from)
+            .append(" and ")
+            .append(to)
+            .append(unit);
     }
 
     void tellVerdict() {

@@ -339,11 +339,22 @@ tavro::Step StepwiseRun::discreteStep(tavro::Line const& line) {
         throw RunStopped(RunStopped::noDiagnosis, "no history explains the observations");
     if (commanding)
         timesOfHistory[scheduler.tracked_traj.begin()->second->getCurrentTime()] = told.time;
+    if (told.diagnosed && run.rules.dates)
+        for (auto const& answer : scheduler.tracked_traj)
+            dateFailures(*answer.second);
     if (told.diagnosed)
         told.explanations = explanationsOf(candidatesOf(run), timeOfStep());
     describeCandidates(told);
     now = told.time;
     return told;
+}
+
+// A failure may have come at any step at which a history of the answer has it: nothing that is seen
+// later tells them apart, since they end in the same modes.
+void StepwiseRun::dateFailures(Trajectory& answer) const {
+    for (auto const& [failure, steps] : answer.failureSteps)
+        answer.dated[failure] = {timeOfStep()(answer, *steps.begin()),
+                                 timeOfStep()(answer, *steps.rbegin())};
 }
 
 TimeOfStep StepwiseRun::timeOfStep() const {

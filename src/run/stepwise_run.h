@@ -57,6 +57,7 @@ private:
     void diagnose(tavro::Step& told);
     void describeCandidates(tavro::Step& told) const;
     void describeRemarks(tavro::Step& told);
+    void dateFailures(Trajectory& answer) const;
     TimeOfStep timeOfStep() const;
     Trajectory const& historyOf(std::size_t candidate) const;
 

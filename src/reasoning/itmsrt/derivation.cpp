@@ -283,7 +283,8 @@ void itms::giveUp(Atom const* left, Atom const* taken, ItmsRes& branch, StateSit
 
 bool itms::deriveBranches(ItmsRes const& base, ItmsResults& results, SearchLimits const& limits,
                           Trajectory* trajectory, int timestep) {
-    if (!rules.derived || piTable != nullptr || base.already_changed.empty())
+    bool const isDiscrete = plant.tavro_rt == nullptr;
+    if (!rules.derived || !isDiscrete || piTable != nullptr || base.already_changed.empty())
         return false;
     Derivation derivation(clauseNet(), base, limits, {trajectory, timestep, keepLocks}, plant);
     auto const answers = derivation.answers(host);
