@@ -337,8 +337,11 @@ tavro::Step StepwiseRun::discreteStep(tavro::Line const& line) {
     told.time = scheduler.time;
     if (scheduler.tracked_traj.empty())
         throw RunStopped(RunStopped::noDiagnosis, "no history explains the observations");
-    if (commanding)
-        timesOfHistory[scheduler.tracked_traj.begin()->second->getCurrentTime()] = told.time;
+    if (commanding) {
+        int const reached = scheduler.tracked_traj.begin()->second->getCurrentTime();
+        timesOfHistory[reached] = told.time;
+        firstTimesOfHistory.try_emplace(reached, told.time);
+    }
     if (told.diagnosed && run.rules.dates)
         for (auto const& answer : scheduler.tracked_traj)
             dateFailures(*answer.second);
@@ -352,9 +355,13 @@ tavro::Step StepwiseRun::discreteStep(tavro::Line const& line) {
 // A failure may have come at any step at which a history of the answer has it: nothing that is seen
 // later tells them apart, since they end in the same modes.
 void StepwiseRun::dateFailures(Trajectory& answer) const {
-    for (auto const& [failure, steps] : answer.failureSteps)
-        answer.dated[failure] = {timeOfStep()(answer, *steps.begin()),
-                                 timeOfStep()(answer, *steps.rbegin())};
+    for (auto const& [failure, steps] : answer.failureSteps) {
+        auto const begun = firstTimesOfHistory.find(*steps.begin());
+        double const first = begun != firstTimesOfHistory.end()
+                                 ? begun->second
+                                 : timeOfStep()(answer, *steps.begin());
+        answer.dated[failure] = {first, timeOfStep()(answer, *steps.rbegin())};
+    }
 }
 
 TimeOfStep StepwiseRun::timeOfStep() const {

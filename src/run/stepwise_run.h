@@ -66,9 +66,11 @@ private:
     LibraryHost host;
     RunState run;
     RunOptions asked;
-    double countdown = 0.0;                // to the reset of a simulation
-    std::map<int, double> timesOfHistory;  // of a discrete run: the line that made a history's step
-    std::vector<double> lastMeasures;      // of each measure the last one that was not missing
+    double countdown = 0.0;  // to the reset of a simulation
+    // Of a discrete run, by a history's step: the last line that was about it, as a line by which
+    // nothing moves makes no step, and the line that made it.
+    std::map<int, double> timesOfHistory, firstTimesOfHistory;
+    std::vector<double> lastMeasures;  // of each measure the last one that was not missing
     double now = 0.0;
     bool hasStarted = false;
     std::optional<tavro::Error> stopped;
