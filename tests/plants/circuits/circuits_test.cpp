@@ -2,8 +2,8 @@
 // gates that explain the outputs by a simulation of the netlist alone.
 //
 // The inputs and the outputs are seen, the wires between are not. Where the outputs are those of a
-// sound circuit nothing is to be explained; where one stuck gate explains them, every gate that
-// does is to come out, and nothing else.
+// sound circuit nothing is to be explained; otherwise every set of the fewest stuck gates that
+// explains them is to come out, and nothing else.
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -27,13 +27,6 @@ using Explanations = std::set<std::set<std::string>>;  // each the modes that ar
 struct Gate {
     std::string name, operation;
     Names feeds;
-};
-
-struct Stuck {
-    std::string gate;
-    bool at = false;
-
-    std::string mode() const { return "g" + gate + ".mode=" + (at ? "stuck_high" : "stuck_low"); }
 };
 
 Names rest(std::istream& words) {
@@ -61,25 +54,48 @@ public:
         }
     }
 
-    // Of all wires; gates stand behind what feeds them.
-    Values simulate(Values values, Stuck const* stuck = nullptr) const {
-        for (Gate const& gate : gates)
-            values[gate.name] =
-                stuck != nullptr && stuck->gate == gate.name ? stuck->at : valueOf(gate, values);
+    // Of all wires, with the values of those that are stuck; gates stand behind what feeds them.
+    Values simulate(Values values, Values const& stuck) const {
+        for (Gate const& gate : gates) {
+            auto const held = stuck.find(gate.name);
+            values[gate.name] = held != stuck.end() ? held->second : valueOf(gate, values);
+        }
         return values;
     }
-    Values seen(Values const& given, Stuck const* stuck = nullptr) const {
+    Values seen(Values const& given, Values const& stuck = {}) const {
         Values const all = simulate(given, stuck);
         Values found;
         for (std::string const& output : outputs)
             found[output] = all.at(output);
         return found;
     }
-    std::vector<Stuck> allStuck() const {
-        std::vector<Stuck> all;
+    // By each gate that may be stuck, one at a time: what can be seen, and what explains it.
+    std::map<Values, Explanations> singleDiagnoses(Values const& given) const {
+        std::map<Values, Explanations> all;
         for (Gate const& gate : gates)
             for (bool const at : {false, true})
-                all.push_back({gate.name, at});
+                all[seen(given, {{gate.name, at}})].insert(modesOf({{gate.name, at}}));
+        all[seen(given)] = {{}};  // what is sound needs no explanation
+        return all;
+    }
+    // By all ways in which each gate may be sound or stuck: whatever can be seen, and every set of
+    // the fewest stuck gates that explains it.
+    std::map<Values, Explanations> leastDiagnoses(Values const& given) const {
+        std::map<Values, Explanations> all;
+        std::vector<Values> ways{{}};
+        for (Gate const& gate : gates)
+            for (std::size_t known = ways.size(), i = 0; i < known; ++i)
+                for (bool const at : {false, true}) {
+                    ways.push_back(ways[i]);
+                    ways.back()[gate.name] = at;
+                }
+        for (Values const& stuck : ways) {
+            Explanations& found = all[seen(given, stuck)];
+            if (!found.empty() && found.begin()->size() > stuck.size())
+                found.clear();
+            if (found.empty() || found.begin()->size() == stuck.size())
+                found.insert(modesOf(stuck));
+        }
         return all;
     }
 
@@ -87,6 +103,12 @@ public:
     std::vector<Gate> gates;
 
 private:
+    static std::set<std::string> modesOf(Values const& stuck) {
+        std::set<std::string> modes;
+        for (auto const& [gate, at] : stuck)
+            modes.insert("g" + gate + ".mode=" + (at ? "stuck_high" : "stuck_low"));
+        return modes;
+    }
     static bool valueOf(Gate const& gate, Values const& values) {
         long const high = std::count_if(gate.feeds.begin(), gate.feeds.end(),
                                         [&](std::string const& feed) { return values.at(feed); });
@@ -136,15 +158,6 @@ public:
         }
         return found;
     }
-    // By the netlist: what can be seen with none or one stuck gate, and what explains it.
-    std::map<Values, Explanations> outcomes(Values const& given) const {
-        std::map<Values, Explanations> all;
-        for (Stuck const& stuck : netlist.allStuck())
-            all[netlist.seen(given, &stuck)].insert({stuck.mode()});
-        all[netlist.seen(given)] = {{}};  // what is sound needs no explanation
-        return all;
-    }
-
     Netlist const netlist;
 
 private:
@@ -164,15 +177,22 @@ private:
     PlantNames names;
 };
 
-// Whatever can be seen of these inputs with a stuck gate, and without one. Answers how much that
-// is.
-std::size_t expectAnswers(Circuit const& circuit, Values const& given) {
-    auto const outcomes = circuit.outcomes(given);
-    for (auto const& [seen, explanations] : outcomes) {
-        SCOPED_TRACE(explanations.begin()->empty() ? "sound" : *explanations.begin()->begin());
+void expectAnswers(Circuit const& circuit, Values const& given,
+                   std::map<Values, Explanations> const& diagnoses) {
+    for (auto const& [seen, explanations] : diagnoses) {
+        std::string one;
+        for (std::string const& mode : *explanations.begin())
+            one += mode + " ";
+        SCOPED_TRACE(one.empty() ? "sound" : one);
         EXPECT_EQ(circuit.answered(given, seen), explanations);
     }
-    return outcomes.size();
+}
+
+Values valuesOf(unsigned bits, Names const& inputs) {
+    Values given;
+    for (std::size_t i = 0; i < inputs.size(); ++i)
+        given[inputs[i]] = (bits >> i) % 2 == 1;
+    return given;
 }
 
 Values drawn(Netlist const& netlist, unsigned seed) {
@@ -185,15 +205,22 @@ Values drawn(Netlist const& netlist, unsigned seed) {
 
 // ---- Tests ----
 
-TEST(CircuitsTest, EveryStuckGateOfC17) {
+// All inputs, and all that can be seen of them, whatever it takes.
+TEST(CircuitsTest, EveryLeastDiagnosisOfC17) {
     Circuit const circuit("c17");
+    std::map<std::size_t, int> readings;  // by how many stuck gates they take
     for (unsigned bits = 0; bits < 32; ++bits) {
         SCOPED_TRACE("inputs " + std::to_string(bits));
-        Values given;
-        for (std::size_t i = 0; i < circuit.netlist.inputs.size(); ++i)
-            given[circuit.netlist.inputs[i]] = (bits >> i) % 2 == 1;
-        EXPECT_GE(expectAnswers(circuit, given), 2U);
+        Values const given = valuesOf(bits, circuit.netlist.inputs);
+        auto const diagnoses = circuit.netlist.leastDiagnoses(given);
+        EXPECT_EQ(diagnoses.size(), 4U);
+        expectAnswers(circuit, given, diagnoses);
+        for (auto const& entry : diagnoses)
+            ++readings[entry.second.begin()->size()];
     }
+    EXPECT_EQ(readings.at(0), 32);
+    EXPECT_GE(readings.at(1), 1);
+    EXPECT_GE(readings.at(2), 1);
 }
 
 // 160 gates, whose 36 inputs are drawn.
@@ -201,7 +228,10 @@ TEST(CircuitsTest, EveryStuckGateOfC432) {
     Circuit const circuit("c432");
     for (unsigned const seed : {1U, 2U}) {
         SCOPED_TRACE("seed " + std::to_string(seed));
-        EXPECT_GE(expectAnswers(circuit, drawn(circuit.netlist, seed)), 10U);
+        Values const given = drawn(circuit.netlist, seed);
+        auto const diagnoses = circuit.netlist.singleDiagnoses(given);
+        EXPECT_GE(diagnoses.size(), 10U);
+        expectAnswers(circuit, given, diagnoses);
     }
 }
 
