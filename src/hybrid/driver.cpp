@@ -125,6 +125,7 @@ int tavro_doCycle(RunState& run, RunOptions const& options, double countdown, do
     stepContinuousSide(run, options, countdown);
     splitTrajs(run, options);
     tavroDiscreteCycle(run, options, time, nominal);
+    liftWeights(run);
     run.hybNT = run.tracked_trajs.empty() ? nullptr : run.tracked_trajs.begin()->second.get();
     assert(run.brokenInvariant() == nullptr);
     return 1;

@@ -83,6 +83,11 @@ void stepAndCheck(RunState& run, RunOptions const& options, double time);
 // Keeps at most as many candidates as the run's settings allow.
 void limitCandidates(RunState& run, double time, bool nominal);
 
+// ---- Weights (weights.cpp) ----
+
+// Keeps the weights of the histories away from 0, each beside the others as it is.
+void liftWeights(RunState& run);
+
 // ---- Merging and misbehaviour (merging.cpp) ----
 
 bool isMisb(s_runtime const* rt);
