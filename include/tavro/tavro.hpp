@@ -242,7 +242,8 @@ struct Explanation {
     int step = 0;               // of the candidate's discrete history
     double time = 0.0;          // of that step; -1: before the steps that are kept
     // The range of times at which it may have been taken: by the rule "dates", those that agree
-    // with what was measured; otherwise both are the time.
+    // with what was measured, or in a discrete plant all at which some history of the same end has
+    // it; otherwise both are the time.
     double earliest = 0.0, latest = 0.0;
     double rank = 0.0;     // of the candidate
     bool failure = false;  // false: an ordinary transition that was assumed beside a failure
