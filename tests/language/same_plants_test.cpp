@@ -1,5 +1,4 @@
 // Plants as text beside the same plants as they are built by hand.
-#include "generated/line/line.h"
 #include "language/text_fixture.h"
 
 extern CompiledModel const therm_model, lamp_model, tap_model, gauge_model, works_model, rig_model,
@@ -16,18 +15,6 @@ TEST(SamePlantsTest, TheRoomRecordByRecord) {
     BuiltPlant const compiled(therm_model.startinit);
     EXPECT_EQ(recordsOf(builtFrom("plants/room/room.plant")->get()), recordsOf(compiled.get()));
 }
-
-// The clauses, their order and who has them included.
-class LineTest : public testing::TestWithParam<int> {};
-
-TEST_P(LineTest, RecordByRecord) {
-    int const valves = GetParam();
-    BuiltPlant const compiled([valves](Scheduler* scheduler) { buildLine(scheduler, valves); });
-    auto const text = builtFrom("plants/line/line.plant", {"valves=" + std::to_string(valves)});
-    EXPECT_EQ(recordsOf(text->get()), recordsOf(compiled.get()));
-}
-
-INSTANTIATE_TEST_SUITE_P(Valves, LineTest, testing::Values(1, 2, 3, 8, 32));
 
 // The others number by hand, and not as the builder does: what they say is compared.
 class MeaningTest : public testing::TestWithParam<std::pair<char const*, CompiledModel const*>> {};
