@@ -2,9 +2,11 @@
 #include "language/text_fixture.h"
 
 extern CompiledModel const therm_model, lamp_model, tap_model, gauge_model, works_model, rig_model,
-    vat_model;
+    vat_model, pumps_model;
 
 #include <gtest/gtest.h>
+
+#include <regex>
 
 using namespace language_fixture;
 
@@ -51,6 +53,24 @@ TEST(SamePlantsTest, TheVat) {
         return lines;
     };
     EXPECT_EQ(comparable(text->get()), comparable(compiled.get()));
+}
+
+// In a text numbers alone act through a parameter of each component, where these pumps have one for
+// all; and a region of a text leaves no gap, where they have one from 100 on.
+TEST(SamePlantsTest, ThePumps) {
+    BuiltPlant const compiled(pumps_model.startinit);
+    auto const text = builtFrom("tests/language/plants/pumps.plant");
+    Texts lines = meaningOf(text->get());
+    std::string const beyond = "region tank.range=high wide.level";
+    EXPECT_EQ(std::erase_if(lines, [&](auto const& line) { return line.starts_with(beyond); }), 1u);
+    for (std::string& line : lines)
+        line = std::regex_replace(line, std::regex("\\b[a-z]+\\.un\\b"), "one");
+    std::sort(lines.begin(), lines.end());
+    auto const repeated = std::unique(lines.begin(), lines.end(), [](auto const& a, auto const& b) {
+        return a == b && a.starts_with("variable one ");
+    });
+    lines.erase(repeated, lines.end());
+    EXPECT_EQ(lines, meaningOf(compiled.get()));
 }
 
 // What nothing can tell apart by its bytes, and a run could: names that live in the text.
