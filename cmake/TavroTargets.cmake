@@ -2,6 +2,7 @@
 #
 #   tavro_library(DEPENDS ...)    the library of the current folder of src/
 #   tavro_model()                 the library of a compiled model, a folder of src/generated/
+#   tavro_text_model(path)        the same of a model that is a text of that path, whose name it has
 #   tavro_executive(name model)   a console executable around one compiled model
 #   tavro_tests(MODEL model LINK ...)
 #                                 the test executable of the current folder of tests/; its tests of a
@@ -47,6 +48,16 @@ function(tavro_model)
   add_library(tavro_${model} STATIC ${sources})
   tavro_expose_includes(tavro_${model} generated/${model})
   target_link_libraries(tavro_${model} PUBLIC tavro_run)
+endfunction()
+
+# The text is compiled in, and again when it changes: whoever links the model needs no file.
+function(tavro_text_model path)
+  get_filename_component(model ${path} NAME_WE)
+  file(READ ${path} text)
+  set_property(DIRECTORY APPEND PROPERTY CMAKE_CONFIGURE_DEPENDS ${path})
+  configure_file(${CMAKE_SOURCE_DIR}/cmake/text_model.cpp.in ${CMAKE_CURRENT_BINARY_DIR}/${model}.cpp @ONLY)
+  add_library(tavro_${model} STATIC ${CMAKE_CURRENT_BINARY_DIR}/${model}.cpp)
+  target_link_libraries(tavro_${model} PUBLIC tavro_language)
 endfunction()
 
 function(tavro_executive name model)

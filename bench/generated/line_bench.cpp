@@ -9,8 +9,8 @@
 #include <memory>
 #include <string>
 
+#include "fixtures/line.h"
 #include "fixtures/the_run.h"
-#include "generated/line/line.h"
 #include "hybrid/tavro-runt.h"
 #include "reasoning/Scheduler.h"
 #include "silence.h"

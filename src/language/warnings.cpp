@@ -207,6 +207,41 @@ void warnOfHiddenFaults(FlatPlant const& flat, Messages& messages) {
                 "measure something that depends on " + flat.fullName(flat.choice(move.to.choice)));
 }
 
+// ---- Measures that nothing predicts ----
+
+std::vector<bool> predictedQuantities(FlatPlant const& flat) {
+    std::vector<bool> predicted(flat.quantities.size(), false);
+    auto const mark = [&predicted](QuantityRef quantity) {
+        if (quantity != nowhere)
+            predicted[static_cast<std::size_t>(quantity)] = true;
+    };
+    for (FlatInfluence const& influence : flat.influences)
+        mark(influence.effect);
+    // It narrows its left side alone.
+    for (FlatConstraint const& constraint : flat.constraints)
+        mark(constraint.target);
+    for (FlatMove const& move : flat.moves)
+        for (FlatSetting const& setting : move.settings)
+            mark(setting.target);
+    for (QuantityRef const input : flat.inputs)
+        mark(input);
+    return predicted;
+}
+
+void warnOfUnpredicted(FlatPlant const& flat, Messages& messages) {
+    std::vector<bool> const predicted = predictedQuantities(flat);
+    for (QuantityRef const measure : flat.measures) {
+        std::string const& name = flat.quantity(measure).name;
+        if (!predicted[static_cast<std::size_t>(measure)])
+            messages.warning(
+                flat.quantity(measure).range,
+                "nothing predicts " + name +
+                    ", so that its measures are compared with its first value for good",
+                "write input " + name + ", in place of measure " + name +
+                    ", or an equation for it");
+    }
+}
+
 // ---- Variables that nothing reads ----
 
 void markRead(FlatCondition const& condition, std::vector<bool>& read) {
@@ -267,5 +302,6 @@ void warn(FlatPlant const& flat, Messages& messages) {
     warnOfModes(flat, messages);
     warnOfProbabilities(flat, messages);
     warnOfHiddenFaults(flat, messages);
+    warnOfUnpredicted(flat, messages);
     warnOfUnread(flat, messages);
 }

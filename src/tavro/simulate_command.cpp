@@ -44,6 +44,13 @@ std::map<std::string, truth::Uncertainty> const uncertainties = {
 
 // ---- Values that are asked for by name ----
 
+// Of what is asked for as *word* and is not among *known*.
+Refused unknown(std::string const& what, std::string const& word,
+                std::vector<std::string> const& known) {
+    std::string const all = known.empty() ? "the plant has none" : "write " + oneOf(known);
+    return {usageIsWrong, "there is no " + what + " " + word + ": " + suggestion(word, known, all)};
+}
+
 std::vector<std::string> idsOf(Plant const& plant, char const* type) {
     std::vector<std::string> ids;
     for (StateVar const* variable : plant.stateVars)
@@ -59,11 +66,7 @@ Atom* atomOf(Plant const& plant, std::string const& id, char const* type, char c
             for (Atom* atom : variable->getAtomLinks())
                 if (atom->id == id)
                     return atom;
-    std::vector<std::string> const known = idsOf(plant, type);
-    throw Refused{
-        usageIsWrong,
-        "there is no " + std::string(what) + " " + id + ": " +
-            suggestion(id, known, known.empty() ? "the plant has none" : "write " + oneOf(known))};
+    throw unknown(what, id, idsOf(plant, type));
 }
 
 int wholeNumber(std::string const& text, std::string const& word) {
@@ -140,8 +143,7 @@ private:
             if (!std::isfinite(value) || end == nullptr || *end != '\0')
                 throw Refused{usageIsWrong, word + ": write NAME=VALUE, with a number"};
             if (std::find(names.begin(), names.end(), name) == names.end())
-                throw Refused{usageIsWrong, "there is no input " + name + ": " +
-                                                suggestion(name, names, "write " + oneOf(names))};
+                throw unknown("input", name, names);
             constants[name] = value;
         }
     }

@@ -1,11 +1,12 @@
 // Plants as text beside the same plants as they are built by hand.
-#include "generated/line/line.h"
 #include "language/text_fixture.h"
 
 extern CompiledModel const therm_model, lamp_model, tap_model, gauge_model, works_model, rig_model,
-    vat_model;
+    vat_model, pumps_model;
 
 #include <gtest/gtest.h>
+
+#include <regex>
 
 using namespace language_fixture;
 
@@ -16,18 +17,6 @@ TEST(SamePlantsTest, TheRoomRecordByRecord) {
     BuiltPlant const compiled(therm_model.startinit);
     EXPECT_EQ(recordsOf(builtFrom("plants/room/room.plant")->get()), recordsOf(compiled.get()));
 }
-
-// The clauses, their order and who has them included.
-class LineTest : public testing::TestWithParam<int> {};
-
-TEST_P(LineTest, RecordByRecord) {
-    int const valves = GetParam();
-    BuiltPlant const compiled([valves](Scheduler* scheduler) { buildLine(scheduler, valves); });
-    auto const text = builtFrom("plants/line/line.plant", {"valves=" + std::to_string(valves)});
-    EXPECT_EQ(recordsOf(text->get()), recordsOf(compiled.get()));
-}
-
-INSTANTIATE_TEST_SUITE_P(Valves, LineTest, testing::Values(1, 2, 3, 8, 32));
 
 // The others number by hand, and not as the builder does: what they say is compared.
 class MeaningTest : public testing::TestWithParam<std::pair<char const*, CompiledModel const*>> {};
@@ -64,6 +53,24 @@ TEST(SamePlantsTest, TheVat) {
         return lines;
     };
     EXPECT_EQ(comparable(text->get()), comparable(compiled.get()));
+}
+
+// In a text numbers alone act through a parameter of each component, where these pumps have one for
+// all; and a region of a text leaves no gap, where they have one from 100 on.
+TEST(SamePlantsTest, ThePumps) {
+    BuiltPlant const compiled(pumps_model.startinit);
+    auto const text = builtFrom("tests/language/plants/pumps.plant");
+    Texts lines = meaningOf(text->get());
+    std::string const beyond = "region tank.range=high wide.level";
+    EXPECT_EQ(std::erase_if(lines, [&](auto const& line) { return line.starts_with(beyond); }), 1u);
+    for (std::string& line : lines)
+        line = std::regex_replace(line, std::regex("\\b[a-z]+\\.un\\b"), "one");
+    std::sort(lines.begin(), lines.end());
+    auto const repeated = std::unique(lines.begin(), lines.end(), [](auto const& a, auto const& b) {
+        return a == b && a.starts_with("variable one ");
+    });
+    lines.erase(repeated, lines.end());
+    EXPECT_EQ(lines, meaningOf(compiled.get()));
 }
 
 // What nothing can tell apart by its bytes, and a run could: names that live in the text.

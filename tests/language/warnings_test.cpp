@@ -83,6 +83,36 @@ TEST(WarningsTest, AVariableThatNothingReads) {
         "    display it, use it, or take it out\n");
 }
 
+std::string gauge(std::string const& statements) {
+    return "plant p\nsample 1 s\ntype t {\n  variable x, y = 2\n  command c: none, go\n  mode on, "
+           "off\n" +
+           statements + "  measure x, y\n}\na: t()\n";
+}
+
+// Whatever follows from it, it is foretold to stay as it began.
+TEST(WarningsTest, AMeasureThatNothingPredicts) {
+    std::string const warned =
+        "p.plant:4:15: warning: nothing predicts y, so that its measures are compared with its "
+        "first value for good\n"
+        "  4 |   variable x, y = 2\n"
+        "    |               ^\n"
+        "    write input y, in place of measure y, or an equation for it\n";
+    std::string const moves = "  move from on to off when c = go with 1\n";
+    EXPECT_EQ(told(gauge(moves + "  x = 3 * y\n")), warned);
+    EXPECT_EQ(told(gauge(moves + "  x = 3\n  constraint x = y\n")), warned)
+        << "a constraint narrows its left side alone";
+}
+
+// By an equation, if only at times, by a constraint, or by what a move sets. What comes from the
+// input file needs no prediction.
+TEST(WarningsTest, AMeasureThatSomethingPredicts) {
+    std::string const move = "  x = 3 * y\n  move from on to off when c = go with 1";
+    EXPECT_EQ(told(gauge(move + "\n  y = 2 * x @ 1 when mode = on\n")), "");
+    EXPECT_EQ(told(gauge(move + "\n  constraint y = x\n")), "");
+    EXPECT_EQ(told(gauge(move + " setting y = 3\n")), "");
+    EXPECT_EQ(told(gauge(move + "\n  input y\n")), "");
+}
+
 // What the check of plants finds is told at the place that it is about. In a loop the order of the
 // text is kept, so it is x that would have to wait for y.
 TEST(WarningsTest, FindingsOfTheCheckStandInTheText) {

@@ -3,7 +3,7 @@
 
 #include <algorithm>
 
-#include "generated/line/line.h"
+#include "fixtures/line.h"
 #include "plant/plant_fixture.h"
 #include "run/build_plant.h"
 

@@ -12,8 +12,8 @@
 #include <algorithm>
 #include <cmath>
 
+#include "fixtures/line.h"
 #include "fixtures/the_run.h"
-#include "generated/line/line.h"
 #include "model/StateVar.h"
 #include "search/line_fixture.h"
 #include "search/search_fixture.h"

@@ -10,8 +10,8 @@
 #include <string>
 #include <vector>
 
+#include "fixtures/line.h"
 #include "fixtures/the_run.h"
-#include "generated/line/line.h"
 #include "search/search_fixture.h"
 
 namespace {

@@ -3,7 +3,6 @@
 
 #include <gtest/gtest.h>
 
-#include "generated/line/line.h"
 #include "model/Comprt.h"
 #include "truth_fixture.h"
 
