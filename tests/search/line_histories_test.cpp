@@ -1,5 +1,5 @@
-// The rules `histories` and `likelihood` on the feed line, beside every history of up to two
-// failures, enumerated.
+// The rules `histories` and `likelihood` on the feed line, also with `derived`, beside every
+// history of up to two failures, enumerated.
 //
 //   completeness  What a search answers are the ends of all histories of least failure, with all
 //                 their failures, at all steps at which these can have been.
@@ -130,9 +130,12 @@ struct Tally {
     unsigned widest = 0;  // transitions tried in one search
 };
 
+// However a state is settled (rule `derived`), the answers are the same.
+char const* const exactRules[] = {"histories,likelihood", "histories,likelihood,derived"};
+
 // Up to the search, and what it answers.
-void follow(Day const& day, Tally& tally) {
-    LineRun run(withRules("histories,likelihood"));
+void follow(Day const& day, Tally& tally, char const* rules) {
+    LineRun run(withRules(rules));
     run.checking = true;
     bool searched = false;
     for (Line const& line : day.lines)
@@ -200,10 +203,15 @@ protected:
 };
 
 TEST_P(FeedLineHistories, AreAllThereInTheirOrder) {
-    for (int const faults : {1, 2})
-        forDays(randomDay, GetParam(), faults, [this](Day const& day) { follow(day, tally); });
-    EXPECT_GT(tally.searches, 30);
-    EXPECT_GT(tally.later, 60);
+    for (char const* rules : exactRules) {
+        SCOPED_TRACE(rules);
+        tally = {};
+        for (int const faults : {1, 2})
+            forDays(randomDay, GetParam(), faults,
+                    [&](Day const& day) { follow(day, tally, rules); });
+        EXPECT_GT(tally.searches, 30);
+        EXPECT_GT(tally.later, 60);
+    }
 }
 
 // Each failure is found once, at its latest step or not at all.
@@ -219,11 +227,14 @@ TEST_P(FeedLineHistories, ClassicFindsAPart) {
 INSTANTIATE_TEST_SUITE_P(Commands, FeedLineHistories, testing::Values(3, 4, 6, 8));
 
 TEST(FeedLinePairs, AreAllThereInTheirOrder) {
-    Tally tally;
-    forDays(drawPair, 0, 0, [&tally](Day const& day) { follow(day, tally); });
-    EXPECT_EQ(tally.pairs, static_cast<int>(daysOfAKind));
-    EXPECT_GT(tally.later, static_cast<int>(daysOfAKind));
-    EXPECT_LT(tally.widest, 1000U) << "far from the bound of a search";
+    for (char const* rules : exactRules) {
+        SCOPED_TRACE(rules);
+        Tally tally;
+        forDays(drawPair, 0, 0, [&](Day const& day) { follow(day, tally, rules); });
+        EXPECT_EQ(tally.pairs, static_cast<int>(daysOfAKind));
+        EXPECT_GT(tally.later, static_cast<int>(daysOfAKind));
+        EXPECT_LT(tally.widest, 1000U) << "far from the bound of a search";
+    }
 }
 
 // The round for one failure has used up both.
