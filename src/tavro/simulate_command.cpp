@@ -16,6 +16,7 @@
 #include "run/build_plant.h"
 #include "tavro/commands.h"
 #include "tavro/truth_file.h"
+#include "tavro/validators.h"
 
 namespace {
 
@@ -53,17 +54,18 @@ std::vector<std::string> idsOf(Plant const& plant, char const* type) {
     return ids;
 }
 
+std::string insteadOf(std::string const& name, std::vector<std::string> const& known) {
+    return suggestion(name, known, known.empty() ? "the plant has none" : "write " + oneOf(known));
+}
+
 Atom* atomOf(Plant const& plant, std::string const& id, char const* type, char const* what) {
     for (StateVar const* variable : plant.stateVars)
         if (variable->getType() == type)
             for (Atom* atom : variable->getAtomLinks())
                 if (atom->id == id)
                     return atom;
-    std::vector<std::string> const known = idsOf(plant, type);
-    throw Refused{
-        usageIsWrong,
-        "there is no " + std::string(what) + " " + id + ": " +
-            suggestion(id, known, known.empty() ? "the plant has none" : "write " + oneOf(known))};
+    throw Refused{usageIsWrong, "there is no " + std::string(what) + " " + id + ": " +
+                                    insteadOf(id, idsOf(plant, type))};
 }
 
 int wholeNumber(std::string const& text, std::string const& word) {
@@ -140,19 +142,21 @@ private:
             if (!std::isfinite(value) || end == nullptr || *end != '\0')
                 throw Refused{usageIsWrong, word + ": write NAME=VALUE, with a number"};
             if (std::find(names.begin(), names.end(), name) == names.end())
-                throw Refused{usageIsWrong, "there is no input " + name + ": " +
-                                                suggestion(name, names, "write " + oneOf(names))};
+                throw Refused{usageIsWrong,
+                              "there is no input " + name + ": " + insteadOf(name, names)};
             constants[name] = value;
         }
     }
     void readFile(std::string const& path) {
-        std::ifstream file(path);
-        if (!file)
+        FileReader reader;
+        std::optional<std::string> const text = reader.read(path);
+        if (!text)
             throw Refused{dataIsWrong, "can't read file " + path};
+        std::istringstream file(*text);
         int number = 0;
-        for (std::string text; std::getline(file, text);) {
+        for (std::string line; std::getline(file, line);) {
             ++number;
-            std::istringstream words(text);
+            std::istringstream words(line);
             std::vector<double> values(names.size());
             for (double& value : values)
                 if (!(words >> value))
@@ -240,11 +244,11 @@ void addSimulate(CLI::App& program, int& status) {
     request->settings = addSettings(*command);
     command->add_option("--steps", request->steps, "Number of the last step")
         ->required()
-        ->check(CLI::NonNegativeNumber);
+        ->check(countFrom(0));
     command->add_option("--seed", request->seed, "Of all that is drawn: another one, another run");
     command
         ->add_option("--noise", request->noise, "Of each measure: drawn between -NOISE and NOISE")
-        ->check(CLI::NonNegativeNumber);
+        ->check(notNegative());
     command
         ->add_option(
             "--uncertainty", request->uncertainty,
