@@ -150,8 +150,7 @@ void answerQuestions(PlantSource const& source, int argc, char** argv) {
     } else {
         std::cout << auxFile << " " << version << " (model " << source.name << ")\n";
     }
-    std::cout.flush();
-    std::_Exit(0);
+    endSession(0);
 }
 
 // The host empties the logs, before the command line is read.

@@ -18,6 +18,7 @@
 #include "tavro/day.h"
 #include "tavro/progress.h"
 #include "tavro/run_outputs.h"
+#include "tavro/validators.h"
 
 namespace {
 
@@ -206,17 +207,6 @@ int runIt(Request& request) {
         std::fputs("tavro run: memory runs short\n", stderr);
         return static_cast<int>(Verdict::limited);
     }
-}
-
-// A whole number that is not below *least*, in words that a reader can use.
-CLI::Validator countFrom(int least) {
-    return {[least](std::string const& word) {
-                int value = 0;
-                bool const isOne = CLI::detail::lexical_cast(word, value) && value >= least;
-                return isOne ? std::string()
-                             : word + ": write a whole number, at least " + std::to_string(least);
-            },
-            ""};
 }
 
 void addFiles(CLI::App& command, Request& request) {

@@ -16,6 +16,7 @@
 #include "run/build_plant.h"
 #include "tavro/commands.h"
 #include "tavro/truth_file.h"
+#include "tavro/validators.h"
 
 namespace {
 
@@ -148,13 +149,15 @@ private:
         }
     }
     void readFile(std::string const& path) {
-        std::ifstream file(path);
-        if (!file)
+        FileReader reader;
+        std::optional<std::string> const text = reader.read(path);
+        if (!text)
             throw Refused{dataIsWrong, "can't read file " + path};
+        std::istringstream file(*text);
         int number = 0;
-        for (std::string text; std::getline(file, text);) {
+        for (std::string line; std::getline(file, line);) {
             ++number;
-            std::istringstream words(text);
+            std::istringstream words(line);
             std::vector<double> values(names.size());
             for (double& value : values)
                 if (!(words >> value))
@@ -242,11 +245,11 @@ void addSimulate(CLI::App& program, int& status) {
     request->settings = addSettings(*command);
     command->add_option("--steps", request->steps, "Number of the last step")
         ->required()
-        ->check(CLI::NonNegativeNumber);
+        ->check(countFrom(0));
     command->add_option("--seed", request->seed, "Of all that is drawn: another one, another run");
     command
         ->add_option("--noise", request->noise, "Of each measure: drawn between -NOISE and NOISE")
-        ->check(CLI::NonNegativeNumber);
+        ->check(notNegative());
     command
         ->add_option(
             "--uncertainty", request->uncertainty,

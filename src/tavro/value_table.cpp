@@ -19,26 +19,28 @@ namespace {
 
 constexpr double missing = std::numeric_limits<double>::quiet_NaN();
 constexpr char const* blanks = " \t\r";
+// In a table whose cells are parted by tabs: at the ends of a line they part empty ones.
+constexpr char const* blanksBesideTabs = " \r";
 
 struct TextLine {
     std::size_t number;
     std::string_view text;
 };
 
-std::string_view trimmed(std::string_view text) {
-    std::size_t const first = text.find_first_not_of(blanks);
+std::string_view trimmed(std::string_view text, char const* around = blanks) {
+    std::size_t const first = text.find_first_not_of(around);
     if (first == std::string_view::npos)
         return {};
-    return text.substr(first, text.find_last_not_of(blanks) - first + 1);
+    return text.substr(first, text.find_last_not_of(around) - first + 1);
 }
 
-// Without blank lines and comments.
-std::vector<TextLine> linesOf(std::string_view text) {
+// Without comments, and without lines that hold nothing but what may stand *around* a text.
+std::vector<TextLine> linesOf(std::string_view text, char const* around) {
     std::vector<TextLine> lines;
     std::size_t number = 0;
     while (!text.empty()) {
         std::size_t const end = std::min(text.find('\n'), text.size());
-        std::string_view const line = trimmed(text.substr(0, text.find_first_of("#\n")));
+        std::string_view const line = trimmed(text.substr(0, text.find_first_of("#\n")), around);
         ++number;
         if (!line.empty())
             lines.push_back({number, line});
@@ -111,13 +113,15 @@ public:
         std::optional<std::string> const text = reader.read(path);
         if (!text)
             throw DataRefused("can't read file " + path);
-        std::vector<TextLine> const lines = linesOf(*text);
+        std::vector<TextLine> const lines = linesOf(*text, blanks);
         if (lines.empty())
             throw DataRefused(path + " holds no data");
-        if (isHeading(lines.front().text))
-            readCsv(lines, wanted);
-        else
+        if (!isHeading(lines.front().text)) {
             readPlain(lines, plainNames);
+            return std::move(table);
+        }
+        chooseSeparator(lines.front().text);
+        readCsv(separator == '\t' ? linesOf(*text, blanksBesideTabs) : lines, wanted);
         return std::move(table);
     }
 
@@ -130,9 +134,12 @@ private:
         table.notes.push_back(path + ":" + std::to_string(line.number) + ": " + text);
     }
 
-    // A heading begins with a name, a line of numbers with a number or a missing one.
+    // A heading begins with a name, behind columns that have none; a line of numbers with a number
+    // or a missing one.
     static bool isHeading(std::string_view line) {
-        std::string_view const first = line.substr(0, line.find_first_of(" \t,;"));
+        constexpr char const* between = " \t,;";
+        line.remove_prefix(std::min(line.find_first_not_of(between), line.size()));
+        std::string_view const first = line.substr(0, line.find_first_of(between));
         return !numberOf(first) && !isMissing(first) && !dateOf(first);
     }
 
@@ -214,7 +221,6 @@ private:
     }
 
     void readCsv(std::vector<TextLine> const& lines, std::vector<std::string> const& wanted) {
-        chooseSeparator(lines.front().text);
         readHeading(lines.front(), wanted);
         for (std::size_t i = 1; i < lines.size(); ++i)
             readRow(lines[i]);
@@ -287,7 +293,7 @@ private:
     double timeOf(TextLine const& line, std::string text) const {
         if (separator == ';')
             std::replace(text.begin(), text.end(), ',', '.');
-        if (std::optional<double> const value = numberOf(text))
+        if (std::optional<double> const value = numberOf(text); value && std::isfinite(*value))
             return *value * (timeColumn == "step" ? period : 1.0);
         if (std::optional<double> const date = dateOf(text))
             return *date;

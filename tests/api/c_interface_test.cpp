@@ -152,6 +152,42 @@ TEST(C, NamesThePlantsThatItHolds) {
 }
 
 // A step that is refused leaves the time of the last one that ended well.
+// Each list of names is that of the interface in C++, and ends where that one ends.
+TEST(C, NamesAllThatAPlantHas) {
+    for (char const* name : {"therm", "line"}) {
+        tavro::Plant const other = tavro::Plant::builtin(name);
+        PlantHandle const plant = builtin(name);
+        std::pair<tavro_names, std::vector<std::string>> const lists[] = {
+            {TAVRO_INPUTS, other.inputs()},
+            {TAVRO_MEASURES, other.measures()},
+            {TAVRO_VARIABLES, other.variables()},
+            {TAVRO_COMPONENTS, other.components()},
+            {TAVRO_MODES, other.modes()},
+            {TAVRO_COMMANDS, other.commands()},
+            {TAVRO_OBSERVATIONS, other.observations()}};
+        for (auto const& [kind, names] : lists) {
+            for (std::size_t i = 0; i < names.size(); ++i)
+                EXPECT_EQ(tavro_plant_name(plant.get(), kind, i), names[i]);
+            EXPECT_EQ(tavro_plant_name(plant.get(), kind, names.size()), nullptr);
+        }
+        EXPECT_FALSE(other.components().empty());
+    }
+}
+
+TEST(C, RefusesACountWithoutTexts) {
+    PlantHandle const plant = builtin("therm");
+    RunHandle const run = runOf(plant);
+    double const value = 0.93835;
+    tavro_line line = measured(value);
+    ASSERT_EQ(tavro_run_start(run.get(), &line, nullptr), TAVRO_OK);
+    line.command_count = 1;
+    EXPECT_EQ(tavro_run_step(run.get(), &line, nullptr), TAVRO_DATA);
+    EXPECT_STREQ(tavro_last_error(), "a count of texts without a text");
+    char const* const none = nullptr;
+    line.commands = &none;
+    EXPECT_EQ(tavro_run_step(run.get(), &line, nullptr), TAVRO_DATA);
+}
+
 TEST(C, TellsTheTimeOfARun) {
     PlantHandle const plant = builtin("therm");
     RunHandle const run = runOf(plant);

@@ -127,4 +127,97 @@ TEST_F(Ending, WithoutAStepThereIsNothingToTell) {
     EXPECT_TRUE(says(o, "The run stopped: memory ran short."));
 }
 
+// The best story stands first, whatever its probability, if it agrees and the other does not.
+TEST_F(Ending, WhatDoesNotAgreeComesBehind) {
+    std::vector<tavro::Candidate> both = {candidate(2, 1, 2, {move("stuck_on", 4, 4)}, 0.9),
+                                          candidate(3, 1, 2, {move("stuck_off", 5, 5)}, 0.1)};
+    recorder.add(measured(9), diagnosis(6, both));
+    both.front().agrees = false;
+    recorder.add(measured(9), step(7, both));
+    Outcome const o = outcome();
+    EXPECT_EQ(o.answer[0],
+              "A fault, explained: thermostat on -> stuck_off at 5 s (probability 0.1).");
+    EXPECT_TRUE(says(o,
+                     "It may also be: thermostat on -> stuck_on at 4 s (probability 0.9), though "
+                     "it does not agree."));
+}
+
+TEST_F(Ending, WithoutAStoryNothingIsExplained) {
+    recorder.add(measured(9), diagnosis(1, {}));
+    Outcome const o = outcome();
+    EXPECT_EQ(o.verdict, Verdict::unexplained);
+    EXPECT_FALSE(says(o, "Still followed"));
+}
+
+// A story of two failures is told whole, and a healthy move beside a failure is left out.
+TEST_F(Ending, AllFailuresOfAStoryAreTold) {
+    recorder.add(measured(9),
+                 diagnosis(7, {candidate(2, 1, 2,
+                                         {move("stuck_on", -1, 5), move("off", 5, 5, false),
+                                          move("stuck_off", 6, 6)},
+                                         1.0)}));
+    EXPECT_EQ(outcome().answer[0],
+              "A fault, explained: thermostat on -> stuck_on before the steps that are kept, and "
+              "thermostat on -> stuck_off at 6 s (probability 1).");
+}
+
+TEST_F(Ending, MovesMayExplainWithoutAFailure) {
+    recorder.add(measured(9), diagnosis(7, {candidate(2, 1, 2, {move("off", 5, 6, false)}, 1.0)}));
+    EXPECT_EQ(outcome().answer[0],
+              "A fault, explained: thermostat on -> off between 5 and 6 s without a failure "
+              "(probability 1).");
+}
+
+TEST_F(Ending, WhatWasNoticedBeforeAnInterruptIsTold) {
+    disagree(1);
+    Outcome const o = outcome({EarlyEnd::interrupted, "interrupted"});
+    EXPECT_EQ(o.answer[0], "Interrupted: 0 steps, up to 1 s.");
+    EXPECT_EQ(o.answer[2], "Noticed at 1 s: measured room.xd below all bounds.");
+}
+
+// Of eight stories one explains, five are told, and two are left.
+TEST_F(Ending, ManyStoriesAreCounted) {
+    std::vector<tavro::Candidate> all;
+    for (int i = 0; i < 8; ++i)
+        all.push_back(candidate(i, 1, 2, {move("m" + std::to_string(i), 3, 3)}, 0.125));
+    recorder.add(measured(9), diagnosis(7, all));
+    Outcome const o = outcome();
+    EXPECT_TRUE(says(o, "on -> m5 at 3 s (probability 0.125); and 2 more."));
+    EXPECT_FALSE(says(o, "m6"));
+}
+
+// Influences that act together, one without a name, and one that the plant does not know.
+TEST_F(Ending, SuspectsAreNamedAsWellAsTheyCanBe) {
+    tavro::Step s = diagnosis(1, {candidate(2, 1, 2, {move("stuck_on", 0, 0)}, 1.0)});
+    s.suspects = {{{"R1.i4", 1, "()"}, {"T1.i1", 1, "()"}}, {{"", 1, "()"}}, {{"R9.i9", 1, "()"}}};
+    recorder.add(measured(9), s);
+    EXPECT_TRUE(says(outcome(),
+                     "Suspects: R1.i4 (room.xdq to room.xd) with T1.i1 (thermostat.h to room.xdq); "
+                     "or an influence without a name; or R9.i9."));
+}
+
+TEST_F(Ending, ManySuspectsAreCounted) {
+    tavro::Step s = diagnosis(1, {candidate(2, 1, 2, {move("stuck_on", 0, 0)}, 1.0)});
+    s.suspects.clear();
+    for (char const name : {'a', 'b', 'c', 'd', 'e', 'f'})
+        s.suspects.push_back({{std::string(1, name), 1, "()"}});
+    recorder.add(measured(9), s);
+    EXPECT_TRUE(says(outcome(), "Suspects: a; or b; or c; or d; or e; and 1 further set."));
+}
+
+TEST_F(Ending, WithoutBoundsAMeasureWasNotWatched) {
+    double const infinite = std::numeric_limits<double>::infinity();
+    recorder.add(measured(0.5), step(0, {candidate(1, -infinite, 2)}));
+    EXPECT_TRUE(says(outcome(), "Nothing bounds room.xd: it was not watched."));
+}
+
+TEST(Verdicts, HaveAWordForPrograms) {
+    EXPECT_STREQ(wordOf(Verdict::healthy), "healthy");
+    EXPECT_STREQ(wordOf(Verdict::explained), "explained");
+    EXPECT_STREQ(wordOf(Verdict::unexplained), "unexplained");
+    EXPECT_STREQ(wordOf(Verdict::interrupted), "interrupted");
+    EXPECT_STREQ(wordOf(Verdict::limited), "stopped");
+    EXPECT_STREQ(wordOf(Verdict::plantIsSilent), "stopped");
+}
+
 }  // namespace

@@ -142,6 +142,12 @@ run 2 "$room" -m one.csv --rules sharpest
 tells "there is no rule \"sharpest\""
 run 2 "$room" -m one.csv --json - --csv -
 tells "two results are to be written to standard output"
+run 2 "$room" -m one.csv --json same --csv ./same
+tells "two results are to be written to ./same"
+[ -e same ] && fail "a file is written though the run is refused"
+: >nodirectory
+run 5 "$room" -m one.csv --graphs nodirectory/graphs
+tells "can't make directory nodirectory/graphs: "
 cp one.csv kept.csv
 ln -s kept.csv link.csv
 run 2 "$room" -m kept.csv --csv link.csv
@@ -207,6 +213,11 @@ if [ -c /dev/full ]; then
   got=0
   "$tavro" run "$room" -m one.csv >/dev/full 2>err || got=$?
   [ "$got" = 5 ] || fail "an answer that is lost: status $got"
+  got=0
+  "$tavro" run "$room" -m one.csv --json - >/dev/full 2>err || got=$?
+  [ "$got" = 5 ] || fail "a document that is lost: status $got"
+  tells "Can't write standard output"
+  tells "A fault, explained"
 fi
 
 # ---- What is written ----

@@ -43,6 +43,21 @@ refused 2 "write NAME=VALUE, with a number" "$motor" --steps 5 --input driver.vo
 refused 4 "can't read file inp/none" "$motor" --steps 5 --inputs inp/none
 echo two >inp/words
 refused 4 "inp/words:1: 1 numbers are expected" "$motor" --steps 5 --inputs inp/words
+refused 2 "write NAME=VALUE, with a number" "$motor" --steps 5 --input driver.volt
+refused 2 "there is no input driver.volt: the plant has none" "$room" --steps 5 --input driver.volt=3
+refused 2 "there is no command a.b=c: the plant has none" "$motor" --steps 5 --input driver.volt=3 --command a.b=c@1
+for step in -1 2x 99999999999 ''; do
+  refused 2 "behind @ stands a step" "$room" --steps 5 --fault "thermostat.mode=stuck_on@$step"
+done
+for steps in -1 2x 3000000000; do
+  refused 2 "$steps: write a whole number, at least 0" "$room" --steps=$steps
+done
+for noise in nan inf -0.1 x; do
+  refused 2 "$noise: write a number, at least 0" "$room" --steps 5 --noise=$noise
+done
+: >inp/empty
+refused 4 "inp/empty is empty" "$motor" --steps 5 --inputs inp/empty
+refused 4 "can't read file inp" "$motor" --steps 5 --inputs inp
 refused 1 "cannot be read" none.plant --steps 5
 refused 5 "can't write none/out" "$room" --steps 5 -o none/out
 
@@ -60,6 +75,28 @@ for seed in 1 2; do
 done
 "$tavro" simulate "$room" --steps 40 --seed 1 --noise 0.01 | cmp -s - obs/seed1 || fail "one seed, two runs"
 cmp -s obs/seed1 obs/seed2 && fail "two seeds, one run"
+
+# The window opens at step 2: from then on the room is open, and the command is over a step later.
+# A fault that is asked for behind the end does not strike.
+"$tavro" simulate "$room" --steps 3 --uncertainty middle --csv --command room.cmdin=open@2 \
+  --fault thermostat.mode=stuck_on@4 >table 2>err
+[ "$(sed 1d table | cut -d, -f1,8,10 | tr '\n' ' ')" = "0,none,closed 1,none,closed 2,open,open 3,none,open " ] ||
+  { fail "a window that is opened"; cat table; }
+grep -qF "not every fault has struck" err || fail "a fault that does not strike is told"
+# A file of inputs stands over a constant, and its last line stays.
+printf '1\n2\n' >inp/rising
+"$tavro" simulate "$motor" --steps 3 --csv --input driver.volt=7 --inputs inp/rising >table
+volt=$(head -1 table | tr , '\n' | grep -nx driver.volt | cut -d: -f1)
+[ "$(cut -d, -f"$volt" table | tr '\n' ' ')" = "driver.volt 1 2 2 2 " ] || { fail "inputs of a file"; cat table; }
+# A pump that is started is on a step later, and commands last a step.
+"$tavro" simulate "$plants/line/line.plant" --steps 2 --command pump.cmd=start@1 >scenario
+[ "$(sed -n 's/^Command \(pump[^ ]*\).*/\1/p' scenario | tr '\n' ' ')" = "pump.cmd=start pump.cmd=none " ] ||
+  { fail "the commands of a scenario"; cat scenario; }
+if [ -c /dev/full ]; then
+  got=0
+  "$tavro" simulate "$room" --steps 5 >/dev/full 2>err || got=$?
+  [ "$got" = 5 ] && grep -qxF "tavro simulate: can't write standard output" err || fail "data that are lost"
+fi
 
 # answers PLANT LAST-TIME ARGUMENT...: the answers of a detection with the sharp rules. A run that wrote
 # no bounds to disp/d was none, and silence of it would say nothing.
