@@ -167,6 +167,10 @@ void checkFiles(Request const& request, tavro::Plant const& plant) {
     if (!plant.discrete() && request.measures.empty())
         throw UsageRefused("give the measures of " + oneOf(plant.measures()) +
                            " with --measures FILE");
+    if (plant.discrete() && !request.measures.empty())
+        throw UsageRefused("this plant has no measures: leave out --measures");
+    if (plant.inputs().empty() && !request.inputs.empty())
+        throw UsageRefused("this plant has no inputs: leave out --inputs");
 }
 
 int runIt(Request& request) {

@@ -116,6 +116,8 @@ public:
             for (s_Variable const* input : plant.tavro_rt->input)
                 names.push_back(input->nom);
         takeConstants(request.inputs);
+        if (names.empty() && !request.inputFile.empty())
+            throw Refused{usageIsWrong, "the plant has no inputs: leave out --inputs"};
         if (!request.inputFile.empty())
             readFile(request.inputFile);
         else if (constants.size() < names.size())

@@ -83,6 +83,10 @@ Observation in1.out=high in2.out=high in3.out=low in6.out=high in7.out=high g22.
 SCENARIO
 run 0 "$circuits/c17.plant" -s two.scn
 says "nothing that needs a failure"
+run 2 "$circuits/c17.plant" -m "$obs/healthy.obs" --scenario "$circuits/c17.scn"
+tells "this plant has no measures: leave out --measures"
+run 2 "$room" -m "$obs/healthy.obs" -i "$obs/healthy.obs"
+tells "this plant has no inputs: leave out --inputs"
 run 2 "$circuits/c17.plant"
 tells "--scenario"
 

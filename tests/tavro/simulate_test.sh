@@ -38,6 +38,7 @@ refused 2 "there is no command room.cmdin=shut" "$room" --steps 5 --command room
 refused 2 "give each one as --input NAME=VALUE" "$motor" --steps 5
 refused 2 "did you mean driver.volt?" "$motor" --steps 5 --input driver.vlt=3
 refused 2 "there is no input u: the plant has none" "$room" --steps 5 --input u=1
+refused 2 "the plant has no inputs: leave out --inputs" "$room" --steps 5 --inputs "$0"
 refused 2 "there is no input u: write driver.volt" "$motor" --steps 5 --input u=1
 refused 2 "write NAME=VALUE, with a number" "$motor" --steps 5 --input driver.volt=x
 refused 4 "can't read file inp/none" "$motor" --steps 5 --inputs inp/none
