@@ -135,8 +135,11 @@ bool wouldOverwriteOutput(std::string const& output) {
 bool wouldOverwriteFiles() {
     UsedFiles const read = inputs(), written = logs();
     bool found = false;
-    for (std::string const& output : {displayFile, modesFile, std::string(cycleBenchmark)})
+    for (std::string const& output : {displayFile, modesFile})
         found |= refuses(output, read);
+    // A log that was not there at the start can still be what is read as measures: its timings.
+    for (UsedFile const& log : written)
+        found |= refuses(log.path, read);
     found |= refuses(displayFile, {{"mode file", modesFile}});
     for (std::string const& output : {displayFile, modesFile})
         found |= refuses(output, written);
