@@ -37,17 +37,11 @@ namespace {
 // search follows two hundred answers at most (covering_histories.cpp); each is a copy of the state.
 constexpr unsigned mostSets = 40000, mostAnswers = 200;
 
-// A variable that keeps its value unless it is given up for another one.
-struct Supposition {
-    int holds;                      // its place
-    std::vector<int> alternatives;  // places; none when it is held
-};
-
 // Suppositions that are given up: what held, and what holds instead, by place.
 using Changes = std::map<int, int>;
 
 // Where the elements come from that the state does not hold, and whether they keep their locks.
-struct Place {
+struct Origin {
     Trajectory* trajectory;
     int timestep;
     bool keepLocks;
@@ -56,12 +50,12 @@ struct Place {
 class Derivation {
 public:
     Derivation(ClauseNet const& net, ItmsRes const& base, SearchLimits const& limits,
-               Place const& place, Plant const& plant)
+               Origin const& origin, Plant const& plant)
         : net(net),
           base(base),
           limits(limits),
-          place(place),
-          allowed(limits.maxRank - projectedRank(place.trajectory, base.state.get()) + 1.0) {
+          origin(origin),
+          allowed(limits.maxRank - projectedRank(origin.trajectory, base.state.get()) + 1.0) {
         for (StateVar const* variable : plant.stateVars)
             if (understood)
                 understood = note(variable);
@@ -108,7 +102,7 @@ public:
     TrajEl const* elementOf(Atom const* atom) const {
         if (TrajEl const* own = base.state->getElt(atom->getId()))
             return own;
-        return place.trajectory->getElt(atom->getId(), place.timestep, -1);
+        return origin.trajectory->getElt(atom->getId(), origin.timestep, -1);
     }
 
 private:
@@ -137,10 +131,8 @@ private:
                 holding = element;
             noteFact(element, number);
         }
-        if (variable->type != typeMode && (concluded || asserted))
+        if (asserted || (concluded && variable->type != typeMode))
             return true;  // it follows
-        if (asserted)
-            return true;
         if (holding == nullptr)
             return false;
         suppose(variable, holding, mentioned || variable->type == typeMode);
@@ -151,11 +143,11 @@ private:
     void noteFact(TrajEl const* element, int number) {
         bool const isKnown = !element->isLabelled(labelUnknown);
         if (isKnown && (isChanged(element) || isHeld(element)))
-            facts.push_back({number, element->isLabelled(labelTrue)});
+            given.push_back({number, element->isLabelled(labelTrue)});
     }
-    // Of an element that is brought forward: comes it with its lock.
+    // One that would be brought forward comes without its lock, but for those that are kept.
     bool hasLock(TrajEl const* element) const {
-        return isOwn(element) || (place.keepLocks && element->getVarType() != typeObservable);
+        return isOwn(element) || (origin.keepLocks && element->getVarType() != typeObservable);
     }
     bool isHeld(TrajEl const* element) const {
         return hasLock(element) &&
@@ -180,17 +172,16 @@ private:
                element->atom->value == valueNone;
     }
     void suppose(StateVar const* variable, TrajEl const* holding, bool matters) {
-        Supposition supposed{net.placeOf(holding->atom), {}};
+        std::vector<int>& alternatives = suppositions[net.placeOf(holding->atom)];
         if (matters && mayLeave(holding))
             for (Atom const* atom : variable->getAtomLinks())
                 if (mayBecome(variable, elementOf(atom)))
-                    supposed.alternatives.push_back(net.placeOf(atom));
-        suppositions[supposed.holds] = std::move(supposed.alternatives);
+                    alternatives.push_back(net.placeOf(atom));
     }
 
     Entailment entailedBy(Changes const& changes) const {
         Entailment entailed(net);
-        for (auto const& [place, holds] : facts)
+        for (auto const& [place, holds] : given)
             entailed.take(place, holds);
         for (auto const& entry : suppositions) {
             auto const change = changes.find(entry.first);
@@ -241,12 +232,14 @@ private:
     ClauseNet const& net;
     ItmsRes const& base;
     SearchLimits const& limits;
-    Place place;
+    Origin origin;
     double allowed;  // failures beside those of the history
     bool understood = true;
     bool cut = false;
-    std::vector<std::pair<int, bool>> facts;
-    std::map<int, std::vector<int>> suppositions;  // the alternatives of what holds, by its place
+    std::vector<std::pair<int, bool>> given;
+    // Of each variable that keeps its value unless it is given up: by the place of what holds,
+    // those of what may hold instead. None when it is held.
+    std::map<int, std::vector<int>> suppositions;
 };
 
 char const* labelOf(ClauseNet::Truth truth) {
