@@ -99,6 +99,82 @@ if [ -c /dev/full ]; then
   [ "$got" = 5 ] && grep -qxF "tavro simulate: can't write standard output" err || fail "data that are lost"
 fi
 
+# course VALUES VARIABLE STATEMENTS ARGUMENT...: the true values of a variable at the steps, in a plant of one
+# component that says these statements.
+course() {
+  wanted=$1 variable=$2 steps=$(($(echo "$1" | wc -w) - 1))
+  printf 'plant p\nsample 1 s\ntype t {\n%s\n}\na: t\n' "$3" >says.plant
+  shift 3
+  "$tavro" simulate says.plant --steps $steps --csv "$@" >table
+  column=$(head -1 table | tr , '\n' | grep -nx "true $variable" | cut -d: -f1)
+  found=$(sed 1d table | cut -d, -f"$column" | tr '\n' ' ')
+  [ "$found" = "$wanted " ] || { fail "$variable: $found, expected $wanted"; cat says.plant; }
+}
+
+# What a move sets holds from the next step on, by the values of the step at which it is made. The level
+# rises by 1 at each step; it is set to 10, to half if it is above 7, to the middle of an interval.
+tank='variable level = 3
+parameter rate = 1
+level integrates 1 * rate
+measure level
+command c: none, go
+mode low, high
+idle others
+move from low to high when c = go with 1 setting level ='
+course "3 4 5 11 12" a.level "$tank 10" --command a.c=go@2
+course "3 4 5 6" a.level "$tank 0.5 * level if level > 7" --command a.c=go@2
+course "3 4 5 6 7 8 9 5.5" a.level "$tank 0.5 * level if level > 7" --command a.c=go@6
+course "3 4 11" a.level "$tank [8, 12]" --command a.c=go@1 --uncertainty middle
+for seed in 1 2 3; do
+  "$tavro" simulate says.plant --steps 2 --csv --command a.c=go@1 --seed $seed >table
+  [ "$(sed -n '4s/,.*//p' table)" = 2 ] && sed -n 4p table | awk -F, '$3 < 9 || $3 > 13 { exit 1 }' ||
+    { fail "a number of an interval"; cat table; }
+done
+# What is of second order begins at rest: y(k) = 2 y(k-1) - y(k-2) would go on from 5 to 10.
+course "0 0 0 5 5 5" a.y 'variable y = 0
+input u
+y integrates twice 1 * u
+measure y
+command c: none, go
+mode low, high
+idle others
+move from low to high when c = go with 1 setting y = 5' --input a.u=0 --command a.c=go@2
+
+# A constraint gives what holds no state, in place of what its causes say roughly. On a state and on an input
+# it is a statement: x goes on as it integrates, u as it is given.
+course "5 10 17 26" a.y 'variable x = 2
+parameter rate = 1
+x integrates 1 * rate
+variable y = 5
+y = [1, 9] * x
+constraint y = x * x + 1
+measure y'
+statements='variable x = 2
+parameter rate = 1
+x integrates 1 * rate
+variable u = 7 in [0, 99], y = 2 in [0, 99]
+input u
+y = x
+constraint x = 2 * u
+constraint u = 3 * y
+measure y'
+course "2 3 4" a.x "$statements" --input a.u=7
+course "2 3 4" a.y "$statements" --input a.u=7
+[ "$(sed 1d table | cut -d, -f4 | tr '\n' ' ')" = "7 7 7 " ] || { fail "an input that is constrained"; cat table; }
+
+# Of three colours clauses leave one: a lamp is dark just when it is off, and never red.
+course "dark green" a.lamp 'command c: none, go
+mode off, lit
+idle others
+observe lamp: dark, red, green
+move from off to lit when c = go with 1
+clause lamp = dark iff mode = off
+clause lamp != red
+variable x = 0
+parameter rate = 1
+x integrates 1 * rate
+measure x' --command a.c=go@1
+
 # answers PLANT LAST-TIME ARGUMENT...: the answers of a detection with the sharp rules. A run that wrote
 # no bounds to disp/d was none, and silence of it would say nothing.
 answers() {
