@@ -16,6 +16,30 @@ double middle(s_Objet const& value) {
     return sn_infOf(value) + 0.5 * (sn_supOf(value) - sn_infOf(value));
 }
 
+bool reads(s_Expr const& expr, s_GVar const* gvar) {
+    for (s_Expr const* operand : {expr.left, expr.right})
+        if (operand != nullptr && (operand->gvar == gvar || reads(*operand, gvar)))
+            return true;
+    return false;
+}
+
+// The constraints of a plant, each definition before what reads it; else as they are told.
+std::vector<s_Expr const*> definitionsFirst(s_runtime const& rt) {
+    std::vector<s_Expr const*> left(rt.gC.begin(), rt.gC.end()), ordered;
+    while (!left.empty()) {
+        auto const isReady = [&left](s_Expr const* one) {
+            return std::none_of(left.begin(), left.end(), [one](s_Expr const* other) {
+                return other->gvar->kind == GV_INTERMEDIATE && reads(*one, other->gvar);
+            });
+        };
+        auto const ready = std::find_if(left.begin(), left.end(), isReady);
+        auto const next = ready != left.end() ? ready : left.begin();
+        ordered.push_back(*next);
+        left.erase(next);
+    }
+    return ordered;
+}
+
 // A dynamic link is sampled as a whole, so that its coefficients belong together.
 bool isSampled(s_Influence const& influence) {
     return influence.type == INF_DYNAMIC || influence.type == INF_DYNAMIC2;
@@ -32,7 +56,8 @@ Course::Course(s_runtime const& plant, Setting const& setting)
       firsts(setting.seed, streamFirsts),
       noises(setting.seed, streamNoises),
       courses(plant.dico.size()),
-      shares(plant.influ.size()) {
+      shares(plant.influ.size()),
+      constraints(definitionsFirst(*rt)) {
     settleParameters();
 }
 
@@ -246,12 +271,13 @@ void Course::showValues() {
             gvar->value = gvar->var->old;
 }
 
-// A constraint gives the value of what holds no state, in place of what its causes say roughly. On
-// a state or an input it is a statement, and the equations of the plant have to make it true.
+// A constraint gives the value of what is defined, and of what holds no state, in place of what its
+// causes say roughly. On a state or an input it is a statement, and the equations of the plant have
+// to make it true.
 bool Course::isGivenBy(s_Expr const& constraint) const {
     s_GVar const* gvar = constraint.gvar;
     if (gvar->kind != GV_VARIABLE)
-        return false;
+        return gvar->kind == GV_INTERMEDIATE;
     auto const isIn = [gvar](std::vector<s_Variable*> const& list) {
         return std::find(list.begin(), list.end(), gvar->var) != list.end();
     };
@@ -260,12 +286,14 @@ bool Course::isGivenBy(s_Expr const& constraint) const {
 
 void Course::solveConstraints() {
     showValues();
-    for (s_Expr const* constraint : rt->gC) {
+    for (s_Expr const* constraint : constraints) {
         if (!isGivenBy(*constraint))
             continue;
         sn_evalSolFunc(rt.get(), constraint);
-        constraint->gvar->value = makeReal(drawn(engine.TMP4, gains));
-        current(constraint->gvar->var->slot) = middle(constraint->gvar->value);
+        s_GVar* const given = constraint->gvar;
+        given->value = makeReal(drawn(engine.TMP4, gains));
+        if (given->kind == GV_VARIABLE)
+            current(given->var->slot) = middle(given->value);
     }
 }
 

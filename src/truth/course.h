@@ -83,6 +83,7 @@ private:
     std::vector<std::vector<double>> courses;  // by slot
     std::vector<s_Objet> wide;                 // by influence, the coefficient as the plant has it
     std::vector<double> shares;                // by influence, where in its interval a gain lies
+    std::vector<s_Expr const*> constraints;    // of rt, in the order in which they are worked out
     int time = 0;
 };
 

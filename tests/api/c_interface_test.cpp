@@ -151,7 +151,6 @@ TEST(C, NamesThePlantsThatItHolds) {
                      tavro_builtin_name(i));
 }
 
-// A step that is refused leaves the time of the last one that ended well.
 // Each list of names is that of the interface in C++, and ends where that one ends.
 TEST(C, NamesAllThatAPlantHas) {
     for (char const* name : {"therm", "line"}) {
@@ -188,6 +187,7 @@ TEST(C, RefusesACountWithoutTexts) {
     EXPECT_EQ(tavro_run_step(run.get(), &line, nullptr), TAVRO_DATA);
 }
 
+// A step that is refused leaves the time of the last one that ended well.
 TEST(C, TellsTheTimeOfARun) {
     PlantHandle const plant = builtin("therm");
     RunHandle const run = runOf(plant);
@@ -337,6 +337,43 @@ TEST(C, TakesNullHandles) {
     EXPECT_EQ(tavro_step_suspect(nullptr, 0, 0, &suspect), TAVRO_ARGUMENT);
     EXPECT_EQ(tavro_step_explanation(nullptr, 0, &explanation), TAVRO_ARGUMENT);
     EXPECT_EQ(tavro_step_bounds(nullptr, 0, "v", &bound, &bound), TAVRO_ARGUMENT);
+}
+
+// Nothing that is missing is written to, and the text says what is.
+TEST(C, TellsWhatIsMissing) {
+    PlantHandle const plant = builtin("therm");
+    tavro_plant* none = nullptr;
+    EXPECT_EQ(tavro_plant_builtin(nullptr, &none), TAVRO_ARGUMENT);
+    EXPECT_STREQ(tavro_last_error(), "no name");
+    EXPECT_EQ(none, nullptr);
+    EXPECT_EQ(tavro_run_new(plant.get(), nullptr, nullptr), TAVRO_ARGUMENT);
+    EXPECT_STREQ(tavro_last_error(), "no place for the run");
+    tavro_options options{};
+    options.isolation = 7;
+    tavro_options_init_sized(&options, sizeof options - 1);  // of another version
+    EXPECT_EQ(options.isolation, 7);
+
+    RunHandle const run = runOf(plant);
+    double const first = 0.93835;
+    tavro_line const line = measured(first);
+    tavro_step const* step = nullptr;
+    ASSERT_EQ(tavro_run_start(run.get(), &line, &step), TAVRO_OK);
+    EXPECT_EQ(tavro_step_candidate(step, 0, nullptr), TAVRO_ARGUMENT);
+    EXPECT_STREQ(tavro_last_error(), "no place for the answer");
+    tavro_candidate candidate{};
+    EXPECT_EQ(tavro_step_candidate(step, 99, &candidate), TAVRO_ARGUMENT);
+    EXPECT_STREQ(tavro_last_error(), "no such entry in the step");
+    EXPECT_EQ(tavro_step_alarm(step, 0, nullptr), TAVRO_ARGUMENT);
+    EXPECT_EQ(tavro_step_suspect(step, 0, 0, nullptr), TAVRO_ARGUMENT);
+    EXPECT_EQ(tavro_step_explanation(step, 0, nullptr), TAVRO_ARGUMENT);
+    EXPECT_EQ(tavro_step_suspects(step, 99), 0U);
+    EXPECT_EQ(tavro_step_mode(step, 0, nullptr), nullptr);
+    EXPECT_EQ(tavro_step_mode(step, 99, "thermostat.mode"), nullptr);
+    double bound = 0.0;
+    EXPECT_EQ(tavro_step_bounds(step, 0, nullptr, &bound, &bound), TAVRO_ARGUMENT);
+    EXPECT_EQ(tavro_step_bounds(step, 0, "room.x", nullptr, &bound), TAVRO_ARGUMENT);
+    EXPECT_EQ(tavro_step_bounds(step, 0, "room.x", &bound, nullptr), TAVRO_ARGUMENT);
+    EXPECT_EQ(tavro_step_bounds(step, 99, "room.x", &bound, &bound), TAVRO_DATA);
 }
 
 TEST(C, HandsLinesToTheCallback) {

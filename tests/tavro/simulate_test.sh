@@ -162,6 +162,21 @@ course "2 3 4" a.x "$statements" --input a.u=7
 course "2 3 4" a.y "$statements" --input a.u=7
 [ "$(sed 1d table | cut -d, -f4 | tr '\n' ' ')" = "7 7 7 " ] || { fail "an input that is constrained"; cat table; }
 
+# A name for a part of a constraint is worked out first, wherever it is told.
+ramp='variable x = 2
+parameter rate = 1
+x integrates 1 * rate
+variable y = 9
+y = [1, 9] * x
+measure y
+'
+course "9 19 33 51" a.y "${ramp}define d = x * x
+define e = 2 * d
+constraint y = e + 1"
+course "9 19 33 51" a.y "${ramp}constraint y = e + 1
+define e = 2 * d
+define d = x * x"
+
 # Of three colours clauses leave one: a lamp is dark just when it is off, and never red.
 course "dark green" a.lamp 'command c: none, go
 mode off, lit
