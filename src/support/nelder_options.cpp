@@ -3,7 +3,10 @@
 // The text is read by position: each option has its line, the value stands first on it, and all
 // else is comment. A text is never trusted: a line may be missing, empty, foreign or of any length.
 #include <cctype>
+#include <cerrno>
+#include <climits>
 #include <cstdio>
+#include <cstdlib>
 #include <string>
 #include <variant>
 
@@ -41,10 +44,13 @@ struct Entry {
     std::variant<int*, double*, Name*> value;
 };
 
+// One that no int holds is none: wrapped around, a negative limit would be one of two billion.
 void readValue(std::string const& text, int* value) {
-    int read;
-    if (std::sscanf(text.c_str(), "%d", &read) == 1)
-        *value = read;
+    char* end = nullptr;
+    errno = 0;
+    long const read = std::strtol(text.c_str(), &end, 10);
+    if (end != text.c_str() && errno == 0 && read >= INT_MIN && read <= INT_MAX)
+        *value = static_cast<int>(read);
 }
 
 void readValue(std::string const& text, double* value) {

@@ -83,6 +83,18 @@ TEST_F(NelderOptions, AValueMayBeIndentedAndCommented) {
     EXPECT_EQ(options.reflexion, 0.75);
 }
 
+// -2147483649 would wrap around to 2147483647, and a search go on without an end.
+TEST_F(NelderOptions, ACountThatNoIntHoldsIsNone) {
+    for (char const* text : {"-2147483649", "2147483648", "99999999999999999999", "x"}) {
+        writeOptions({{44, text}});
+        EXPECT_EQ(defaultOptions().maxEvalFactor, 1000) << text;
+    }
+    for (int const limit : {2147483647, -2147483647 - 1}) {
+        writeOptions({{44, std::to_string(limit)}});
+        EXPECT_EQ(defaultOptions().maxEvalFactor, limit);
+    }
+}
+
 TEST_F(NelderOptions, AFileThatEndsEarlyLeavesTheRestAtItsDefault) {
     writeOptions({{7, "1"}, {25, "0.75"}}, 25);
     Nelder_options const options = defaultOptions();
