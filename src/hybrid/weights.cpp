@@ -33,7 +33,9 @@ void liftWeights(RunState& run) {
     double const heaviest = run.rules.likelihood ? heaviestOf(run) : 0.0;
     if (heaviest <= 0.0 || heaviest >= small)
         return;
-    double const factor = std::ldexp(1.0, -std::ilogb(heaviest));
+    // Of the smallest numbers the inverse is too large for one.
+    constexpr int farthest = 1000;
+    double const factor = std::ldexp(1.0, std::min(-std::ilogb(heaviest), farthest));
     for (auto const& entry : run.tracked_trajs)
         entry.second->traj->scaleProbas(factor);
     for (RunState::Dropped const& dropped : run.dropped)

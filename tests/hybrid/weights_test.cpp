@@ -60,6 +60,14 @@ TEST_F(Weights, SmallOnesAreLiftedTogether) {
     theRun().dropped.clear();
 }
 
+// 2^1070 is no number.
+TEST_F(Weights, TheSmallestStayFinite) {
+    begin("likelihood");
+    track(std::ldexp(1.0, -1070));
+    liftWeights(theRun());
+    EXPECT_EQ(weights(), (std::vector<double>{std::ldexp(1.0, -70)}));
+}
+
 TEST_F(Weights, EachCycleLooksAfterThem) {
     beginRoom("likelihood");
     for (auto const& entry : theRun().tracked_trajs)
